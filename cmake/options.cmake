@@ -1,0 +1,12 @@
+# What every target of this tree is compiled with.
+function(qvbrisk_target name)
+  target_include_directories(${name} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+  target_compile_options(${name} PRIVATE
+    -Wall -Wextra -Wshadow -Wconversion $<$<BOOL:${QVBRISK_WERROR}>:-Werror>
+    -ffp-contract=off) # the same numbers from every compiler and at every optimisation level
+  if(QVBRISK_SANITIZE)
+    target_compile_options(${name} PRIVATE -fsanitize=${QVBRISK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${name} PUBLIC -fsanitize=${QVBRISK_SANITIZE})
+  endif()
+endfunction()

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+/// The message channel: `ierr` counts the texts stored in `msg` so far, the first slot holds the first message.
+/// Texts come from array new and belong to the host once reported.
+namespace qv {
+
+/// Stores a text in the next slot. A full channel keeps what it has: nobody reads past the last slot.
+/// Throws std::bad_alloc and leaves the channel as it was when the text cannot be copied.
+void add_message(const std::string& text, int& ierr, char** msg);
+
+/// Stores a text in the first slot and sets the count to 1, whatever stood there.
+void set_first_message(const std::string& text, int& ierr, char** msg);
+
+/// add_message, then throws the integer 1: no standard exception, so it passes the modules' handlers and reaches
+/// the frame.
+[[noreturn]] void fault(const std::string& text, int& ierr, char** msg);
+
+/// set_first_message, then throws the integer 1.
+[[noreturn]] void first_fault(const std::string& text, int& ierr, char** msg);
+
+}  // namespace qv

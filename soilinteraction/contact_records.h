@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "common/kernels.h"
+#include "soilrdf/road.h"
+
+/// Records of the contact between a body's grid points and a soil road. What belongs to history changes only after
+/// a converged step; the rest is rewritten at every evaluation.
+namespace qvsoilinteraction {
+
+/// Geometry and history of one grid point.
+class Croad_contact {
+public:
+  // Fixed on the body (its marker's axes), set at set-up.
+  double Si_prime[3];
+  double Si_prime_tilde[9];
+
+  // At the last evaluation.
+  double position[3];           ///< of the point, ground axes
+  double relative_position[3];  ///< of the point from the road base marker, ground axes
+  double sinkage;               ///< signed height over the surface, negative below
+  double normal[3];             ///< contact frame, ground axes
+  double tangent_1[3];
+  double tangent_2[3];
+  double facet_normal[3];  ///< of the triangle found, road axes; zero when none was
+  double facet_d;          ///< its plane constant; not a number when none was
+  double facet_point[3];   ///< the point projected onto its plane, road axes
+  double area_ratio;       ///< factor on the point's share of the area
+  double normal_velocity;
+  double slip_velocity[2];
+  double shear_disp[2];
+  double secant_stiffness;  ///< pressure over sinkage
+  double pressure;          ///< of Bekker's law, negative in compression
+  double damping;
+
+  // History.
+  double contact_state;  ///< 0 before contact, 1 after its first step, 2 later
+  double max_sinkage;
+  double first_contact_position[3];
+  double first_contact_tangent_1[3];
+  double first_contact_tangent_2[3];
+  double last_pressure;
+  double last_static_sinkage;
+  double last_shear_disp[2];
+
+  double concrete_friction;  ///< shear over normal force on a hard road; 0 unless a record that extends this sets it
+  double last_update_time;   ///< with `update_time`: for records that extend this one
+  double update_time;        ///< kept: written by nothing
+  double spare;              ///< kept: 0.001, read by nothing here
+
+  Croad_contact() { Initialize(); }
+
+  void Initialize();
+
+  /// Places the point of row i (along the plate, around the wheel) and column j (across) on the body.
+  /// @param shape  1 plate, else wheel     @param a  plate length or wheel radius     @param w  width
+  void Calculation_Si_prime(int i, int j, int shape, double a, double w, int nx, int ny);
+
+  /// The contact is lost: nothing of it is kept.
+  void clear_history();
+};
+
+/// Loads of one grid point.
+class Csoil_contact {
+public:
+  double local_force[3];  ///< shear 1, shear 2, normal
+  double force[3];        ///< on the body, ground axes
+  double moment[3];       ///< about the body marker, ground axes
+  double shear_force_1;
+  double shear_force_2;
+  double pressure_force;
+  double damping_force;
+  double normal_force;  ///< max(0, pressure force + damping force)
+  double pressure;      ///< positive in compression
+  double shear_stress_1;
+  double shear_stress_2;
+  double effective_area;
+  double dynamic_sinkage;
+  double static_sinkage;
+  double spare;  ///< kept: 1.0, read by nothing here
+  std::string soil_type;
+
+  Csoil_contact() { Initialize(); }
+
+  void Initialize();
+};
+
+/// One soil element: a body's grid of contact points on a road.
+class CSoilInteraction {
+public:
+  std::vector<std::vector<Croad_contact>> road_contacts;  ///< nx rows of ny points
+  std::vector<std::vector<Csoil_contact>> soil_contacts;
+  std::int32_t nx;
+  std::int32_t ny;
+  std::int32_t element_id;  ///< the element's index once it is set up
+
+  CSoilInteraction() { Initialize(); }
+
+  void Initialize() {
+    nx = ny = -1;
+    element_id = qvsoilrdf::k_not_set;
+  }
+};
+
+}  // namespace qvsoilinteraction

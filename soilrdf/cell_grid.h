@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qvsoilrdf {
+
+/// One bucket of the plan grid: the numbers (from 1) of the elements that meet it, in element order.
+class CCell {
+public:
+  std::vector<std::int32_t> elements;
+  std::int32_t i = 0;  ///< column along x, from 0
+  std::int32_t j = 0;  ///< row along y, from 0
+  double x_lo = 0.0;
+  double y_lo = 0.0;
+  double x_hi = 0.0;
+  double y_hi = 0.0;
+};
+
+/// The element numbers of one cell, in place.
+class element_list {
+public:
+  element_list(const std::int32_t* begin, const std::int32_t* end) : begin_(begin), end_(end) {}
+  const std::int32_t* begin() const { return begin_; }
+  const std::int32_t* end() const { return end_; }
+
+private:
+  const std::int32_t* begin_;
+  const std::int32_t* end_;
+};
+
+/// The lists of all cells behind each other in one array, column by column. A heap list per cell would cost several
+/// times the memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
+class CellGrid {
+public:
+  /// Where a cell's list ends (it begins where the list of the cell before ends) and a height that no facet of the
+  /// list reaches over or near its triangle.
+  struct cell_data {
+    std::uint32_t end = 0;
+    float top = 0.0F;
+  };
+
+  bool empty() const { return data_.size() < 2; }
+  std::size_t index(std::int32_t i, std::int32_t j) const {
+    return static_cast<std::size_t>(i) * rows_ + static_cast<std::size_t>(j);
+  }
+  element_list list(std::size_t cell) const {
+    return {numbers_.data() + data_[cell].end, numbers_.data() + data_[cell + 1].end};
+  }
+  float top(std::size_t cell) const { return data_[cell + 1].top; }
+  const cell_data* data(std::size_t cell) const { return data_.data() + cell; }
+  const std::int32_t* numbers(std::uint32_t first) const { return numbers_.data() + first; }
+  std::size_t number_of_entries() const { return numbers_.size(); }
+
+private:
+  friend class cell_grid_builder;
+  std::vector<cell_data> data_;        ///< [0] is a sentinel, cell c is at c + 1
+  std::vector<std::int32_t> numbers_;
+  std::size_t rows_ = 0;
+};
+
+class CRoad;
+
+/// Builds the grid of a road whose nodes, elements, facets, bounds and cell counts stand: one pass over the
+/// triangles, each looking only at the cells its bounds touch. The lists are those that FindElementsBelongtoCell
+/// defines, in the same order. Throws std::length_error for more entries than 32 bits can count.
+void build_cell_grid(CRoad& road);
+
+}  // namespace qvsoilrdf

@@ -1,0 +1,294 @@
+#include "soilrdf/rdf_reader.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <exception>
+
+#include "common/data_file.h"
+#include "common/messages.h"
+#include "common/parameters.h"
+#include "common/text.h"
+#include "qvbrisk/constants.h"
+#include "soilrdf/number_scanner.h"
+#include "soilrdf/rdf_units.h"
+#include "soilrdf/road_derivation.h"
+
+namespace qvsoilrdf {
+namespace {
+
+constexpr std::size_t k_line_limit = 640;       // of the lines outside the node and element blocks
+constexpr double k_smallest_coordinate = 1e-08;  // anything nearer to 0 is 0
+
+struct line {
+  const char* begin;
+  const char* end;
+  long number;  // from 1
+};
+
+/// The lines of a text. Any line end but the last may be missing its own.
+class line_source {
+public:
+  line_source(const char* begin, const char* end) : at_(begin), end_(end) {}
+
+  bool next(line& out) {
+    if (at_ == end_) return false;
+    const auto* stop = static_cast<const char*>(std::memchr(at_, '\n', static_cast<std::size_t>(end_ - at_)));
+    out = {at_, stop != nullptr ? stop : end_, ++number_};
+    at_ = stop != nullptr ? stop + 1 : end_;
+    return true;
+  }
+
+  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_); }
+
+private:
+  const char* at_;
+  const char* end_;
+  long number_ = 0;
+};
+
+class rdf_reader {
+public:
+  rdf_reader(CRoad& road, const qv::file_text& text, int& ierr, char** msg)
+      : road_(road), lines_(text.data.get(), text.data.get() + text.size), ierr_(ierr), msg_(msg) {}
+
+  void read() {
+    line current;
+    while (lines_.next(current)) {
+      const std::string text(current.begin, current.end);
+      if (text.size() >= k_line_limit) {
+        refuse("READ RDF ERROR : Line " + std::to_string(current.number) + " has " + std::to_string(text.size()) +
+               " characters; outside the node and element blocks a line must be shorter than 640.");
+      }
+      const std::vector<std::string> pieces = splitStr(text, '=');
+      if (pieces.size() < 2) continue;
+      if (text.find('\'') != std::string::npos) {
+        read_quoted(text, pieces[1]);
+      } else {
+        read_unquoted(text, pieces[1], current.number);
+      }
+    }
+  }
+
+private:
+  [[noreturn]] void refuse(const std::string& message) { qv::first_fault(message, ierr_, msg_); }
+
+  static bool holds(const std::string& text, const char* key) { return text.find(key) != std::string::npos; }
+
+  // KEY = 'TEXT'. Any other key is ignored: a soil type or a law's name in quotes has no effect.
+  void read_quoted(const std::string& text, const std::string& field) {
+    const std::vector<std::string> pieces = splitStr(field, '\'');
+    std::string value = pieces.size() > 1 ? pieces[1] : std::string();
+    for (char& c : value) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    if (holds(text, "FILE_TYPE")) {
+      if (value != road_.file_type) refuse(" READ RDF ERROR : " + value + " is an unsupported file type. \n");
+    } else if (holds(text, "LENGTH")) {
+      read_unit(unit_kind::length, value, " is an unsupported LENGTH UNIT. \n", road_.length_factor);
+    } else if (holds(text, "FORCE")) {
+      read_unit(unit_kind::force, value, " is an unsupported FORCE UNIT. \n", road_.force_factor);
+    } else if (holds(text, "ANGLE")) {
+      read_angle_unit(value);
+    } else if (holds(text, "MASS")) {
+      read_unit(unit_kind::mass, value, " is an unsupported MASS UNIT. \n", road_.mass_factor);
+    } else if (holds(text, "TIME")) {
+      read_unit(unit_kind::time, value, nullptr, road_.time_factor);
+    } else if (holds(text, "METHOD")) {
+      if (value != road_.method) refuse(" READ RDF ERROR : " + value + " is an unsupported METHOD. \n");
+    }
+  }
+
+  void read_unit(unit_kind kind, const std::string& value, const char* unsupported, double& factor) {
+    if (const double* found = find_unit_factor(kind, value)) {
+      factor = *found;
+    } else if (unsupported != nullptr) {
+      refuse(" READ RDF ERROR : " + value + unsupported);
+    } else {
+      // Kept: the one message without a leading blank and a closing line end; post-processors match it.
+      refuse("READ RDF ERROR : " + value + " is an unsupported TIME UNIT.");
+    }
+  }
+
+  void read_angle_unit(const std::string& value) {
+    if (value == "DEGREE" || value == "DEG") {
+      road_.angle_factor = DTOR;
+      road_.angle_unit = "DEGREE";
+    } else if (value == "RADIAN" || value == "RAD") {
+      road_.angle_factor = 1.0;  // kept: angle_unit stays as it is
+    } else {
+      refuse(" READ RDF ERROR : " + value + " is an unsupported ANGLE UNIT. \n");
+    }
+  }
+
+  // KEY = number or KEY = TEXT, the text exactly as written (a blank behind "=" belongs to it). The first key found
+  // in the line decides, so FILE_VERSION stands before VERSION.
+  void read_unquoted(const std::string& text, const std::string& field, long line_number) {
+    if (read_number(text, field, "FILE_VERSION", road_.file_version)) return;
+    if (read_number(text, field, "VERSION", road_.version)) return;
+    if (holds(text, "SOIL_TYPE")) {
+      road_.soil_type = field;
+      return;
+    }
+    if (read_number(text, field, "COEFFICIENT_DS", road_.dynamic_sinkage.coefficient_ds)) return;
+    if (read_number(text, field, "CRITICAL_PRESSUR", road_.dynamic_sinkage.critical_pressure)) return;
+    if (read_number(text, field, "EXPONENT_PR", road_.dynamic_sinkage.exponent_pr)) return;
+    if (read_number(text, field, "EXPONENT_SD", road_.dynamic_sinkage.exponent_sd)) return;
+    if (holds(text, "NORMAL_PRESSURE")) {
+      if (field != road_.normal_pressure) {
+        refuse(" READ RDF ERROR : " + field + " is an unsupported NORMAL PRESSURE. \n");
+      }
+      return;
+    }
+    if (read_number(text, field, "COHESIVE_COEFF", road_.bekker.cohesive_coeff)) return;
+    if (read_number(text, field, "FRICTIONAL_COEFF", road_.bekker.frictional_coeff)) return;
+    if (read_number(text, field, "SINKAGE_EXPONENT", road_.bekker.sinkage_exponent)) return;
+    if (read_number(text, field, "WIDTH", road_.bekker.width)) return;
+    if (read_number(text, field, "DAMP_RATIO", road_.bekker.damp_ratio)) return;
+    if (read_number(text, field, "BOUNDARY_SINKAGE", road_.bekker.boundary_sinkage)) return;
+    if (holds(text, "SHEAR_PRESSURE")) {
+      if (field != road_.shear_pressure) {
+        refuse(" READ RDF ERROR : " + field + " is an unsupported SHEAR PRESSURE. \n");
+      }
+      return;
+    }
+    if (read_number(text, field, "COHESION", road_.wong.cohesion)) return;
+    if (read_number(text, field, "SENSITIVITY", road_.wong.sensitivity)) return;
+    if (read_number(text, field, "MAX_SHEAR_DISP", road_.wong.max_shear_disp)) return;
+    if (read_number(text, field, "FRICTION_ANGLE", road_.wong.friction_angle)) {
+      road_.wong.friction_angle *= DTOR;  // degrees in the file, whatever its ANGLE line says
+      return;
+    }
+    if (holds(text, "NUMBER_OF_NODES")) {
+      read_nodes(read_count(field, "NUMBER_OF_NODES", line_number));
+    } else if (holds(text, "NUMBER_OF_ELEMENTS")) {
+      read_elements(read_count(field, "NUMBER_OF_ELEMENTS", line_number));
+    }
+  }
+
+  static bool read_number(const std::string& text, const std::string& field, const char* key, double& number) {
+    if (!holds(text, key)) return false;
+    number = std::atof(field.c_str());
+    return true;
+  }
+
+  std::int32_t read_count(const std::string& field, const char* key, long line_number) {
+    const double value = std::atof(field.c_str());
+    if (qv::fits_int(value) && value > -1.0) return static_cast<std::int32_t>(value);
+    refuse("READ RDF ERROR : " + std::string(key) + " is " + qv::number_text(value) + " in line " +
+           std::to_string(line_number) + "; it must lie between 0 and 2147483647.");
+  }
+
+  /// Calls record(line) for each of `count` lines of a block. Lines that begin with "{" are skipped.
+  /// Kept: the first line behind the last record is consumed unread; files place a spacer there.
+  template <class Record>
+  void read_block(std::int32_t count, Record&& record) {
+    line current;
+    std::int32_t k = 0;
+    while (lines_.next(current)) {
+      if (current.begin != current.end && *current.begin == '{') continue;
+      if (k == count) return;
+      record(++k, current);
+    }
+  }
+
+  /// Room for `count` records, but never for more than the rest of the file can hold.
+  template <class Records>
+  void reserve(Records& records, std::int32_t count) {
+    constexpr std::size_t k_shortest_record = 8;  // four digits, each with a blank or a line end
+    records.clear();
+    records.reserve(std::min(static_cast<std::size_t>(count), lines_.bytes_left() / k_shortest_record + 1));
+  }
+
+  template <std::size_t N>
+  void read_numbers(const line& from, const char* record, double (&numbers)[N]) {
+    const char* at = from.begin;
+    for (std::size_t i = 0; i < N; ++i) {
+      if (qv::scan_number(at, from.end, numbers[i])) continue;
+      refuse("READ RDF ERROR : Line " + std::to_string(from.number) + " holds " + std::to_string(i) +
+             " numbers; " + record + " line must hold at least 4.");
+    }
+  }
+
+  static double coordinate(double value) { return std::fabs(value) < k_smallest_coordinate ? 0.0 : value; }
+
+  void read_nodes(std::int32_t count) {
+    road_.number_of_nodes = count;
+    reserve(road_.nodes, count);
+    read_block(count, [this](std::int32_t k, const line& from) {
+      double numbers[4];  // the file's own node number, x, y, z
+      read_numbers(from, "a node", numbers);
+      CNode node;
+      node.x = coordinate(numbers[1]);
+      node.y = coordinate(numbers[2]);
+      node.z = coordinate(numbers[3]);
+      node.id = k;
+      road_.nodes.push_back(node);
+      widen_bounds(node);
+    });
+  }
+
+  void widen_bounds(const CNode& node) {
+    if (node.id == 1) {
+      road_.x_min = road_.x_max = node.x;
+      road_.y_min = road_.y_max = node.y;
+      return;
+    }
+    if (node.x < road_.x_min) road_.x_min = node.x;
+    if (node.x > road_.x_max) road_.x_max = node.x;
+    if (node.y < road_.y_min) road_.y_min = node.y;
+    if (node.y > road_.y_max) road_.y_max = node.y;
+  }
+
+  void read_elements(std::int32_t count) {
+    road_.number_of_elements = count;
+    reserve(road_.elements, count);
+    read_block(count, [this](std::int32_t k, const line& from) {
+      double numbers[4];
+      read_numbers(from, "an element", numbers);
+      CElement element;
+      for (int c = 0; c < 3; ++c) element.node[c] = node_number(numbers[c], from.number);
+      element.value = numbers[3];
+      element.id = k;
+      road_.elements.push_back(element);
+    });
+  }
+
+  std::int32_t node_number(double value, long line_number) {
+    if (qv::fits_int(value)) return static_cast<std::int32_t>(value);
+    refuse("READ RDF ERROR : A node number in line " + std::to_string(line_number) + " is " + qv::number_text(value) +
+           "; it must lie between 1 and the number of nodes.");
+  }
+
+  CRoad& road_;
+  line_source lines_;
+  int& ierr_;
+  char** msg_;
+};
+
+void read_file(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg) {
+  qv::file_text text;
+  int path_length = 0;
+  switch (qv::read_data_file(handle, path, text, path_length)) {
+    case qv::file_outcome::read: break;
+    case qv::file_outcome::not_found: qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", ierr, msg);
+    case qv::file_outcome::path_too_long:
+      qv::first_fault("READ RDF ERROR : The length of the model file's path is " + std::to_string(path_length) +
+                          "; it must lie between 0 and 1024.",
+                      ierr, msg);
+  }
+  rdf_reader(road, text, ierr, msg).read();
+}  // the text is released before the grid is built
+
+}  // namespace
+
+bool read_rdf(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg) {
+  try {
+    read_file(handle, path, road, ierr, msg);
+    derive_road(road, ierr, msg);
+    return true;
+  } catch (const std::exception&) {
+    return false;  // the caller stops the analysis
+  }
+}
+
+}  // namespace qvsoilrdf

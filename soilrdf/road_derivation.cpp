@@ -1,0 +1,143 @@
+#include "soilrdf/road_derivation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "common/kernels.h"
+#include "common/messages.h"
+#include "common/parameters.h"
+
+namespace qvsoilrdf {
+namespace {
+
+void check_node_numbers(const CRoad& road, int& ierr, char** msg) {
+  const auto count = static_cast<std::int64_t>(road.nodes.size());
+  for (const CElement& element : road.elements) {
+    for (const std::int32_t number : element.node) {
+      if (number >= 1 && number <= count) continue;
+      qv::first_fault("READ RDF ERROR : Element " + std::to_string(element.id) + " names node " +
+                          std::to_string(number) + "; node numbers must lie between 1 and " + std::to_string(count) +
+                          ".",
+                      ierr, msg);
+    }
+  }
+}
+
+/// Unit normal with z not negative, centroid and plane constant.
+void set_plane(CElement& element, const CNode& K, const CNode& L, const CNode& M) {
+  const double kl[3] = {L.x - K.x, L.y - K.y, L.z - K.z};
+  const double lm[3] = {M.x - L.x, M.y - L.y, M.z - L.z};
+  int degenerate;  // a triangle without area keeps the normal (0, 0, 0): no point finds it
+  qv::vectlvec(kl, lm, element.normal);
+  qv::normalization_vec(element.normal, degenerate);
+  if (element.normal[2] < 0.0) {
+    for (double& component : element.normal) component = -component;
+  }
+  element.center[0] = (K.x + L.x + M.x) / 3.0;
+  element.center[1] = (K.y + L.y + M.y) / 3.0;
+  element.center[2] = (K.z + L.z + M.z) / 3.0;
+  element.equation_plane();
+}
+
+// Kept: signed cyclic differences, not extents. For corners at 2, 1, 0 this is 1; the cell size follows from it.
+double largest_cyclic_difference(double so_far, double k, double l, double m) {
+  return std::max(std::max(so_far, k - l), std::max(l - m, m - k));
+}
+
+/// The certain-answer margins of a facet. An edge is "touched" from at most 0.0044 of its length away (the height of
+/// the arc over the edge from which it appears under the widest tolerance's angle), so a point farther out than
+/// 0.0045 of the longest edge touches none. In a triangle without thin corners (3 degrees) a point clear of the
+/// edges sees them under angles whose sum is 360 to far better than the tolerance.
+void set_margins(CFacet& facet, double twice_area, double longest_squared) {
+  constexpr double k_edge_reach = 0.0045;
+  constexpr double k_thin = 0.05;
+  constexpr float k_clear_of_edges = 1e-6F;
+  const double shape = std::fabs(twice_area) / longest_squared;
+  const bool thin = !(shape >= k_thin);
+  facet.outside = thin ? std::numeric_limits<float>::infinity() : static_cast<float>(k_edge_reach / shape * 1.0001);
+  facet.inside = thin ? std::numeric_limits<float>::infinity() : k_clear_of_edges;
+}
+
+CFacet make_facet(const CElement& element, const CNode& K, const CNode& L, const CNode& M) {
+  CFacet facet;
+  facet.corner[0] = K.x, facet.corner[1] = K.y, facet.corner[2] = K.z;
+  for (int c = 0; c < 3; ++c) facet.normal[c] = 0.0 + element.normal[c];  // the search sums from 0: no -0
+  int degenerate;
+  qv::normalization_vec(facet.normal, degenerate);
+  facet.d = element.d;
+  const double ax = L.x - K.x, ay = L.y - K.y, bx = M.x - K.x, by = M.y - K.y;
+  const double twice_area = ax * by - ay * bx;
+  const double reciprocal = 1.0 / twice_area;
+  facet.gradient[0] = by * reciprocal;
+  facet.gradient[1] = -bx * reciprocal;
+  facet.gradient[2] = -ay * reciprocal;
+  facet.gradient[3] = ax * reciprocal;
+  const double cx = bx - ax, cy = by - ay;
+  set_margins(facet, twice_area, std::max(std::max(ax * ax + ay * ay, bx * bx + by * by), cx * cx + cy * cy));
+  return facet;
+}
+
+void derive_triangles(CRoad& road) {
+  road.facets.clear();
+  road.facets.reserve(road.elements.size());
+  for (CElement& element : road.elements) {
+    const CNode& K = road.nodes[static_cast<std::size_t>(element.node[0] - 1)];
+    const CNode& L = road.nodes[static_cast<std::size_t>(element.node[1] - 1)];
+    const CNode& M = road.nodes[static_cast<std::size_t>(element.node[2] - 1)];
+    set_plane(element, K, L, M);
+    road.max_dx = largest_cyclic_difference(road.max_dx, K.x, L.x, M.x);
+    road.max_dy = largest_cyclic_difference(road.max_dy, K.y, L.y, M.y);
+    road.facets.push_back(make_facet(element, K, L, M));
+  }
+}
+
+/// How many cells of at least `smallest` fit into `extent`.
+std::int32_t cell_count(double extent, double smallest, const char* axis, int& ierr, char** msg) {
+  const double quotient = extent / smallest;
+  if (!qv::fits_int(quotient)) {
+    qv::first_fault("READ RDF ERROR : The number of grid cells along " + std::string(axis) + " is " +
+                        qv::number_text(quotient) + "; it must lie between 0 and 2147483647.",
+                    ierr, msg);
+  }
+  const auto c = static_cast<std::int32_t>(quotient);
+  const double rest = extent - c * smallest;
+  const std::int32_t count = rest >= 0.0 || c <= 1 ? c : c - 1;
+  return count == 0 ? 1 : count;
+}
+
+void size_grid(CRoad& road, int& ierr, char** msg) {
+  const double lx = road.x_max - road.x_min;
+  const double ly = road.y_max - road.y_min;
+  const double hx = 0.5 * road.max_dx;
+  const double hy = 0.5 * road.max_dy;
+  if (hx == 0.0) {
+    qv::first_fault(
+        " READ RDF ERROR : THE LONGITUDINAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE "
+        "CONFIRM IT! \n",
+        ierr, msg);
+  }
+  road.nx = cell_count(lx, hx, "x", ierr, msg);
+  if (hy == 0.0) {
+    qv::first_fault(
+        " READ RDF ERROR : THE VERTICAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE CONFIRM "
+        "IT! \n",
+        ierr, msg);
+  }
+  road.ny = cell_count(ly, hy, "y", ierr, msg);
+  road.cell_dx = lx / road.nx;
+  road.cell_dy = ly / road.ny;
+}
+
+}  // namespace
+
+void derive_road(CRoad& road, int& ierr, char** msg) {
+  road.x_offset = -road.x_min;
+  road.y_offset = -road.y_min;
+  check_node_numbers(road, ierr, msg);
+  derive_triangles(road);
+  size_grid(road, ierr, msg);
+  build_cell_grid(road);
+}
+
+}  // namespace qvsoilrdf
