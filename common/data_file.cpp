@@ -1,8 +1,8 @@
 #include "common/data_file.h"
 
 #include <cstdio>
-#include <cstring>
 #include <cwchar>
+#include <memory>
 
 #include "common/text.h"
 #include "qvbrisk/services.h"
@@ -37,16 +37,12 @@ bool read_whole_file(const std::string& name, file_text& text) {
   const file_handle file(std::fopen(name.c_str(), "r"));
   if (!file) return false;
   std::setvbuf(file.get(), nullptr, _IONBF, 0);  // straight into our own buffer
-  std::size_t capacity = size_hint(file.get()) + 1;
-  text.data.reset(new char[capacity]);
+  text.data.resize(size_hint(file.get()) + 1);
   text.size = 0;
-  while (const std::size_t got = std::fread(text.data.get() + text.size, 1, capacity - text.size, file.get())) {
+  while (const std::size_t got =
+             std::fread(text.data.data() + text.size, 1, text.data.size() - text.size, file.get())) {
     text.size += got;
-    if (text.size < capacity) continue;
-    std::unique_ptr<char[]> larger(new char[2 * capacity + 65536]);
-    std::memcpy(larger.get(), text.data.get(), text.size);
-    text.data = std::move(larger);
-    capacity = 2 * capacity + 65536;
+    if (text.size == text.data.size()) text.data.resize(2 * text.size + 65536);
   }
   return true;
 }

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <memory>
 #include <string>
+
+#include "common/large_vector.h"
 
 /// Data files named by a string entity of the model.
 namespace qv {
 
 /// A file read whole.
 struct file_text {
-  std::unique_ptr<char[]> data;
-  std::size_t size = 0;
+  large_vector<char> data;
+  std::size_t size = 0;  ///< what of it is text
 };
 
 /// Reads a file as it is; false when it cannot be opened. A file that opens but cannot be read (a folder) is empty.

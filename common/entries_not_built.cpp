@@ -11,12 +11,12 @@ namespace {
 
 }  // namespace
 
-#define QV_NOT_BUILT(name)                                                                                       \
-  extern "C" QV_EXPORT void name(void* handle, double time, double* par, int npar, int difflag, int iflag,       \
-                                 double* result) {                                                               \
-    qv::run_user_subroutine([](void*, double, double*, int, int, int, double*, int& ierr,                        \
-                               char** msg) { not_built(#name, ierr, msg); },                                     \
-                            handle, time, par, npar, difflag, iflag, result);                                    \
+#define QV_NOT_BUILT(name)                                                                                          \
+  extern "C" QV_EXPORT void name(void* handle, double time, double* par, int npar, int difflag, int iflag,          \
+                                 double* result) {                                                                  \
+    qv::run_user_subroutine(                                                                                        \
+        [](void*, double, double*, int, int, int, double*, int& ierr, char** msg) { not_built(#name, ierr, msg); }, \
+        handle, time, par, npar, difflag, iflag, result);                                                           \
   }
 
 QV_NOT_BUILT(qvhydro_force)

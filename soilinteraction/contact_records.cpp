@@ -23,12 +23,14 @@ void set(double (&v)[3], double x, double y, double z) {
 void Croad_contact::Initialize() {
   clear(Si_prime);
   clear(Si_prime_tilde);
+  clear(lever);
   clear(position);
   clear(relative_position);
   sinkage = 0.0;
   set(normal, 0.0, 0.0, 1.0);
   set(tangent_1, 1.0, 0.0, 0.0);
   set(tangent_2, 0.0, 1.0, 0.0);
+  facet_number = 0;
   clear(facet_normal);
   facet_d = 0.0;
   clear(facet_point);

@@ -11,24 +11,24 @@
 /// a converged step; the rest is rewritten at every evaluation.
 namespace qvsoilinteraction {
 
-/// Geometry and history of one grid point.
-class Croad_contact {
+/// Geometry and history of one grid point. What a point out of contact needs comes first, in two cache lines.
+class alignas(64) Croad_contact {
 public:
-  // Fixed on the body (its marker's axes), set at set-up.
-  double Si_prime[3];
-  double Si_prime_tilde[9];
+  double Si_prime[3];  ///< place on the body, in its marker's axes; set at set-up
 
   // At the last evaluation.
+  double lever[3];              ///< of the point from the body marker, ground axes
   double position[3];           ///< of the point, ground axes
   double relative_position[3];  ///< of the point from the road base marker, ground axes
   double sinkage;               ///< signed height over the surface, negative below
   double normal[3];             ///< contact frame, ground axes
   double tangent_1[3];
   double tangent_2[3];
-  double facet_normal[3];  ///< of the triangle found, road axes; zero when none was
-  double facet_d;          ///< its plane constant; not a number when none was
-  double facet_point[3];   ///< the point projected onto its plane, road axes
-  double area_ratio;       ///< factor on the point's share of the area
+  std::int32_t facet_number;  ///< of the triangle found, from 1; 0 when none was
+  double facet_normal[3];     ///< its normal, road axes; zero when none was
+  double facet_d;             ///< its plane constant; not a number when none was
+  double facet_point[3];      ///< the point projected onto its plane, road axes
+  double area_ratio;          ///< factor on the point's share of the area
   double normal_velocity;
   double slip_velocity[2];
   double shear_disp[2];
@@ -46,6 +46,7 @@ public:
   double last_static_sinkage;
   double last_shear_disp[2];
 
+  double Si_prime_tilde[9];  ///< of Si_prime, set with it
   double concrete_friction;  ///< shear over normal force on a hard road; 0 unless a record that extends this sets it
   double last_update_time;   ///< with `update_time`: for records that extend this one
   double update_time;        ///< kept: written by nothing

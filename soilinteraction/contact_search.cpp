@@ -21,25 +21,34 @@ constexpr double k_edge_tolerance = 0.0001;
 constexpr double k_angle_tolerance = 0.0001;  // [deg]
 constexpr double k_slip_at_rest = 1e-08;      // a slower slip is none
 
-/// The definition: is the point in the triangle, by the angles under which its edges appear?
-bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance) {
-  double to_corner[3][3];
+/// Unit vectors from the point to the triangle's corners in the plan; false when the point is on a corner.
+bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
   for (int c = 0; c < 3; ++c) {
     const CNode& node = road.nodes[static_cast<std::size_t>(element.node[c] - 1)];
-    to_corner[c][0] = node.x - p[0];
-    to_corner[c][1] = node.y - p[1];
-    to_corner[c][2] = 0.0;
+    direction[c][0] = node.x - p[0];
+    direction[c][1] = node.y - p[1];
+    direction[c][2] = 0.0;
     int on_corner;
-    qv::normalization_vec(to_corner[c], on_corner);
-    if (on_corner != 0) return true;
+    qv::normalization_vec(direction[c], on_corner);
+    if (on_corner != 0) return false;
   }
+  return true;
+}
+
+/// The definition: is the point in the triangle, by the angles under which its edges appear?
+/// @param clearly_outside  the point is outside by more than rounding: then it may still be "on" an edge, but the
+///                         angles cannot sum up to a full turn
+bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance,
+                    bool clearly_outside) {
+  double direction[3][3], cosine[3];
+  if (!directions_to_corners(road, element, p, direction)) return true;
+  for (int c = 0; c < 3; ++c) qv::vectrvec(direction[c], direction[(c + 1) % 3], cosine[c]);
+  for (const double c : cosine) {
+    if (-1.0 - edge_tolerance <= c && c <= -1.0 + edge_tolerance) return true;
+  }
+  if (clearly_outside) return false;
   double sum = 0.0;
-  for (int c = 0; c < 3; ++c) {
-    double cosine;
-    qv::vectrvec(to_corner[c], to_corner[(c + 1) % 3], cosine);
-    if (-1.0 - edge_tolerance <= cosine && cosine <= -1.0 + edge_tolerance) return true;
-    sum += std::acos(cosine) * RTOD;
-  }
+  for (const double c : cosine) sum += std::acos(c) * RTOD;
   return 360.0 - k_angle_tolerance <= sum && sum <= 360.0 + k_angle_tolerance;
 }
 
@@ -50,18 +59,24 @@ bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_
   const double l = facet.gradient[0] * x + facet.gradient[1] * y;
   const double m = facet.gradient[2] * x + facet.gradient[3] * y;
   const double least = std::min(std::min(l, m), 1.0 - l - m);
-  if (least > static_cast<double>(facet.inside)) return true;
+  const auto clear = static_cast<double>(facet.inside);
+  if (least > clear) return true;
   if (least < -static_cast<double>(facet.outside)) return false;
-  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance);
+  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance, least < -clear);
 }
 
-const CFacet* find_facet(const CRoad& road, std::size_t cell, const double* p) {
+/// Sets the number of the first triangle of the cell's list that holds the point, 0 when none does.
+int find_facet(const CRoad& road, std::size_t cell, const double* p, Croad_contact& rc) {
   double edge_tolerance = k_first_edge_tolerance;
+  rc.facet_number = 0;
   for (const std::int32_t number : road.cells.list(cell)) {
-    if (holds(road, number, p, edge_tolerance)) return &road.facets[static_cast<std::size_t>(number - 1)];
+    if (holds(road, number, p, edge_tolerance)) {
+      rc.facet_number = number;
+      break;
+    }
     edge_tolerance = k_edge_tolerance;
   }
-  return nullptr;
+  return k_in_extent;
 }
 
 /// Kept: the texts "The analysis is stopped because of exceeding the ... value" were never handed on; a point beyond
@@ -70,34 +85,33 @@ bool out_of_extent(const CRoad& road, const double* p) {
   return p[0] > road.x_max || p[0] < road.x_min || p[1] > road.y_max || p[1] < road.y_min;
 }
 
-/// The point's cell. The extent is closed: a point on its upper border, or rounded there, is in the last cell.
+/// The cell at a column and row with fractions. The extent is closed: a point on its upper border, or rounded there,
+/// is in the last cell.
+std::size_t cell_at(const CRoad& road, double column, double row) {
+  return road.cells.index(std::min(static_cast<std::int32_t>(column), road.nx - 1),
+                          std::min(static_cast<std::int32_t>(row), road.ny - 1));
+}
+
 std::size_t cell_of(const CRoad& road, const double* p) {
-  const auto i = static_cast<std::int32_t>((p[0] + road.x_offset) / road.cell_dx);
-  const auto j = static_cast<std::int32_t>((p[1] + road.y_offset) / road.cell_dy);
-  return road.cells.index(std::min(i, road.nx - 1), std::min(j, road.ny - 1));
+  return cell_at(road, (p[0] + road.x_offset) / road.cell_dx, (p[1] + road.y_offset) / road.cell_dy);
 }
 
 void store_hole(Croad_contact& rc) {
+  rc.facet_number = 0;
   rc.facet_normal[0] = rc.facet_normal[1] = rc.facet_normal[2] = 0.0;
   rc.facet_d = std::nan("");  // 0 triangles: a sum of 0 over a count of 0
 }
 
-int search_cell(const CRoad& road, std::size_t cell, const double* p, Croad_contact& rc) {
-  const CFacet* facet = find_facet(road, cell, p);
-  if (facet == nullptr) {
-    store_hole(rc);
-    return k_in_extent;
-  }
-  const double* n = facet->normal;
-  std::copy(n, n + 3, rc.facet_normal);
-  rc.facet_d = facet->d;
-  if (n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0) return k_in_extent;  // a triangle without area
-  const double w[3] = {p[0] - facet->corner[0], p[1] - facet->corner[1], p[2] - facet->corner[2]};
-  qv::vectrvec(n, w, rc.sinkage);
+/// Height over the plane of the triangle found, and the projection onto it. The facet normal stands already.
+void project(const CRoad& road, const double* p, Croad_contact& rc) {
+  const auto found = static_cast<std::size_t>(rc.facet_number - 1);
+  const double* corner = road.facets[found].corner;
+  rc.facet_d = road.elements[found].d;
+  const double w[3] = {p[0] - corner[0], p[1] - corner[1], p[2] - corner[2]};
+  qv::vectrvec(rc.facet_normal, w, rc.sinkage);
   double along[3];
-  qv::scavec(rc.sinkage, n, along);
-  for (int c = 0; c < 3; ++c) rc.facet_point[c] = facet->corner[c] + (w[c] - along[c]);
-  return k_in_extent;
+  qv::scavec(rc.sinkage, rc.facet_normal, along);
+  for (int c = 0; c < 3; ++c) rc.facet_point[c] = corner[c] + (w[c] - along[c]);
 }
 
 void normalise(double* v) {
@@ -112,25 +126,13 @@ bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, doubl
   return k.road_is_rigidly_placed && height > static_cast<double>(road.cells.top(cell)) && height < k_far;
 }
 
-void set_tangents(const kinematics& k, Croad_contact& rc) {
-  const double* body_y = k.A1 + 3;
-  qv::vectlvec(body_y, rc.normal, rc.tangent_1);
-  normalise(rc.tangent_1);
-  qv::vectlvec(rc.normal, rc.tangent_1, rc.tangent_2);
-  normalise(rc.tangent_2);
-}
-
-/// Cosine between the road's normal and the body's: the plate's own, or for a wheel the direction from the point to
-/// the wheel's centre in the x-z plane of the road's axes.
-double area_ratio(int shape, const kinematics& k, const double* p, const double* normal) {
+/// Cosine between the road's normal and the direction from the point to the wheel's centre in the x-z plane of the
+/// road's axes.
+double wheel_ratio(const kinematics& k, const double* p, const double* normal) {
+  double to_center[3] = {k.d15[0] - p[0], 0.0, k.d15[2] - p[2]};
+  normalise(to_center);
   double cosine;
-  if (shape == 1) {
-    qv::vectrvec(normal, k.A1 + 6, cosine);
-  } else {
-    double to_center[3] = {k.d15[0] - p[0], 0.0, k.d15[2] - p[2]};
-    normalise(to_center);
-    qv::vectrvec(normal, to_center, cosine);
-  }
+  qv::vectrvec(normal, to_center, cosine);
   return std::fabs(cosine);
 }
 
@@ -191,55 +193,178 @@ void complete(kinematics& k) {
 
 int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) {
   if (out_of_extent(road, p)) return k_out_of_extent;
-  if (road.cells.empty()) {  // a road whose reading broke off before its grid stood
+  rc.facet_number = 0;
+  // A road whose reading broke off before its grid stood has no cells.
+  const int status = road.cells.empty() ? k_in_extent : find_facet(road, cell_of(road, p), p, rc);
+  if (rc.facet_number == 0) {
     store_hole(rc);
-    return k_in_extent;
+    return status;
   }
-  return search_cell(road, cell_of(road, p), p, rc);
-}
-
-int get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, Croad_contact& rc, int& ierr,
-                     char** msg) {
-  double r[3], p[3];
-  qv::matvec(k.A1, rc.Si_prime, r);
-  for (int c = 0; c < 3; ++c) {
-    rc.position[c] = r[c] + k.d1[c];
-    rc.relative_position[c] = rc.position[c] - k.d5[c];
-  }
-  qv::matvec(k.A5t, rc.relative_position, p);
-  rc.sinkage = 0.0;
-  for (int c = 0; c < 2; ++c) {
-    if (!std::isnan(p[c])) continue;
-    qv::fault("SOIL INTERACTION ERROR : The " + std::string(c == 0 ? "x" : "y") +
-                  "-axis value of a contact point on the road is nan; it must be a number, on the road between " +
-                  qv::number_text(c == 0 ? road.x_min : road.y_min) + " and " +
-                  qv::number_text(c == 0 ? road.x_max : road.y_max) + ".",
-              ierr, msg);
-  }
-  if (out_of_extent(road, p)) return 0;
-  if (!road.cells.empty() && clear_above(road, k, cell_of(road, p), p[2])) return 0;
-  if (search_contact_facet(road, p, rc) == k_search_failed) {
-    int status = 0;
-    stop_solver(handle, 1, 0, 1, msg[0], &status);
-  }
-
-  double length, facet_point[3];
+  set_facet_normal(road, rc.facet_number, rc.facet_normal);
+  double length;
   int zero;
   qv::normalization_vec(rc.facet_normal, length, zero);
-  if (length == 0.0) return 0;
-  qv::matvec(k.A5, rc.facet_normal, rc.normal);
-  normalise(rc.normal);
+  if (length != 0.0) project(road, p, rc);
+  return status;
+}
+
+namespace {
+
+/// A point of a block on its way to the triangle under it.
+struct search_point {
+  int index;    ///< in the block
+  double p[3];  ///< in road axes
+  std::size_t cell;
+};
+
+/// Where the points of a block are: lever, position, position from the road base marker (ground axes), and on the
+/// road (its axes, with the cell's column and row before truncation).
+struct places {
+  vectors lever, position, relative, p;
+  double column[k_block], row[k_block];
+};
+
+void find_places(const CRoad& road, const kinematics& k, const contact_block& block, places& at) {
+  vectors s;
+  for (int i = 0; i < block.count; ++i) {
+    const double* on_body = block.points[i]->Si_prime;
+    s.x[i] = on_body[0];
+    s.y[i] = on_body[1];
+    s.z[i] = on_body[2];
+  }
+  rotate(k.A1, s, at.lever, block.count);
+  for (int i = 0; i < block.count; ++i) {
+    at.position.x[i] = at.lever.x[i] + k.d1[0];
+    at.position.y[i] = at.lever.y[i] + k.d1[1];
+    at.position.z[i] = at.lever.z[i] + k.d1[2];
+    at.relative.x[i] = at.position.x[i] - k.d5[0];
+    at.relative.y[i] = at.position.y[i] - k.d5[1];
+    at.relative.z[i] = at.position.z[i] - k.d5[2];
+  }
+  rotate(k.A5t, at.relative, at.p, block.count);
+  for (int i = 0; i < block.count; ++i) {
+    at.column[i] = (at.p.x[i] + road.x_offset) / road.cell_dx;
+    at.row[i] = (at.p.y[i] + road.y_offset) / road.cell_dy;
+  }
+}
+
+[[noreturn]] void refuse_place(const CRoad& road, const double* p, int& ierr, char** msg) {
+  const bool x = std::isnan(p[0]);
+  qv::fault(std::string("SOIL INTERACTION ERROR : The ") + (x ? "x" : "y") +
+                "-axis value of a contact point on the road is nan; it must be a number, on the road between " +
+                qv::number_text(x ? road.x_min : road.y_min) + " and " + qv::number_text(x ? road.x_max : road.y_max) +
+                ".",
+            ierr, msg);
+}
+
+/// Places the points and keeps those over or in the road.
+int place_points(const CRoad& road, const kinematics& k, contact_block& block, search_point* found, int& ierr,
+                 char** msg) {
+  places at;
+  find_places(road, k, block, at);
+  int count = 0;
+  for (int i = 0; i < block.count; ++i) {
+    Croad_contact& rc = *block.points[i];
+    take(at.position, i, rc.position);
+    rc.sinkage = 0.0;
+    block.in_contact[i] = false;
+    search_point& point = found[count];
+    take(at.p, i, point.p);
+    if (std::isnan(point.p[0]) || std::isnan(point.p[1])) refuse_place(road, point.p, ierr, msg);
+    if (out_of_extent(road, point.p) || road.cells.empty()) continue;
+    point.index = i;
+    point.cell = cell_at(road, at.column[i], at.row[i]);
+    __builtin_prefetch(road.cells.data(point.cell));
+    take(at.lever, i, rc.lever);
+    take(at.relative, i, rc.relative_position);
+    ++count;
+  }
+  return count;
+}
+
+/// Drops the points that are certainly above the road and fetches the others' lists.
+int drop_points_above(const CRoad& road, const kinematics& k, search_point* points, int count) {
+  int kept = 0;
+  for (int i = 0; i < count; ++i) {
+    if (clear_above(road, k, points[i].cell, points[i].p[2])) continue;
+    if (kept != i) points[kept] = points[i];
+    __builtin_prefetch(road.cells.list(points[kept].cell).begin());
+    ++kept;
+  }
+  return kept;
+}
+
+/// Fetches the facets that the points' lists name; neighbours mostly share a cell.
+void fetch_facets(const CRoad& road, const search_point* points, int count) {
+  for (int i = 0; i < count; ++i) {
+    if (i > 0 && points[i].cell == points[i - 1].cell) continue;
+    for (const std::int32_t number : road.cells.list(points[i].cell)) {
+      __builtin_prefetch(&road.facets[static_cast<std::size_t>(number - 1)]);
+    }
+  }
+}
+
+/// Finds the triangles under the points.
+void find_facets(void* handle, const CRoad& road, contact_block& block, const search_point* points, int count,
+                 char** msg) {
+  for (int i = 0; i < count; ++i) {
+    Croad_contact& rc = *block.points[points[i].index];
+    if (find_facet(road, points[i].cell, points[i].p, rc) == k_search_failed) {
+      int status = 0;
+      stop_solver(handle, 1, 0, 1, msg[0], &status);
+    }
+    if (rc.facet_number == 0) {
+      store_hole(rc);
+    } else {
+      __builtin_prefetch(road.elements[static_cast<std::size_t>(rc.facet_number - 1)].normal);
+    }
+  }
+}
+
+/// Gives each point the contact frame over its triangle and drops those over a hole or a triangle without normal.
+int set_frames(contact_block& block, frame_maker& frames, search_point* points, int count) {
+  Croad_contact* contacts[k_block];
+  bool flat[k_block];
+  for (int i = 0; i < count; ++i) contacts[i] = block.points[points[i].index];
+  frames.set_frames(contacts, count, flat);
+  int kept = 0;
+  for (int i = 0; i < count; ++i) {
+    if (!flat[i]) continue;
+    if (kept != i) points[kept] = points[i];
+    ++kept;
+  }
+  return kept;
+}
+
+/// Signed height of the point over the triangle's plane; negative is contact.
+bool sinks_in(const kinematics& k, Croad_contact& rc) {
+  double facet_point[3];
   qv::matvec(k.A5, rc.facet_point, facet_point);
   const double e[3] = {rc.relative_position[0] - facet_point[0], rc.relative_position[1] - facet_point[1],
                        rc.relative_position[2] - facet_point[2]};
   qv::vectrvec(rc.normal, e, rc.sinkage);
-  if (rc.sinkage >= 0.0) return 0;
+  return !(rc.sinkage >= 0.0);  // a not-a-number is in contact and travels on
+}
 
-  set_tangents(k, rc);
-  rc.area_ratio = area_ratio(shape, k, p, rc.normal);
-  set_velocities(k, rc);
-  set_shear_displacement(rc);
-  return 1;
+}  // namespace
+
+void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
+                      contact_block& block, int& ierr, char** msg) {
+  search_point points[k_block];
+  int count = place_points(road, k, block, points, ierr, msg);
+  count = drop_points_above(road, k, points, count);
+  fetch_facets(road, points, count);
+  find_facets(handle, road, block, points, count, msg);
+  count = set_frames(block, frames, points, count);
+  for (int i = 0; i < count; ++i) {
+    Croad_contact& rc = *block.points[points[i].index];
+    project(road, points[i].p, rc);
+    if (!sinks_in(k, rc)) continue;
+    if (shape != 1) rc.area_ratio = wheel_ratio(k, points[i].p, rc.normal);
+    set_velocities(k, rc);
+    set_shear_displacement(rc);
+    block.in_contact[points[i].index] = true;
+  }
 }
 
 }  // namespace qvsoilinteraction

@@ -1,25 +1,11 @@
 #pragma once
 
+#include "soilinteraction/contact_frames.h"
 #include "soilinteraction/contact_records.h"
+#include "soilinteraction/kinematics.h"
 
 /// Where a grid point meets the road: the triangle under it, the contact frame, sinkage, slip and shear displacement.
 namespace qvsoilinteraction {
-
-/// Positions and velocities of the body marker (1) and the road base marker (5) from the ground reference marker, in
-/// its axes. Matrices are 3x3, column by column, marker -> ground.
-struct kinematics {
-  double A1[9], A5[9];
-  double A5t[9];    ///< ground -> road base
-  double d1[3], d5[3];
-  double d15[3];    ///< body marker from road base marker, in the latter's axes
-  double V1[3], V5[3];
-  double W1[3], W5[3];   ///< angular velocities, in the marker's own axes
-  double AW1[9], AW5[9]; ///< A times tilde(W): body-fixed place -> velocity it has by rotation, ground axes
-  bool road_is_rigidly_placed;  ///< A5 is a rotation, so heights over the road keep their sign in its own axes
-};
-
-/// Completes A5t, AW1, AW5 and road_is_rigidly_placed from the rest.
-void complete(kinematics& k);
 
 enum search_status {
   k_search_failed = 0,  ///< kept: callers have a branch for it, no search returns it
@@ -38,10 +24,19 @@ enum search_status {
 /// @param p  the point in the road base marker's axes; x and y must not be not-a-number
 int search_contact_facet(const qvsoilrdf::CRoad& road, const double* p, Croad_contact& rc);
 
-/// Places one grid point and measures its contact.
+/// Some points of an element, worked on together: each step is done for all of them before the next, so that what
+/// one point waits for (a square root, a cell from memory) overlaps with the others' work.
+struct contact_block {
+  Croad_contact* points[k_block];
+  bool in_contact[k_block];
+  int count = 0;
+};
+
+/// Places the block's grid points and measures their contact: position, sinkage, and in contact (sinkage negative)
+/// the frame, area ratio, velocities and shear displacements.
+/// A point whose place on the road is not a number is a fault.
 /// @param shape  1 plate, else wheel
-/// @return 1 in contact (sinkage negative), 0 otherwise. A point whose place on the road is not a number is a fault.
-int get_contact_info(void* handle, const qvsoilrdf::CRoad& road, int shape, const kinematics& k, Croad_contact& rc,
-                     int& ierr, char** msg);
+void get_contact_info(void* handle, const qvsoilrdf::CRoad& road, int shape, const kinematics& k, frame_maker& frames,
+                      contact_block& block, int& ierr, char** msg);
 
 }  // namespace qvsoilinteraction

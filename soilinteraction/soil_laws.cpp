@@ -22,7 +22,8 @@ void set_normal_load(const soil_law& law, double power, Croad_contact& rc, Csoil
   const double s = law.bekker.s;
   sc.damping_force = std::fabs(rc.normal_velocity * s / law.bekker.t) * sc.effective_area *
                      -qv::fsign(rc.normal_velocity) * rc.damping * (s * s);
-  sc.normal_force = std::fmax(0.0, sc.damping_force + sc.pressure_force);
+  const double force = sc.damping_force + sc.pressure_force;
+  sc.normal_force = force > 0.0 ? force : 0.0;
 }
 
 void set_shear_load(const soil_law& law, const Croad_contact& rc, Csoil_contact& sc) {
@@ -41,8 +42,9 @@ void set_shear_load(const soil_law& law, const Croad_contact& rc, Csoil_contact&
 
 soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
     : dynamic(road.dynamic_sinkage),
-      bekker{road.bekker.cohesive_coeff, road.bekker.frictional_coeff, road.bekker.sinkage_exponent, width,
-             road.scale_factor_1,        road.bekker.damp_ratio,       road.bekker.boundary_sinkage, road.scale_factor_2},
+      bekker{
+          road.bekker.cohesive_coeff, road.bekker.frictional_coeff, road.bekker.sinkage_exponent, width,
+          road.scale_factor_1,        road.bekker.damp_ratio,       road.bekker.boundary_sinkage, road.scale_factor_2},
       wong(road.wong),
       hard(road.soil_type == "CONCRETE"),
       stiffness(bekker.kc / width + bekker.kphi),
@@ -73,7 +75,7 @@ void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_conta
   set_shear_load(law, rc, sc);
 }
 
-void genenralized_contact_force(const double* A, const Croad_contact& rc, Csoil_contact& sc) {
+void genenralized_contact_force(const Croad_contact& rc, Csoil_contact& sc) {
   double T[9];  // contact frame -> ground axes
   for (int c = 0; c < 3; ++c) {
     T[c] = rc.tangent_1[c];
@@ -84,9 +86,7 @@ void genenralized_contact_force(const double* A, const Croad_contact& rc, Csoil_
   sc.local_force[1] = sc.shear_force_2;
   sc.local_force[2] = sc.normal_force;
   qv::matvec(T, sc.local_force, sc.force);
-  double r[3];
-  qv::matvec(A, rc.Si_prime, r);
-  qv::vectlvec(r, sc.force, sc.moment);
+  qv::vectlvec(rc.lever, sc.force, sc.moment);
 }
 
 }  // namespace qvsoilinteraction

@@ -103,7 +103,6 @@ void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_conta
 
 /// Turns the loads into a force on the body and a moment about its marker, both in ground axes.
 /// The misspelt name is the one other code calls.
-/// @param A  3x3, column by column: body marker -> ground axes
-void genenralized_contact_force(const double* A, const Croad_contact& road_contact, Csoil_contact& soil_contact);
+void genenralized_contact_force(const Croad_contact& road_contact, Csoil_contact& soil_contact);
 
 }  // namespace qvsoilinteraction

@@ -24,7 +24,7 @@ std::vector<std::vector<CSoilInteraction>> s_3Dsoil_forces;
 std::vector<std::vector<force_sums>> s_3Dsoil_contact_forces_Sum;
 
 constexpr const char* k_prefix = "SOILINTERACTION ERROR : ";
-constexpr int k_totals = 7;            // result entries before the points
+constexpr int k_totals = 7;  // result entries before the points
 constexpr int k_values_per_point = 8;
 
 /// The parameter list, decoded.
@@ -128,17 +128,21 @@ kinematics fetch_kinematics(void* handle, const parameters& p) {
   return k;
 }
 
-void add(const double* term, double* sum) {
-  for (int c = 0; c < 3; ++c) sum[c] += term[c];
-}
+/// Force, moment and area, as they stand at the head of the result array.
+struct totals {
+  double values[k_totals] = {};
 
-void add_point(const Croad_contact& rc, const Csoil_contact& sc, double* result, double* point, force_sums& sums) {
-  add(sc.force, result);
-  add(sc.moment, result + 3);
-  result[6] += sc.effective_area;
-  add(sc.force, sums.data());
-  sums[3] += sc.effective_area;
-  std::copy(sc.local_force, sc.local_force + 3, point);
+  void add(const Csoil_contact& sc) {
+    for (int c = 0; c < 3; ++c) {
+      values[c] += sc.force[c];
+      values[3 + c] += sc.moment[c];
+    }
+    values[6] += sc.effective_area;
+  }
+};
+
+void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point) {
+  qv::assgvec(sc.local_force, 3, point);
   point[6] = rc.sinkage;
   point[7] = sc.dynamic_sinkage;
 }
@@ -146,19 +150,19 @@ void add_point(const Croad_contact& rc, const Csoil_contact& sc, double* result,
 /// What a converged step leaves behind in a point.
 void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
   if (!in_contact) {
-    rc.clear_history();
+    if (rc.contact_state != 0.0) rc.clear_history();  // without contact before there is none
     return;
   }
   rc.last_pressure = sc.pressure;
-  std::copy(rc.shear_disp, rc.shear_disp + 2, rc.last_shear_disp);
+  qv::assgvec(rc.shear_disp, 2, rc.last_shear_disp);
   rc.last_static_sinkage = sc.static_sinkage;
   const double depth = std::fabs(rc.sinkage);
   if (depth > rc.max_sinkage) rc.max_sinkage = depth;
   if (rc.contact_state == 0.0) {
     rc.contact_state = 1.0;
-    std::copy(rc.relative_position, rc.relative_position + 3, rc.first_contact_position);
-    std::copy(rc.tangent_1, rc.tangent_1 + 3, rc.first_contact_tangent_1);
-    std::copy(rc.tangent_2, rc.tangent_2 + 3, rc.first_contact_tangent_2);
+    qv::assgvec(rc.relative_position, 3, rc.first_contact_position);
+    qv::assgvec(rc.tangent_1, 3, rc.first_contact_tangent_1);
+    qv::assgvec(rc.tangent_2, 3, rc.first_contact_tangent_2);
   } else if (rc.contact_state == 1.0) {
     rc.contact_state = 2.0;
   }
@@ -174,29 +178,70 @@ void place_points(const contact_patch& patch, const CRoad& road, CSoilInteractio
   }
 }
 
-void evaluate_points(void* handle, const parameters& p, int iflag, const CRoad& road, CSoilInteraction& element,
-                     force_sums& sums, double* result, int& ierr, char** msg) {
-  const soil_law law(road, p.bekker_width());
-  const kinematics k = fetch_kinematics(handle, p);
-  if (iflag == 1) place_points(p.patch, road, element);
-  double* point = result + k_totals;
-  for (int i = 0; i < p.patch.nx; ++i) {
-    Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
-    Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
-    for (int j = 0; j < p.patch.ny; ++j, point += k_values_per_point) {
-      Croad_contact& rc = road_contacts[j];
-      Csoil_contact& sc = soil_contacts[j];
-      const bool in_contact = get_contact_info(handle, road, p.patch.shape, k, rc, ierr, msg) == 1;
-      std::copy(rc.position, rc.position + 3, point + 3);
-      if (in_contact) {
-        get_soil_force(law, p.patch, rc, sc, ierr, msg);
-        genenralized_contact_force(k.A1, rc, sc);
-        add_point(rc, sc, result, point, sums);
+/// One call's way over the points of an element, in blocks.
+class evaluation {
+public:
+  evaluation(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k, double* result,
+             int& ierr, char** msg)
+      : handle_(handle),
+        p_(p),
+        iflag_(iflag),
+        road_(road),
+        k_(k),
+        law_(road, p.bekker_width()),
+        frames_(road, k),
+        result_(result),
+        ierr_(ierr),
+        msg_(msg) {}
+
+  void run(CSoilInteraction& element) {
+    for (int i = 0; i < p_.patch.nx; ++i) {
+      Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
+      Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
+      for (int j = 0; j < p_.patch.ny; ++j) {
+        block_.points[block_.count] = &road_contacts[j];
+        soil_[block_.count++] = &soil_contacts[j];
+        if (block_.count == k_block) finish_block();
       }
-      if (iflag == 2) advance_history(in_contact, sc, rc);
     }
+    finish_block();
   }
-}
+
+private:
+  void finish_block() {
+    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block_, ierr_, msg_);
+    totals sum;
+    std::copy(result_, result_ + k_totals, sum.values);
+    for (int b = 0; b < block_.count; ++b, point_ += k_values_per_point) {
+      Croad_contact& rc = *block_.points[b];
+      Csoil_contact& sc = *soil_[b];
+      qv::assgvec(rc.position, 3, point_ + 3);
+      if (block_.in_contact[b]) {
+        get_soil_force(law_, p_.patch, rc, sc, ierr_, msg_);
+        genenralized_contact_force(rc, sc);
+        sum.add(sc);
+        write_point(rc, sc, point_);
+      }
+      if (iflag_ == 2) advance_history(block_.in_contact[b], sc, rc);
+    }
+    std::copy(sum.values, sum.values + k_totals, result_);
+    block_.count = 0;
+  }
+
+  void* handle_;
+  const parameters& p_;
+  int iflag_;
+  const CRoad& road_;
+  const kinematics& k_;
+  soil_law law_;
+  frame_maker frames_;
+  double* result_;
+  double* point_ = result_ + k_totals;  ///< where the next point's values go
+  int& ierr_;
+  char** msg_;
+  contact_block block_;
+  Csoil_contact* soil_[k_block];
+};
 
 /// The entry of (road, element), or null when nothing of that kind is set up yet. An index outside a container that
 /// is filled is a fault.
@@ -242,8 +287,11 @@ void interaction(void* handle, double* par, int iflag, double* result, int& ierr
   force_sums* sums = find_entry(s_3Dsoil_contact_forces_Sum, p, ierr, msg);
   if (element == nullptr || sums == nullptr) return;
   sums->fill(0.0);
-  evaluate_points(handle, p, iflag, s_3Dsoil_roads[static_cast<std::size_t>(p.road)], *element, *sums, result, ierr,
-                  msg);
+  const CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
+  const kinematics k = fetch_kinematics(handle, p);
+  if (iflag == 1) place_points(p.patch, road, *element);
+  evaluation(handle, p, iflag, road, k, result, ierr, msg).run(*element);
+  *sums = {result[0], result[1], result[2], result[6]};
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ bool crosses(double x1, double y1, double x2, double y2, const CNode& K, const C
 
 }  // namespace
 
-void FindElementsBelongtoCell(CCell& cell, const std::vector<CNode>& nodes, const std::vector<CElement>& elements) {
+void FindElementsBelongtoCell(CCell& cell, const qv::large_vector<CNode>& nodes,
+                              const qv::large_vector<CElement>& elements) {
   std::int32_t k = 1;
   for (const CElement& element : elements) {
     const CNode& K = nodes[static_cast<size_t>(element.node[0] - 1)];

@@ -11,7 +11,8 @@ namespace qvsoilrdf {
 /// Appends to the cell's `elements` the numbers (from 1) of the elements that have a corner in the closed cell
 /// rectangle or an edge that crosses one of its edges. A triangle that holds the whole cell is not listed: cells
 /// are about half a triangle wide, which keeps that rare.
-void FindElementsBelongtoCell(CCell& cell, const std::vector<CNode>& nodes, const std::vector<CElement>& elements);
+void FindElementsBelongtoCell(CCell& cell, const qv::large_vector<CNode>& nodes,
+                              const qv::large_vector<CElement>& elements);
 
 /// Some edge of the cell crosses some edge of the triangle K, L, M.
 bool CrossCheck_Element(const CCell& cell, const CNode& K, const CNode& L, const CNode& M);

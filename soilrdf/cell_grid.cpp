@@ -11,45 +11,58 @@
 namespace qvsoilrdf {
 namespace {
 
+constexpr std::int32_t k_window = 8;  // a triangle is at most about four cells wide: cells are half of the largest
+constexpr double k_clear = 1e-9;      // relative distance that no rounding of a product bridges
+
+/// Cells along one axis.
+struct range {
+  std::int32_t first = 0;
+  std::int32_t count = 0;
+};
+
+/// The cells that a coordinate lies in, closed bounds (one, two at a shared border, by rounding perhaps none), and
+/// those that it lies in or so near to that rounding may carry a crossing there.
+struct cells_of_coordinate {
+  range in;
+  range near;
+};
+
 /// One axis of the grid: cell k spans [lo(k), hi(k)], computed as a cell's record has it.
 struct axis {
   double min;
   double length;
   std::int32_t count;
+  double near;  ///< distance that no rounding bridges
+
+  axis(double from, double to, double cell, std::int32_t cells, double widest)
+      : min(from),
+        length(cell),
+        count(cells),
+        near(k_clear * (4.0 * widest + cell) +
+             8.0 * std::numeric_limits<double>::epsilon() * std::max(std::fabs(from), std::fabs(to))) {}
 
   double lo(std::int32_t k) const { return min + length * k; }
   double hi(std::int32_t k) const { return lo(k) + length; }
 
-  std::int32_t guess(double x) const {
-    const double k = (x - min) / length;
-    return k < count ? static_cast<std::int32_t>(k) : count - 1;
-  }
-  /// First cell whose end is not below x; `count` when there is none.
-  std::int32_t first_reaching(double x) const {
-    std::int32_t k = guess(std::max(x, min));
-    while (k > 0 && hi(k - 1) >= x) --k;
-    while (k < count && hi(k) < x) ++k;
-    return k;
-  }
-  /// Last cell whose start is not above x; -1 when there is none.
-  std::int32_t last_starting(double x) const {
-    std::int32_t k = guess(std::max(x, min));
-    while (k + 1 < count && lo(k + 1) <= x) ++k;
-    while (k >= 0 && lo(k) > x) --k;
-    return k;
+  cells_of_coordinate find(double x) const {
+    const double guess = (x - min) / length;
+    const std::int32_t middle = guess < count ? static_cast<std::int32_t>(guess) : count - 1;
+    std::int32_t first = middle, last = middle;
+    while (first > 0 && hi(first - 1) >= x - near) --first;
+    while (last + 1 < count && lo(last + 1) <= x + near) ++last;
+    cells_of_coordinate cells;
+    cells.near = {first, last - first + 1};
+    while (first <= last && hi(first) < x) ++first;
+    while (last >= first && lo(last) > x) --last;
+    cells.in = {first, last - first + 1};
+    return cells;
   }
 };
 
-struct range {
-  std::int32_t first;
-  std::int32_t last;
+/// The cells of a node.
+struct node_cells {
+  cells_of_coordinate x, y;
 };
-
-/// The cells that a coordinate lies in, closed bounds: one, or two at a shared border, or (by rounding) none.
-range cells_of(const axis& along, double x) { return {along.first_reaching(x), along.last_starting(x)}; }
-
-constexpr std::int32_t k_window = 8;       // a triangle is at most about four cells wide: cells are half of the largest
-constexpr double k_clear = 1e-9;           // relative distance that no rounding bridges
 
 /// The cells that one triangle meets: bit 8 a + b stands for cell (column + a, row + b).
 struct footprint {
@@ -59,31 +72,48 @@ struct footprint {
   static constexpr std::int32_t k_wide = -1;  // as column: wider than the window, to be looked at cell by cell
 };
 
+/// The bits of a block of cells in a window that begins at (column, row).
 std::uint64_t bits(const range& columns, const range& rows, std::int32_t column, std::int32_t row) {
-  std::uint64_t mask = 0;
-  for (std::int32_t i = columns.first; i <= columns.last; ++i)
-    for (std::int32_t j = rows.first; j <= rows.last; ++j) mask |= std::uint64_t{1} << (k_window * (i - column) + (j - row));
-  return mask;
+  if (columns.count == 0 || rows.count == 0) return 0;
+  const std::uint64_t one_column = ((std::uint64_t{1} << rows.count) - 1) << (rows.first - row);
+  const std::uint64_t every_column = 0x0101010101010101U >> (k_window * (k_window - columns.count));
+  return (one_column * every_column) << (k_window * (columns.first - column));
 }
 
-/// Whether an edge A B and a cell are so far apart that the crossing test can only say no.
-bool clear_of_cell(const CCell& cell, const CNode& A, const CNode& B, double reach_x, double reach_y) {
-  if (std::max(A.x, B.x) < cell.x_lo - reach_x || std::min(A.x, B.x) > cell.x_hi + reach_x) return true;
-  if (std::max(A.y, B.y) < cell.y_lo - reach_y || std::min(A.y, B.y) > cell.y_hi + reach_y) return true;
-  // All four corners on one side of the line through A and B.
-  const double dx = B.x - A.x, dy = B.y - A.y;
-  const double left = dx * (cell.y_lo - A.y), right = dx * (cell.y_hi - A.y);
-  const double low = dy * (cell.x_lo - A.x), high = dy * (cell.x_hi - A.x);
-  const double tolerance = reach_x * std::fabs(dy) + reach_y * std::fabs(dx);
-  return std::min(left, right) - std::max(low, high) > tolerance || std::max(left, right) - std::min(low, high) < -tolerance;
+/// FindInterSectionPoint without its divisions: a correctly rounded quotient lies in [0, 1] exactly when its terms
+/// say so. Left to the original where a quotient could underflow or is no number.
+bool segments_meet(double x1, double y1, double x2, double y2, const CNode& A, const CNode& B) {
+  const double dx = x2 - x1, dy = y2 - y1;
+  double den = dx * (B.y - A.y) - dy * (B.x - A.x);
+  if (!(std::fabs(den) < 1e200)) return FindInterSectionPoint(x1, y1, x2, y2, A.x, A.y, B.x, B.y);
+  double na = (y1 - A.y) * (B.x - A.x) - (x1 - A.x) * (B.y - A.y);
+  double nb = (y1 - A.y) * dx - (x1 - A.x) * dy;
+  if (den == 0.0 || (na == 0.0 && nb == 0.0)) return false;
+  if (den < 0.0) den = -den, na = -na, nb = -nb;
+  return na >= 0.0 && na <= den && nb >= 0.0 && nb <= den;
 }
 
 bool edge_crosses_cell(const CCell& cell, const CNode& A, const CNode& B) {
-  return FindInterSectionPoint(cell.x_lo, cell.y_lo, cell.x_hi, cell.y_lo, A.x, A.y, B.x, B.y) ||
-         FindInterSectionPoint(cell.x_hi, cell.y_lo, cell.x_hi, cell.y_hi, A.x, A.y, B.x, B.y) ||
-         FindInterSectionPoint(cell.x_lo, cell.y_hi, cell.x_hi, cell.y_hi, A.x, A.y, B.x, B.y) ||
-         FindInterSectionPoint(cell.x_lo, cell.y_lo, cell.x_lo, cell.y_hi, A.x, A.y, B.x, B.y);
+  return segments_meet(cell.x_lo, cell.y_lo, cell.x_hi, cell.y_lo, A, B) ||
+         segments_meet(cell.x_hi, cell.y_lo, cell.x_hi, cell.y_hi, A, B) ||
+         segments_meet(cell.x_lo, cell.y_hi, cell.x_hi, cell.y_hi, A, B) ||
+         segments_meet(cell.x_lo, cell.y_lo, cell.x_lo, cell.y_hi, A, B);
 }
+
+/// The line through an edge, scaled so that a cell whose centre is farther than `reach` from it is clear of it.
+struct edge_line {
+  double dx, dy, x, y, reach;
+
+  edge_line(const CNode& A, const CNode& B, const axis& along_x, const axis& along_y)
+      : dx(B.x - A.x),
+        dy(B.y - A.y),
+        x(A.x),
+        y(A.y),
+        reach(std::fabs(dx) * (0.5 * along_y.length + along_y.near) +
+              std::fabs(dy) * (0.5 * along_x.length + along_x.near)) {}
+
+  double distance(double at_x, double at_y) const { return dx * (at_y - y) - dy * (at_x - x); }
+};
 
 }  // namespace
 
@@ -93,8 +123,8 @@ public:
   explicit cell_grid_builder(CRoad& road)
       : road_(road),
         grid_(road.cells),
-        along_x_{road.x_min, road.cell_dx, road.nx},
-        along_y_{road.y_min, road.cell_dy, road.ny} {}
+        along_x_(road.x_min, road.x_max, road.cell_dx, road.nx, road.max_dx),
+        along_y_(road.y_min, road.y_max, road.cell_dy, road.ny, road.max_dy) {}
 
   void build() {
     grid_ = CellGrid();
@@ -108,63 +138,77 @@ public:
   }
 
 private:
-  struct node_cells {
-    range columns;
-    range rows;
-  };
-
   void find_node_cells() {
     node_cells_.reserve(road_.nodes.size());
-    for (const CNode& node : road_.nodes) node_cells_.push_back({cells_of(along_x_, node.x), cells_of(along_y_, node.y)});
+    for (const CNode& node : road_.nodes) node_cells_.push_back({along_x_.find(node.x), along_y_.find(node.y)});
   }
 
   const CNode& corner(const CElement& element, int k) const {
     return road_.nodes[static_cast<std::size_t>(element.node[k] - 1)];
   }
+  const node_cells& corner_cells(const CElement& element, int k) const {
+    return node_cells_[static_cast<std::size_t>(element.node[k] - 1)];
+  }
 
-  /// The cells that a triangle's bounds reach, and how far rounding may carry a crossing.
-  struct reach {
+  /// The cells that a triangle's bounds reach.
+  struct box {
     range columns;
     range rows;
-    double x;
-    double y;
-
-    bool wide() const { return columns.last - columns.first >= k_window || rows.last - rows.first >= k_window; }
+    bool wide() const { return columns.count > k_window || rows.count > k_window; }
   };
 
-  reach reach_of(const CNode& K, const CNode& L, const CNode& M) const {
-    const double x_first = std::min(std::min(K.x, L.x), M.x), x_last = std::max(std::max(K.x, L.x), M.x);
-    const double y_first = std::min(std::min(K.y, L.y), M.y), y_last = std::max(std::max(K.y, L.y), M.y);
-    const double x = k_clear * (x_last - x_first + road_.cell_dx);
-    const double y = k_clear * (y_last - y_first + road_.cell_dy);
-    return {{along_x_.first_reaching(x_first - x), along_x_.last_starting(x_last + x)},
-            {along_y_.first_reaching(y_first - y), along_y_.last_starting(y_last + y)},
-            x,
-            y};
+  static range hull(const range& a, const range& b, const range& c) {
+    const std::int32_t first = std::min(std::min(a.first, b.first), c.first);
+    const std::int32_t end = std::max(std::max(a.first + a.count, b.first + b.count), c.first + c.count);
+    return {first, end - first};
+  }
+
+  box bounds_of(const CElement& element) const {
+    const node_cells &K = corner_cells(element, 0), &L = corner_cells(element, 1), &M = corner_cells(element, 2);
+    return {hull(K.x.near, L.x.near, M.x.near), hull(K.y.near, L.y.near, M.y.near)};
   }
 
   footprint find_footprint(const CElement& element) const {
-    const CNode &K = corner(element, 0), &L = corner(element, 1), &M = corner(element, 2);
-    const reach box = reach_of(K, L, M);
-    if (box.wide()) return {footprint::k_wide, 0, 0};
-    footprint print{box.columns.first, box.rows.first, 0};
-    for (const std::int32_t number : element.node) {
-      const node_cells& own = node_cells_[static_cast<std::size_t>(number - 1)];
-      print.cells |= bits(own.columns, own.rows, print.column, print.row);
+    const box bounds = bounds_of(element);
+    if (bounds.wide()) return {footprint::k_wide, 0, 0};
+    footprint print{bounds.columns.first, bounds.rows.first, 0};
+    for (int k = 0; k < 3; ++k) {
+      const node_cells& own = corner_cells(element, k);
+      print.cells |= bits(own.x.in, own.y.in, print.column, print.row);
     }
-    std::uint64_t rest = bits(box.columns, box.rows, print.column, print.row) & ~print.cells;
-    for (; rest != 0; rest &= rest - 1) {
-      const int bit = __builtin_ctzll(rest);
-      if (edges_cross(cell_at(print, bit), K, L, M, box)) print.cells |= std::uint64_t{1} << bit;
-    }
+    const std::uint64_t rest = bits(bounds.columns, bounds.rows, print.column, print.row) & ~print.cells;
+    if (rest != 0) print.cells |= crossed(element, print, rest);
     return print;
   }
 
-  static bool edges_cross(const CCell& cell, const CNode& K, const CNode& L, const CNode& M, const reach& box) {
-    const auto crosses = [&](const CNode& A, const CNode& B) {
-      return !clear_of_cell(cell, A, B, box.x, box.y) && edge_crosses_cell(cell, A, B);
-    };
-    return crosses(K, L) || crosses(L, M) || crosses(K, M);
+  /// Those of the cells `rest`, none of which holds a corner, that an edge of the triangle crosses.
+  std::uint64_t crossed(const CElement& element, const footprint& print, std::uint64_t rest) const {
+    const CNode* corners[3] = {&corner(element, 0), &corner(element, 1), &corner(element, 2)};
+    const edge_line lines[3] = {{*corners[0], *corners[1], along_x_, along_y_},
+                                {*corners[1], *corners[2], along_x_, along_y_},
+                                {*corners[2], *corners[0], along_x_, along_y_}};
+    // The side of each line that the triangle is on.
+    const double side = lines[0].distance(corners[2]->x, corners[2]->y) < 0.0 ? -1.0 : 1.0;
+    std::uint64_t found = 0;
+    for (; rest != 0; rest &= rest - 1) {
+      const int bit = __builtin_ctzll(rest);
+      const CCell cell = cell_at(print, bit);
+      const double x = 0.5 * (cell.x_lo + cell.x_hi), y = 0.5 * (cell.y_lo + cell.y_hi);
+      double distances[3];
+      for (int e = 0; e < 3; ++e) distances[e] = lines[e].distance(x, y);
+      // Beyond one edge by more than the cell is wide: none of the others can reach it either.
+      bool beyond = false;
+      for (int e = 0; e < 3; ++e) beyond = beyond || distances[e] * side < -lines[e].reach;
+      if (beyond) continue;
+      for (int e = 0; e < 3; ++e) {
+        if (std::fabs(distances[e]) > lines[e].reach) continue;
+        // In the definition's direction (K to M, not M to K): rounding depends on it.
+        if (!edge_crosses_cell(cell, *corners[e == 2 ? 0 : e], *corners[e == 2 ? 2 : e + 1])) continue;
+        found |= std::uint64_t{1} << bit;
+        break;
+      }
+    }
+    return found;
   }
 
   CCell cell_at(const footprint& print, int bit) const {
@@ -175,9 +219,9 @@ private:
   template <class Visit>
   void for_each_cell(const CElement& element, const footprint& print, Visit&& visit) const {
     if (print.column == footprint::k_wide) {
-      const reach box = reach_of(corner(element, 0), corner(element, 1), corner(element, 2));
-      for (std::int32_t i = box.columns.first; i <= box.columns.last; ++i)
-        for (std::int32_t j = box.rows.first; j <= box.rows.last; ++j)
+      const box bounds = bounds_of(element);
+      for (std::int32_t i = bounds.columns.first; i < bounds.columns.first + bounds.columns.count; ++i)
+        for (std::int32_t j = bounds.rows.first; j < bounds.rows.first + bounds.rows.count; ++j)
           if (meets_by_definition(element, i, j)) visit(grid_.index(i, j));
       return;
     }
@@ -187,11 +231,13 @@ private:
     }
   }
 
+  static bool holds(const range& cells, std::int32_t k) { return k >= cells.first && k < cells.first + cells.count; }
+
   bool meets_by_definition(const CElement& element, std::int32_t i, std::int32_t j) const {
     const CCell cell = road_.cell_bounds(i, j);
     for (int k = 0; k < 3; ++k) {
-      const node_cells& own = node_cells_[static_cast<std::size_t>(element.node[k] - 1)];
-      if (own.columns.first <= i && i <= own.columns.last && own.rows.first <= j && j <= own.rows.last) return true;
+      const node_cells& own = corner_cells(element, k);
+      if (holds(own.x.in, i) && holds(own.y.in, j)) return true;
     }
     return CrossCheck_Element(cell, corner(element, 0), corner(element, 1), corner(element, 2));
   }
@@ -234,16 +280,17 @@ private:
       return std::numeric_limits<float>::infinity();
     }
     const auto [low, high] = std::minmax({corner(element, 0).z, corner(element, 1).z, corner(element, 2).z});
-    const double top = high + (high - low) + 1e-6 * (std::fabs(high) + std::fabs(low) + road_.cell_dx + road_.cell_dy);
-    return std::nextafter(static_cast<float>(top), std::numeric_limits<float>::infinity());
+    // The last term is far more than what rounding, of the float too, can take away.
+    return static_cast<float>(high + (high - low) +
+                              2e-6 * (std::fabs(high) + std::fabs(low) + road_.cell_dx + road_.cell_dy));
   }
 
   CRoad& road_;
   CellGrid& grid_;
   axis along_x_;
   axis along_y_;
-  std::vector<node_cells> node_cells_;
-  std::vector<footprint> footprints_;
+  qv::large_vector<node_cells> node_cells_;
+  qv::large_vector<footprint> footprints_;
 };
 
 void build_cell_grid(CRoad& road) { cell_grid_builder(road).build(); }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/large_vector.h"
+
 namespace qvsoilrdf {
 
 /// One bucket of the plan grid: the numbers (from 1) of the elements that meet it, in element order.
@@ -55,8 +57,8 @@ public:
 
 private:
   friend class cell_grid_builder;
-  std::vector<cell_data> data_;        ///< [0] is a sentinel, cell c is at c + 1
-  std::vector<std::int32_t> numbers_;
+  qv::large_vector<cell_data> data_;  ///< [0] is a sentinel, cell c is at c + 1
+  qv::large_vector<std::int32_t> numbers_;
   std::size_t rows_ = 0;
 };
 

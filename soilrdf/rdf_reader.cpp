@@ -18,7 +18,7 @@
 namespace qvsoilrdf {
 namespace {
 
-constexpr std::size_t k_line_limit = 640;       // of the lines outside the node and element blocks
+constexpr std::size_t k_line_limit = 640;        // of the lines outside the node and element blocks
 constexpr double k_smallest_coordinate = 1e-08;  // anything nearer to 0 is 0
 
 struct line {
@@ -51,7 +51,7 @@ private:
 class rdf_reader {
 public:
   rdf_reader(CRoad& road, const qv::file_text& text, int& ierr, char** msg)
-      : road_(road), lines_(text.data.get(), text.data.get() + text.size), ierr_(ierr), msg_(msg) {}
+      : road_(road), lines_(text.data.data(), text.data.data() + text.size), ierr_(ierr), msg_(msg) {}
 
   void read() {
     line current;
@@ -204,8 +204,8 @@ private:
     const char* at = from.begin;
     for (std::size_t i = 0; i < N; ++i) {
       if (qv::scan_number(at, from.end, numbers[i])) continue;
-      refuse("READ RDF ERROR : Line " + std::to_string(from.number) + " holds " + std::to_string(i) +
-             " numbers; " + record + " line must hold at least 4.");
+      refuse("READ RDF ERROR : Line " + std::to_string(from.number) + " holds " + std::to_string(i) + " numbers; " +
+             record + " line must hold at least 4.");
     }
   }
 
@@ -269,8 +269,10 @@ void read_file(void* handle, const std::wstring& path, CRoad& road, int& ierr, c
   qv::file_text text;
   int path_length = 0;
   switch (qv::read_data_file(handle, path, text, path_length)) {
-    case qv::file_outcome::read: break;
-    case qv::file_outcome::not_found: qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", ierr, msg);
+    case qv::file_outcome::read:
+      break;
+    case qv::file_outcome::not_found:
+      qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", ierr, msg);
     case qv::file_outcome::path_too_long:
       qv::first_fault("READ RDF ERROR : The length of the model file's path is " + std::to_string(path_length) +
                           "; it must lie between 0 and 1024.",

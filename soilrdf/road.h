@@ -26,12 +26,12 @@ public:
 /// A terrain triangle.
 class CElement {
 public:
-  std::int32_t node[3] = {0, 0, 0};     ///< node numbers of the corners K, L, M, from 1
-  std::int32_t id = 0;                  ///< running number in reading order, from 1
-  double normal[3] = {0.0, 0.0, 0.0};   ///< unit normal, z not negative
-  double center[3] = {0.0, 0.0, 0.0};   ///< centroid
-  double value = 0.0;                   ///< fourth number of the element's line, kept as read
-  double d = 0.0;                       ///< plane constant: normal . p + d = 0 on the triangle's plane
+  std::int32_t node[3] = {0, 0, 0};    ///< node numbers of the corners K, L, M, from 1
+  std::int32_t id = 0;                 ///< running number in reading order, from 1
+  double normal[3] = {0.0, 0.0, 0.0};  ///< unit normal, z not negative
+  double center[3] = {0.0, 0.0, 0.0};  ///< centroid
+  double value = 0.0;                  ///< fourth number of the element's line, kept as read
+  double d = 0.0;                      ///< plane constant: normal . p + d = 0 on the triangle's plane
 
   /// Sets `d` from `normal` and `center`, which must stand already.
   void equation_plane() { d = -(normal[0] * center[0] + normal[1] * center[1] + normal[2] * center[2]); }
@@ -66,11 +66,9 @@ public:
   double friction_angle = 0.0;  ///< phi [rad] (degrees in the file)
 };
 
-/// What the point search needs of a triangle, packed. Derived from the element and its nodes after reading.
-struct CFacet {
+/// What the point search needs of a triangle, in one cache line. Derived from the element and its nodes after reading.
+struct alignas(64) CFacet {
   double corner[3];    ///< K
-  double normal[3];    ///< the element's normal, made unit length once more (as the search hands it on)
-  double d;            ///< the element's plane constant
   double gradient[4];  ///< of the barycentric coordinates of L and of M in the plan: (dL/dx, dL/dy, dM/dx, dM/dy)
   float outside;       ///< a coordinate below minus this: the point is certainly not in the triangle, edges included
   float inside;        ///< all three coordinates above this: certainly in; between the two the angles decide
@@ -79,10 +77,10 @@ struct CFacet {
 class CRoad {
 public:
   CellGrid cells;  ///< plan grid: column i = 0 .. nx-1 along x, row j = 0 .. ny-1 along y
-  std::vector<CNode> nodes;
-  std::vector<CElement> elements;
-  std::vector<CFacet> facets;  ///< one per element
-  std::string soil_type;       ///< "CONCRETE" is a hard road
+  qv::large_vector<CNode> nodes;
+  qv::large_vector<CElement> elements;
+  qv::large_vector<CFacet> facets;  ///< one per element
+  std::string soil_type;            ///< "CONCRETE" is a hard road
   std::string normal_pressure = "BEKKER";
   std::string shear_pressure = "WONG";
   std::string file_type = "RDF";
@@ -109,10 +107,10 @@ public:
   double y_max = 0.0;
   double max_dx = 0.0;  ///< largest cyclic corner difference over all triangles; half of it sizes the cells
   double max_dy = 0.0;
-  double x_offset = 0.0;  ///< -x_min
-  double y_offset = 0.0;  ///< -y_min
-  std::int32_t nx = 1;    ///< number of grid columns
-  std::int32_t ny = 1;    ///< number of grid rows
+  double x_offset = 0.0;                ///< -x_min
+  double y_offset = 0.0;                ///< -y_min
+  std::int32_t nx = 1;                  ///< number of grid columns
+  std::int32_t ny = 1;                  ///< number of grid rows
   std::int32_t number_of_nodes = 0;     ///< as declared by the file
   std::int32_t number_of_elements = 0;  ///< as declared by the file
   std::int32_t road_id = k_not_set;     ///< the road's index once it has been read

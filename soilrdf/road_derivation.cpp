@@ -59,13 +59,9 @@ void set_margins(CFacet& facet, double twice_area, double longest_squared) {
   facet.inside = thin ? std::numeric_limits<float>::infinity() : k_clear_of_edges;
 }
 
-CFacet make_facet(const CElement& element, const CNode& K, const CNode& L, const CNode& M) {
+CFacet make_facet(const CNode& K, const CNode& L, const CNode& M) {
   CFacet facet;
   facet.corner[0] = K.x, facet.corner[1] = K.y, facet.corner[2] = K.z;
-  for (int c = 0; c < 3; ++c) facet.normal[c] = 0.0 + element.normal[c];  // the search sums from 0: no -0
-  int degenerate;
-  qv::normalization_vec(facet.normal, degenerate);
-  facet.d = element.d;
   const double ax = L.x - K.x, ay = L.y - K.y, bx = M.x - K.x, by = M.y - K.y;
   const double twice_area = ax * by - ay * bx;
   const double reciprocal = 1.0 / twice_area;
@@ -88,7 +84,7 @@ void derive_triangles(CRoad& road) {
     set_plane(element, K, L, M);
     road.max_dx = largest_cyclic_difference(road.max_dx, K.x, L.x, M.x);
     road.max_dy = largest_cyclic_difference(road.max_dy, K.y, L.y, M.y);
-    road.facets.push_back(make_facet(element, K, L, M));
+    road.facets.push_back(make_facet(K, L, M));
   }
 }
 

@@ -30,15 +30,15 @@ public:
   std::map<int, double> masses;
   std::map<std::pair<std::string, int>, double> scalars;  // (name, first id)
 
-  std::vector<std::string> requests;       // "AM 1 3", in order, when `log` is set
+  std::vector<std::string> requests;  // "AM 1 3", in order, when `log` is set
   bool log = false;
   int unanswered = 0;
-  std::vector<std::string> stops;          // "(null)" for a null text
+  std::vector<std::string> stops;  // "(null)" for a null text
   struct report {
     std::string title;
     std::vector<std::string> messages;
   };
-  std::vector<report> reports;             // THROW_ERROR calls
+  std::vector<report> reports;  // THROW_ERROR calls
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char* name, const int* ids, int nids, double& value) override;

@@ -1,0 +1,125 @@
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "bench/road_maker.h"
+#include "bench/soil_scene.h"
+
+// What no implementation can go below: the point location on a grid that is known to be regular, with the powers and
+// exponentials that the laws need for a point in contact and nothing else; and a bare scan of a road file's numbers.
+namespace {
+
+using qvbench::body;
+
+struct regular_terrain {
+  int side;
+  std::vector<double> heights;
+
+  explicit regular_terrain(int squares)
+      : side(squares + 1), heights(static_cast<std::size_t>(side) * static_cast<std::size_t>(side)) {
+    for (int i = 0; i < side; ++i)
+      for (int j = 0; j < side; ++j) at(i, j) = qvbench::terrain_height(0.1 * i, 0.1 * j);
+  }
+  double& at(int i, int j) {
+    return heights[static_cast<std::size_t>(i) * static_cast<std::size_t>(side) + static_cast<std::size_t>(j)];
+  }
+
+  /// Height under (x, y), on the triangle of the square that holds it.
+  double under(double x, double y) {
+    const double u = x / 0.1, v = y / 0.1;
+    const int i = static_cast<int>(u), j = static_cast<int>(v);
+    const double a = u - i, b = v - j;
+    const double z00 = at(i, j), z11 = at(i + 1, j + 1);
+    if (a > b) {
+      const double z10 = at(i + 1, j);
+      return z00 + a * (z10 - z00) + b * (z11 - z10);
+    }
+    const double z01 = at(i, j + 1);
+    return z00 + b * (z01 - z00) + a * (z11 - z01);
+  }
+};
+
+constexpr body k_bodies[] = {{true, 36, 9}, {true, 72, 19}, {false, 20, 20}};
+constexpr const char* k_names[] = {"wheel 36x9", "wheel 72x19", "plate 20x20"};
+
+double point_of_law(double z, double p, double j1, double j2) {
+  const double dynamic = std::pow(p / 40000.0, 0.9) * std::pow(j1 * j1 + j2 * j2, 0.4);
+  const double power = std::pow(z + 0.02 * dynamic, 0.7 - 1.0);
+  const double r1 = j1 / 0.025, r2 = j2 / 0.025;
+  return power * z + (0.9 * std::exp(1.0 - r1) + 1.0) * (1.0 - std::exp(-r1)) +
+         (0.9 * std::exp(1.0 - r2) + 1.0) * (1.0 - std::exp(-r2));
+}
+
+void limit_per_point(benchmark::State& state) {
+  const body what = k_bodies[state.range(0)];
+  static regular_terrain terrain(707);
+  std::vector<std::array<double, 3>> grid;
+  for (int i = 0; i < what.nx; ++i) {
+    for (int j = 0; j < what.ny; ++j) {
+      const double across = what.width() * (double(j) / (what.ny - 1) - 0.5);
+      const double angle = 6.283185307179586 * i / what.nx;
+      if (what.wheel) {
+        grid.push_back({what.size() * std::cos(angle), across, what.size() * std::sin(angle)});
+      } else {
+        grid.push_back({what.size() * (double(i) / (what.nx - 1) - 0.5), across, 0.0});
+      }
+    }
+  }
+  double travel = 0.0, sum = 0.0;
+  long in_contact = 0, points = 0;
+  for (auto _ : state) {
+    const double x = 0.7 + travel, y = 35.35, z = qvbench::terrain_height(x, y) + what.height();
+    travel = travel > 60.0 ? 0.0 : travel + 0.001;
+    for (const auto& at : grid) {
+      const double depth = terrain.under(x + at[0], y + at[1]) - (z + at[2]);
+      ++points;
+      if (depth <= 0.0) continue;
+      ++in_contact;
+      sum += point_of_law(depth, 20000.0 + 1000.0 * depth, 0.01 + at[0] * at[0], 0.001 + depth);
+    }
+  }
+  benchmark::DoNotOptimize(sum);
+  state.SetLabel(k_names[state.range(0)]);
+  state.counters["in_contact"] = double(in_contact) / double(points);
+  state.counters["per_point"] =
+      benchmark::Counter(double(points), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void limit_scan(benchmark::State& state) {
+  const qvbench::road_file& road = qvbench::make_road(static_cast<int>(state.range(0)));
+  double sum = 0.0;
+  for (auto _ : state) {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(road.path.c_str(), "r"), &std::fclose);
+    std::unique_ptr<char[]> text(new char[road.bytes]);
+    const std::size_t size = std::fread(text.get(), 1, road.bytes, file.get());
+    const char* at = text.get();
+    const char* const end = at + size;
+    while (at != end) {
+      double value;
+      const auto [stop, error] = std::from_chars(at, end, value);
+      if (error == std::errc()) {
+        sum += value;
+        at = stop;
+      } else {
+        ++at;
+      }
+    }
+  }
+  benchmark::DoNotOptimize(sum);
+  state.SetBytesProcessed(static_cast<int64_t>(road.bytes) * state.iterations());
+}
+
+BENCHMARK(limit_per_point)->DenseRange(0, 2)->ArgName("body");
+BENCHMARK(limit_scan)
+    ->Arg(2000)
+    ->Arg(20000)
+    ->Arg(200000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond)
+    ->ArgName("triangles");
+
+}  // namespace

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+/// Right-triangulated rolling terrain, spacing 0.1 m, as RDF files of a given size.
+namespace qvbench {
+
+struct road_file {
+  std::string path;
+  double length;  ///< along x and y [m]
+  int triangles;
+  std::size_t bytes;
+};
+
+/// The file of about `triangles` triangles; made in the temporary folder when it is not there yet.
+const road_file& make_road(int triangles);
+
+/// Height of the terrain.
+double terrain_height(double x, double y);
+
+}  // namespace qvbench

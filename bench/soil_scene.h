@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "bench/bench_host.h"
+#include "bench/road_maker.h"
+#include "qvbrisk/subroutines.h"
+
+/// A body on a road, driven through the exported function.
+namespace qvbench {
+
+/// A wheel sunk so far that a third of its rim is in contact, or a plate that is wholly in contact.
+struct body {
+  bool wheel;
+  int nx, ny;
+
+  double size() const { return wheel ? 0.5 : 0.6; }  // radius or length [m]
+  double width() const { return wheel ? 0.3 : 0.6; }
+  double height() const { return wheel ? 0.25 : -0.2; }  // of the marker over the terrain under it [m]
+  int points() const { return nx * ny; }
+};
+
+class SoilScene {
+public:
+  /// Roads are read once per file; elements of one body on one road share their set-up.
+  SoilScene(const body& what, int triangles);
+
+  void place(double x, double y);
+  void call(int iflag) { qvsoil_interaction(host_.handle(), 0.0, par_.data(), 15, 0, iflag, result_.data()); }
+
+  /// Sum over the force and its square root of a hash, kept by a benchmark to show that nothing went missing.
+  double checksum() const { return result_[2]; }
+  int points_in_contact() const;
+  double road_length() const { return road_.length; }
+  const std::string& complaint() const { return host_.complaint; }
+
+private:
+  body body_;
+  const road_file& road_;
+  BenchHost host_;
+  std::array<double, 15> par_;
+  std::vector<double> result_;
+};
+
+}  // namespace qvbench

@@ -1,0 +1,95 @@
+#include "soilinteraction/contact_frames.h"
+
+#include <cmath>
+
+#include "soilinteraction/vectors.h"
+
+namespace qvsoilinteraction {
+namespace {
+
+void give(const contact_frame& frame, Croad_contact& rc) {
+  qv::assgvec(frame.facet_normal, 3, rc.facet_normal);
+  qv::assgvec(frame.normal, 3, rc.normal);
+  qv::assgvec(frame.tangent_1, 3, rc.tangent_1);
+  qv::assgvec(frame.tangent_2, 3, rc.tangent_2);
+  rc.area_ratio = frame.plate_ratio;
+}
+
+}  // namespace
+
+void set_facet_normal(const qvsoilrdf::CRoad& road, std::int32_t number, double* normal) {
+  const double* n = road.elements[static_cast<std::size_t>(number - 1)].normal;
+  for (int c = 0; c < 3; ++c) normal[c] = 0.0 + n[c];
+}
+
+void frame_maker::make(int count) {
+  vectors facet, normal, tangent_1, tangent_2;
+  for (int i = 0; i < count; ++i) {
+    double n[3];
+    set_facet_normal(road_, made_[i].number, n);
+    made_[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
+    facet.x[i] = n[0];
+    facet.y[i] = n[1];
+    facet.z[i] = n[2];
+  }
+  normalise(facet, count);  // as the search leaves it
+  for (int i = 0; i < count; ++i) take(facet, i, made_[i].facet_normal);
+  normalise(facet, count);  // once more, as the contact does
+  rotate(k_.A5, facet, normal, count);
+  normalise(normal, count);
+  const double* y = k_.A1 + 3;  // of the body
+  for (int i = 0; i < count; ++i) {
+    tangent_1.x[i] = y[1] * normal.z[i] - y[2] * normal.y[i];
+    tangent_1.y[i] = y[2] * normal.x[i] - y[0] * normal.z[i];
+    tangent_1.z[i] = y[0] * normal.y[i] - y[1] * normal.x[i];
+  }
+  normalise(tangent_1, count);
+  for (int i = 0; i < count; ++i) {
+    tangent_2.x[i] = normal.y[i] * tangent_1.z[i] - normal.z[i] * tangent_1.y[i];
+    tangent_2.y[i] = normal.z[i] * tangent_1.x[i] - normal.x[i] * tangent_1.z[i];
+    tangent_2.z[i] = normal.x[i] * tangent_1.y[i] - normal.y[i] * tangent_1.x[i];
+  }
+  normalise(tangent_2, count);
+  const double* z = k_.A1 + 6;
+  for (int i = 0; i < count; ++i) {
+    contact_frame& frame = made_[i];
+    take(normal, i, frame.normal);
+    take(tangent_1, i, frame.tangent_1);
+    take(tangent_2, i, frame.tangent_2);
+    frame.plate_ratio = std::fabs(normal.x[i] * z[0] + normal.y[i] * z[1] + normal.z[i] * z[2]);
+  }
+}
+
+void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat) {
+  int place[k_block];  // of a point's frame among the made ones; k_made: it has it already
+  int missing = 0;
+  for (int i = 0; i < count; ++i) {
+    const std::int32_t number = points[i]->facet_number;
+    place[i] = k_made;
+    flat[i] = false;
+    if (number == 0) continue;
+    entry& e = entry_of(number);
+    if (e.frame.number != number) {
+      e.frame.number = made_[missing].number = number;
+      e.pending = missing++;
+    }
+    place[i] = e.pending;
+    if (place[i] != k_made) continue;
+    flat[i] = e.frame.flat;
+    give(e.frame, *points[i]);
+  }
+  make(missing);
+  for (int i = 0; i < count; ++i) {
+    if (place[i] == k_made) continue;
+    flat[i] = made_[place[i]].flat;
+    give(made_[place[i]], *points[i]);
+  }
+  for (int i = 0; i < missing; ++i) {
+    entry& e = entry_of(made_[i].number);
+    if (e.frame.number != made_[i].number) continue;  // another triangle's by now
+    e.frame = made_[i];
+    e.pending = k_made;
+  }
+}
+
+}  // namespace qvsoilinteraction

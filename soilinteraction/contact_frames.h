@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+
+#include "soilinteraction/contact_records.h"
+#include "soilinteraction/kinematics.h"
+#include "soilinteraction/vectors.h"
+
+/// Contact frames over triangles. All points of an element that are over one triangle share its frame, so it is made
+/// once per call; the frames that a block of points lacks are made together.
+namespace qvsoilinteraction {
+
+struct contact_frame {
+  std::int32_t number;     ///< of the element, from 1; 0 is none
+  bool flat;               ///< the triangle has a normal
+  double facet_normal[3];  ///< road axes
+  double normal[3];        ///< ground axes, as the tangents
+  double tangent_1[3];     ///< body y axis x normal: the rolling direction of a wheel
+  double tangent_2[3];     ///< normal x tangent_1
+  double plate_ratio;      ///< cosine between the normal and the body's z axis, 0 or more
+};
+
+/// Sum of the normals of the triangles found, which is always one: its own, with zeros that have no sign.
+void set_facet_normal(const qvsoilrdf::CRoad& road, std::int32_t number, double* normal);
+
+class frame_maker {
+public:
+  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : road_(road), k_(k) {
+    for (entry& e : cache_) e.frame.number = 0;
+  }
+
+  /// Gives each of `count` points (at most k_block) the frame over the triangle that it found (facet normal, normal,
+  /// tangents, and the plate's ratio as area ratio). `flat[i]` is false for a point over no triangle or over one
+  /// without a normal.
+  void set_frames(Croad_contact* const* points, int count, bool* flat);
+
+private:
+  static constexpr int k_bits = 6;
+  static constexpr int k_made = -1;
+  struct entry {
+    contact_frame frame;
+    int pending;  ///< place among the frames being made, k_made when it is made
+  };
+
+  entry& entry_of(std::int32_t number) {
+    return cache_[(static_cast<std::uint32_t>(number) * 2654435769U) >> (32 - k_bits)];  // golden ratio
+  }
+  void make(int count);
+
+  const qvsoilrdf::CRoad& road_;
+  const kinematics& k_;
+  entry cache_[1 << k_bits];  ///< by hash of the number; a later frame takes the place of an earlier one
+  contact_frame made_[k_block];
+};
+
+}  // namespace qvsoilinteraction
