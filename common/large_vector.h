@@ -30,8 +30,7 @@ public:
     return static_cast<T*>(block);
   }
   void deallocate(T* block, std::size_t count) {
-    const std::size_t bytes = bytes_of(count);
-    ::operator delete(block, bytes, alignment_of(bytes));
+    ::operator delete(block, alignment_of(bytes_of(count)));
   }
 
   template <class U, class... Arguments>

@@ -1,0 +1,87 @@
+#include "library/elf_file.h"
+
+#include <elf.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <vector>
+
+namespace qvtest {
+namespace {
+
+class image {
+public:
+  explicit image(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    bytes_.assign(std::istreambuf_iterator<char>(file), {});
+    header_ = at<Elf64_Ehdr>(0);
+    if (std::memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0 || header_.e_ident[EI_CLASS] != ELFCLASS64) {
+      throw std::runtime_error(path + " is no 64-bit library");
+    }
+  }
+
+  template <class Record>
+  Record at(std::size_t offset) const {
+    Record record;
+    if (offset + sizeof record > bytes_.size()) throw std::runtime_error("a library cut short");
+    std::memcpy(&record, bytes_.data() + offset, sizeof record);
+    return record;
+  }
+
+  std::string text(std::size_t offset) const {
+    if (offset >= bytes_.size()) throw std::runtime_error("a library cut short");
+    return bytes_.data() + offset;  // string tables end in a null
+  }
+
+  /// The section of this type; the one it links to is its string table.
+  Elf64_Shdr section(std::uint32_t type) const {
+    for (std::size_t k = 0; k < header_.e_shnum; ++k) {
+      const Elf64_Shdr found = section_at(k);
+      if (found.sh_type == type) return found;
+    }
+    throw std::runtime_error("a section is missing");
+  }
+  Elf64_Shdr section_at(std::size_t k) const { return at<Elf64_Shdr>(header_.e_shoff + k * header_.e_shentsize); }
+
+  template <class Record, class Visit>
+  void for_each(const Elf64_Shdr& section, Visit&& visit) const {
+    const std::size_t strings = section_at(section.sh_link).sh_offset;
+    for (std::size_t k = 0; k < section.sh_size / sizeof(Record); ++k) {
+      visit(at<Record>(section.sh_offset + k * sizeof(Record)), strings);
+    }
+  }
+
+private:
+  std::vector<char> bytes_;
+  Elf64_Ehdr header_;
+};
+
+void add_symbol(elf_file& file, const Elf64_Sym& symbol, const std::string& name) {
+  const auto binding = ELF64_ST_BIND(symbol.st_info);
+  if (binding == STB_LOCAL) return;
+  if (symbol.st_shndx == SHN_UNDEF) {
+    (binding == STB_WEAK ? file.weak_undefined : file.undefined).insert(name);
+    return;
+  }
+  file.defined.insert(name);
+  if (ELF64_ST_TYPE(symbol.st_info) != STT_FUNC) file.defined_data.insert(name);
+}
+
+}  // namespace
+
+elf_file read_elf(const std::string& path) {
+  const image library(path);
+  elf_file file;
+  library.for_each<Elf64_Sym>(library.section(SHT_DYNSYM), [&](const Elf64_Sym& symbol, std::size_t strings) {
+    add_symbol(file, symbol, library.text(strings + symbol.st_name));
+  });
+  library.for_each<Elf64_Dyn>(library.section(SHT_DYNAMIC), [&](const Elf64_Dyn& entry, std::size_t strings) {
+    if (entry.d_tag == DT_NEEDED) file.needed.insert(library.text(strings + entry.d_un.d_val));
+    if (entry.d_tag == DT_FLAGS_1 && (entry.d_un.d_val & DF_1_NOW) != 0) file.bind_now = true;
+  });
+  return file;
+}
+
+}  // namespace qvtest
