@@ -29,9 +29,7 @@ public:
     if (bytes >= k_large) madvise(block, bytes, MADV_HUGEPAGE);  // a wish: nothing depends on it
     return static_cast<T*>(block);
   }
-  void deallocate(T* block, std::size_t count) {
-    ::operator delete(block, alignment_of(bytes_of(count)));
-  }
+  void deallocate(T* block, std::size_t count) { ::operator delete(block, alignment_of(bytes_of(count))); }
 
   template <class U, class... Arguments>
   void construct(U* at, Arguments&&... arguments) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -10,6 +11,24 @@
 /// Records of the contact between a body's grid points and a soil road. What belongs to history changes only after
 /// a converged step; the rest is rewritten at every evaluation.
 namespace qvsoilinteraction {
+
+/// A power that is often asked for with the arguments of the time before.
+class remembered_power {
+public:
+  double of(double base, double exponent) {
+    if (base != base_ || exponent != exponent_) {
+      base_ = base;
+      exponent_ = exponent;
+      value_ = std::pow(base, exponent);
+    }
+    return value_;
+  }
+
+private:
+  double base_ = 1.0;
+  double exponent_ = 1.0;
+  double value_ = 1.0;
+};
 
 /// Geometry and history of one grid point. What a point out of contact needs comes first, in two cache lines.
 class alignas(64) Croad_contact {
@@ -43,6 +62,7 @@ public:
   double first_contact_tangent_1[3];
   double first_contact_tangent_2[3];
   double last_pressure;
+  remembered_power last_pressure_power;  ///< of the dynamic sinkage law; changes with last_pressure only
   double last_static_sinkage;
   double last_shear_disp[2];
 

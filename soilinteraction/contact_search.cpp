@@ -114,26 +114,11 @@ void project(const CRoad& road, const double* p, Croad_contact& rc) {
   for (int c = 0; c < 3; ++c) rc.facet_point[c] = corner[c] + (w[c] - along[c]);
 }
 
-void normalise(double* v) {
-  int zero;  // a zero vector stays one
-  qv::normalization_vec(v, zero);
-}
-
 /// Height that no triangle of the point's cell reaches, in road axes, so that the point is out of contact whatever
 /// the search would find. Not taken for heights that overflow on the way: those become not-a-numbers in contact.
 bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, double height) {
   constexpr double k_far = 1e100;
   return k.road_is_rigidly_placed && height > static_cast<double>(road.cells.top(cell)) && height < k_far;
-}
-
-/// Cosine between the road's normal and the direction from the point to the wheel's centre in the x-z plane of the
-/// road's axes.
-double wheel_ratio(const kinematics& k, const double* p, const double* normal) {
-  double to_center[3] = {k.d15[0] - p[0], 0.0, k.d15[2] - p[2]};
-  normalise(to_center);
-  double cosine;
-  qv::vectrvec(normal, to_center, cosine);
-  return std::fabs(cosine);
 }
 
 double at_rest_below_threshold(double slip) { return std::fabs(slip) < k_slip_at_rest ? 0.0 : slip; }
@@ -210,13 +195,6 @@ int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) 
 
 namespace {
 
-/// A point of a block on its way to the triangle under it.
-struct search_point {
-  int index;    ///< in the block
-  double p[3];  ///< in road axes
-  std::size_t cell;
-};
-
 /// Where the points of a block are: lever, position, position from the road base marker (ground axes), and on the
 /// road (its axes, with the cell's column and row before truncation).
 struct places {
@@ -257,18 +235,15 @@ void find_places(const CRoad& road, const kinematics& k, const contact_block& bl
             ierr, msg);
 }
 
-/// Places the points and keeps those over or in the road.
-int place_points(const CRoad& road, const kinematics& k, contact_block& block, search_point* found, int& ierr,
-                 char** msg) {
-  places at;
-  find_places(road, k, block, at);
+/// Keeps the points over or in the road.
+int keep_points_on_road(const CRoad& road, const places& at, contact_block& block, int& ierr, char** msg) {
   int count = 0;
   for (int i = 0; i < block.count; ++i) {
     Croad_contact& rc = *block.points[i];
     take(at.position, i, rc.position);
     rc.sinkage = 0.0;
     block.in_contact[i] = false;
-    search_point& point = found[count];
+    search_point& point = block.near[count];
     take(at.p, i, point.p);
     if (std::isnan(point.p[0]) || std::isnan(point.p[1])) refuse_place(road, point.p, ierr, msg);
     if (out_of_extent(road, point.p) || road.cells.empty()) continue;
@@ -300,6 +275,7 @@ void fetch_facets(const CRoad& road, const search_point* points, int count) {
     if (i > 0 && points[i].cell == points[i - 1].cell) continue;
     for (const std::int32_t number : road.cells.list(points[i].cell)) {
       __builtin_prefetch(&road.facets[static_cast<std::size_t>(number - 1)]);
+      __builtin_prefetch(road.elements[static_cast<std::size_t>(number - 1)].normal);
     }
   }
 }
@@ -323,7 +299,7 @@ void find_facets(void* handle, const CRoad& road, contact_block& block, const se
 
 /// Gives each point the contact frame over its triangle and drops those over a hole or a triangle without normal.
 int set_frames(contact_block& block, frame_maker& frames, search_point* points, int count) {
-  Croad_contact* contacts[k_block];
+  Croad_contact* contacts[k_block] = {};
   bool flat[k_block];
   for (int i = 0; i < count; ++i) contacts[i] = block.points[points[i].index];
   frames.set_frames(contacts, count, flat);
@@ -346,25 +322,57 @@ bool sinks_in(const kinematics& k, Croad_contact& rc) {
   return !(rc.sinkage >= 0.0);  // a not-a-number is in contact and travels on
 }
 
-}  // namespace
-
-void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, int& ierr, char** msg) {
-  search_point points[k_block];
-  int count = place_points(road, k, block, points, ierr, msg);
-  count = drop_points_above(road, k, points, count);
-  fetch_facets(road, points, count);
-  find_facets(handle, road, block, points, count, msg);
-  count = set_frames(block, frames, points, count);
+int keep_sunk_points(const CRoad& road, const kinematics& k, contact_block& block, search_point* points, int count) {
+  int kept = 0;
   for (int i = 0; i < count; ++i) {
     Croad_contact& rc = *block.points[points[i].index];
     project(road, points[i].p, rc);
     if (!sinks_in(k, rc)) continue;
-    if (shape != 1) rc.area_ratio = wheel_ratio(k, points[i].p, rc.normal);
-    set_velocities(k, rc);
-    set_shear_displacement(rc);
     block.in_contact[points[i].index] = true;
+    if (kept != i) points[kept] = points[i];
+    ++kept;
   }
+  return kept;
+}
+
+/// Cosines between the road's normals and the directions from the points to the wheel's centre in the x-z plane of the
+/// road's axes.
+void set_wheel_ratios(const kinematics& k, contact_block& block, const search_point* points, int count) {
+  vectors to_center;
+  for (int i = 0; i < count; ++i) {
+    to_center.x[i] = k.d15[0] - points[i].p[0];
+    to_center.y[i] = 0.0;
+    to_center.z[i] = k.d15[2] - points[i].p[2];
+  }
+  normalise(to_center, count);
+  for (int i = 0; i < count; ++i) {
+    Croad_contact& rc = *block.points[points[i].index];
+    double direction[3], cosine;
+    take(to_center, i, direction);
+    qv::vectrvec(rc.normal, direction, cosine);
+    rc.area_ratio = std::fabs(cosine);
+  }
+}
+
+}  // namespace
+
+void place_points(const CRoad& road, const kinematics& k, contact_block& block, int& ierr, char** msg) {
+  places at;
+  find_places(road, k, block, at);
+  const int on_road = keep_points_on_road(road, at, block, ierr, msg);
+  block.near_count = drop_points_above(road, k, block.near, on_road);
+  fetch_facets(road, block.near, block.near_count);
+}
+
+void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
+                      contact_block& block, char** msg) {
+  search_point* points = block.near;
+  find_facets(handle, road, block, points, block.near_count, msg);
+  int count = set_frames(block, frames, points, block.near_count);
+  count = keep_sunk_points(road, k, block, points, count);
+  if (shape != 1) set_wheel_ratios(k, block, points, count);
+  for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
+  for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);
 }
 
 }  // namespace qvsoilinteraction

@@ -16,7 +16,21 @@ double damping_coefficient(const soil_law& law, double z, double power) {
   return z < law.bekker.zb ? base * z / law.bekker.zb : base;
 }
 
-void set_normal_load(const soil_law& law, double power, Croad_contact& rc, Csoil_contact& sc) {
+void set_sinkage(const soil_law& law, const contact_patch& patch, Croad_contact& rc, Csoil_contact& sc) {
+  rc.damping = 0.0;
+  sc.effective_area = get_effective_area(patch, rc.area_ratio);
+  sc.dynamic_sinkage = get_dynamic_sinkage(law.dynamic, rc.last_pressure, rc.shear_disp, rc.last_pressure_power);
+  sc.static_sinkage = get_static_sinkage(sc.dynamic_sinkage, rc.sinkage);
+}
+
+void set_normal_load(const soil_law& law, Croad_contact& rc, Csoil_contact& sc) {
+  double power = 0.0;
+  rc.pressure = get_bekker_normal_pressure(law, sc.static_sinkage, power, rc.secant_stiffness);
+  sc.pressure = -rc.pressure;
+  if (!(sc.pressure > 0.0)) {
+    sc.pressure = 0.0;  // kept: the three normal forces are not cleared (test: StaleNormalForce)
+    return;
+  }
   sc.pressure_force = sc.effective_area * sc.pressure;
   rc.damping = damping_coefficient(law, std::fabs(sc.static_sinkage), power);
   const double s = law.bekker.s;
@@ -55,24 +69,15 @@ soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
   damping_scale = (bekker.kphi * a2 + bekker.kc * a1 / (bekker.b * bekker.s)) * bekker.zeta;
 }
 
-void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact& rc, Csoil_contact& sc, int& ierr,
-                    char** msg) {
-  rc.damping = 0.0;
-  if (law.bekker.b == 0.0) {
+void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
+                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg) {
+  if (count > 0 && law.bekker.b == 0.0) {
+    road_contacts[0]->damping = 0.0;
     qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", ierr, msg);
   }
-  sc.effective_area = get_effective_area(patch, rc.area_ratio);
-  sc.dynamic_sinkage = get_dynamic_sinkage(law.dynamic, rc.last_pressure, rc.shear_disp);
-  sc.static_sinkage = get_static_sinkage(sc.dynamic_sinkage, rc.sinkage);
-  double power = 0.0;
-  rc.pressure = get_bekker_normal_pressure(law, sc.static_sinkage, power, rc.secant_stiffness);
-  sc.pressure = -rc.pressure;
-  if (sc.pressure > 0.0) {
-    set_normal_load(law, power, rc, sc);
-  } else {
-    sc.pressure = 0.0;  // kept: the three normal forces are not cleared (test: StaleNormalForce)
-  }
-  set_shear_load(law, rc, sc);
+  for (int i = 0; i < count; ++i) set_sinkage(law, patch, *road_contacts[i], *soil_contacts[i]);
+  for (int i = 0; i < count; ++i) set_normal_load(law, *road_contacts[i], *soil_contacts[i]);
+  for (int i = 0; i < count; ++i) set_shear_load(law, *road_contacts[i], *soil_contacts[i]);
 }
 
 void genenralized_contact_force(const Croad_contact& rc, Csoil_contact& sc) {

@@ -55,12 +55,13 @@ inline double get_effective_area(const contact_patch& patch, double area_ratio) 
 /// Sinkage that shearing adds (slip sinkage): -c (p_last / p_critical)^e1 (j1^2 + j2^2)^e2, or 0 without a critical
 /// pressure. The pressure is that of the last converged step, so the correction lags one step behind. A negative
 /// ratio under a fractional exponent gives not-a-number, which travels on.
+/// @param power  remembers the pressure's power, which stays the same between converged steps
 inline double get_dynamic_sinkage(const qvsoilrdf::CDynamicSinkage& dynamic, double last_pressure,
-                                  const double* shear_disp) {
+                                  const double* shear_disp, remembered_power& power) {
   if (dynamic.critical_pressure == 0.0) return 0.0;
   const double g = shear_disp[1] * shear_disp[1] + shear_disp[0] * shear_disp[0];
   const double h = g > 0.0 ? std::pow(g, dynamic.exponent_sd) : 0.0;
-  return -dynamic.coefficient_ds * std::pow(last_pressure / dynamic.critical_pressure, dynamic.exponent_pr) * h;
+  return -dynamic.coefficient_ds * power.of(last_pressure / dynamic.critical_pressure, dynamic.exponent_pr) * h;
 }
 
 /// The sinkage that enters Bekker's law; 0 above the surface.
@@ -96,10 +97,12 @@ inline double get_wong_shear_pressure(const soil_law& law, double strength, doub
   return -qv::fsign(v) * strength * (law.hump * std::exp(1.0 - r) + 1.0) * (1.0 - std::exp(-r));
 }
 
-/// Loads of a point in contact: areas, sinkages, pressure, damping, shear.
+/// Loads of `count` points in contact: areas, sinkages, pressure, damping, shear. Each step is done for all points
+/// before the next, so that the powers and exponentials of one point need not wait for those of another.
 /// Kept: when the pressure is 0, the pressure, damping and normal force of the point's last evaluation stand on.
-void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact& road_contact,
-                    Csoil_contact& soil_contact, int& ierr, char** msg);
+/// A width of exactly 0 is a fault.
+void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
+                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg);
 
 /// Turns the loads into a force on the body and a moment about its marker, both in ground axes.
 /// The misspelt name is the one other code calls.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <utility>
 
 #include "common/data_file.h"
 #include "common/entry_frame.h"
@@ -168,7 +169,7 @@ void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc
   }
 }
 
-void place_points(const contact_patch& patch, const CRoad& road, CSoilInteraction& element) {
+void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteraction& element) {
   for (int i = 0; i < patch.nx; ++i) {
     for (int j = 0; j < patch.ny; ++j) {
       const auto row = static_cast<std::size_t>(i), column = static_cast<std::size_t>(j);
@@ -195,37 +196,73 @@ public:
         msg_(msg) {}
 
   void run(CSoilInteraction& element) {
+    work* now = &work_[0];
+    work* next = &work_[1];
     for (int i = 0; i < p_.patch.nx; ++i) {
       Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
       Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
       for (int j = 0; j < p_.patch.ny; ++j) {
-        block_.points[block_.count] = &road_contacts[j];
-        soil_[block_.count++] = &soil_contacts[j];
-        if (block_.count == k_block) finish_block();
+        next->block.points[next->block.count] = &road_contacts[j];
+        next->soil[next->block.count++] = &soil_contacts[j];
+        if (next->block.count == k_block) advance(now, next);
       }
     }
-    finish_block();
+    advance(now, next);
+    finish(*now);
   }
 
 private:
-  void finish_block() {
-    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block_, ierr_, msg_);
+  struct work {
+    contact_block block;
+    Csoil_contact* soil[k_block];
+  };
+
+  /// Places the next block, so that its triangles come from memory while the one before is finished.
+  void advance(work*& now, work*& next) {
+    place_points(road_, k_, next->block, ierr_, msg_);
+    finish(*now);
+    std::swap(now, next);
+  }
+
+  void finish(work& w) {
+    contact_block& block = w.block;
+    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block, msg_);
+    // A body without width is refused at its first point in contact; what comes before stands in the result.
+    const int end = law_.bekker.b == 0.0 ? first_in_contact(block) : block.count;
+    load_points(w, 0, end);
     totals sum;
-    std::copy(result_, result_ + k_totals, sum.values);
-    for (int b = 0; b < block_.count; ++b, point_ += k_values_per_point) {
-      Croad_contact& rc = *block_.points[b];
-      Csoil_contact& sc = *soil_[b];
+    qv::assgvec(result_, k_totals, sum.values);
+    for (int b = 0; b < end; ++b, point_ += k_values_per_point) {
+      Croad_contact& rc = *block.points[b];
+      Csoil_contact& sc = *w.soil[b];
       qv::assgvec(rc.position, 3, point_ + 3);
-      if (block_.in_contact[b]) {
-        get_soil_force(law_, p_.patch, rc, sc, ierr_, msg_);
+      if (block.in_contact[b]) {
         genenralized_contact_force(rc, sc);
         sum.add(sc);
         write_point(rc, sc, point_);
       }
-      if (iflag_ == 2) advance_history(block_.in_contact[b], sc, rc);
+      if (iflag_ == 2) advance_history(block.in_contact[b], sc, rc);
     }
-    std::copy(sum.values, sum.values + k_totals, result_);
-    block_.count = 0;
+    qv::assgvec(sum.values, k_totals, result_);
+    if (end < block.count) load_points(w, end, end + 1);
+    block.count = block.near_count = 0;
+  }
+
+  static int first_in_contact(const contact_block& block) {
+    return static_cast<int>(std::find(block.in_contact, block.in_contact + block.count, true) - block.in_contact);
+  }
+
+  /// Loads of those points from `begin` to `end` that are in contact.
+  void load_points(const work& w, int begin, int end) {
+    Croad_contact* road_contacts[k_block];
+    Csoil_contact* soil_contacts[k_block];
+    int count = 0;
+    for (int b = begin; b < end; ++b) {
+      if (!w.block.in_contact[b]) continue;
+      road_contacts[count] = w.block.points[b];
+      soil_contacts[count++] = w.soil[b];
+    }
+    get_soil_force(law_, p_.patch, road_contacts, soil_contacts, count, ierr_, msg_);
   }
 
   void* handle_;
@@ -239,8 +276,7 @@ private:
   double* point_ = result_ + k_totals;  ///< where the next point's values go
   int& ierr_;
   char** msg_;
-  contact_block block_;
-  Csoil_contact* soil_[k_block];
+  work work_[2];
 };
 
 /// The entry of (road, element), or null when nothing of that kind is set up yet. An index outside a container that
@@ -289,7 +325,7 @@ void interaction(void* handle, double* par, int iflag, double* result, int& ierr
   sums->fill(0.0);
   const CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
   const kinematics k = fetch_kinematics(handle, p);
-  if (iflag == 1) place_points(p.patch, road, *element);
+  if (iflag == 1) place_on_body(p.patch, road, *element);
   evaluation(handle, p, iflag, road, k, result, ierr, msg).run(*element);
   *sums = {result[0], result[1], result[2], result[6]};
 }

@@ -128,8 +128,11 @@ public:
 
   void build() {
     grid_ = CellGrid();
-    grid_.rows_ = static_cast<std::size_t>(road_.ny);
-    grid_.data_.resize(static_cast<std::size_t>(road_.nx) * grid_.rows_ + 1);
+    const auto tiles = [](std::int32_t cells) {
+      return (static_cast<std::size_t>(cells) + CellGrid::k_tile - 1) / CellGrid::k_tile;
+    };
+    grid_.tile_rows_ = tiles(road_.ny);
+    grid_.data_.resize(tiles(road_.nx) * grid_.tile_rows_ * CellGrid::k_tile * CellGrid::k_tile + 1);
     for (CellGrid::cell_data& cell : grid_.data_) cell.top = -std::numeric_limits<float>::infinity();
     find_node_cells();
     count_entries();

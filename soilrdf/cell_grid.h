@@ -32,7 +32,7 @@ private:
   const std::int32_t* end_;
 };
 
-/// The lists of all cells behind each other in one array, column by column. A heap list per cell would cost several
+/// The lists of all cells behind each other in one array. A heap list per cell would cost several
 /// times the memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
 class CellGrid {
 public:
@@ -44,8 +44,11 @@ public:
   };
 
   bool empty() const { return data_.size() < 2; }
+  /// Cells are stored in tiles of 8 x 8, so that a body's neighbourhood lies on few pages of memory.
   std::size_t index(std::int32_t i, std::int32_t j) const {
-    return static_cast<std::size_t>(i) * rows_ + static_cast<std::size_t>(j);
+    const auto column = static_cast<std::size_t>(i), row = static_cast<std::size_t>(j);
+    const std::size_t tile = column / k_tile * tile_rows_ + row / k_tile;
+    return tile * (k_tile * k_tile) + column % k_tile * k_tile + row % k_tile;
   }
   element_list list(std::size_t cell) const {
     return {numbers_.data() + data_[cell].end, numbers_.data() + data_[cell + 1].end};
@@ -57,9 +60,10 @@ public:
 
 private:
   friend class cell_grid_builder;
+  static constexpr std::size_t k_tile = 8;
   qv::large_vector<cell_data> data_;  ///< [0] is a sentinel, cell c is at c + 1
   qv::large_vector<std::int32_t> numbers_;
-  std::size_t rows_ = 0;
+  std::size_t tile_rows_ = 0;
 };
 
 class CRoad;

@@ -26,12 +26,12 @@ public:
 /// A terrain triangle.
 class CElement {
 public:
+  double normal[3] = {0.0, 0.0, 0.0};  ///< unit normal, z not negative
+  double d = 0.0;                      ///< plane constant: normal . p + d = 0 on the triangle's plane
   std::int32_t node[3] = {0, 0, 0};    ///< node numbers of the corners K, L, M, from 1
   std::int32_t id = 0;                 ///< running number in reading order, from 1
-  double normal[3] = {0.0, 0.0, 0.0};  ///< unit normal, z not negative
   double center[3] = {0.0, 0.0, 0.0};  ///< centroid
   double value = 0.0;                  ///< fourth number of the element's line, kept as read
-  double d = 0.0;                      ///< plane constant: normal . p + d = 0 on the triangle's plane
 
   /// Sets `d` from `normal` and `center`, which must stand already.
   void equation_plane() { d = -(normal[0] * center[0] + normal[1] * center[1] + normal[2] * center[2]); }
