@@ -1,0 +1,133 @@
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "cli/commands.h"
+#include "solver/expand.h"
+#include "solver/make_road.h"
+#include "solver/model_file.h"
+#include "solver/road_check.h"
+
+namespace qvcli {
+
+namespace {
+
+struct FileRequest {
+  std::string file;
+  std::vector<std::string> overrides;
+};
+
+bool is_road(const std::string& file) {
+  std::string extension = std::filesystem::path(file).extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  return extension == ".rdf";
+}
+
+void tell_road(const qvslv::RoadCheck& road) {
+  std::printf("%s: %ld nodes, %ld triangles, x %g to %g, y %g to %g, z %g to %g\n", road.path.c_str(), road.nodes,
+              road.elements, road.x_min, road.x_max, road.y_min, road.y_max, road.z_min, road.z_max);
+  if (!road.soil_type.empty()) std::printf("  SOIL_TYPE '%s'\n", road.soil_type.c_str());
+  for (const auto& [key, value] : road.values) std::printf("  %-17s %g\n", key.c_str(), value);
+}
+
+int check_road(const std::string& file) {
+  if (!std::filesystem::is_regular_file(file)) throw UsageError("there is no road file " + file);
+  const qvslv::RoadCheck road = qvslv::check_road_file(file);
+  tell_road(road);
+  for (size_t i = 0; i < road.found.size(); ++i)
+    std::fprintf(stderr, "%s: %s\n", road.found[i].refused ? "error" : "warning", road.findings()[i].c_str());
+  if (road.refused()) return k_bad_input;
+  std::printf(road.found.empty() ? "ok\n" : "can be read; see the warnings\n");
+  return k_done;
+}
+
+const char* plural(size_t count) { return count == 1 ? "" : "s"; }
+
+void tell_model(const qvslv::ModelFile& file) {
+  const qvslv::Model& model = file.model;
+  const auto count = [](size_t number, const char* what) { std::printf("  %zu %s%s\n", number, what, plural(number)); };
+  std::printf("%s: %s\n", model.path.c_str(), model.title.c_str());
+  std::printf("  0 to %g %s, output every %g; units %s, %s, %s, %s\n", model.simulation.end_time,
+              model.units.time.c_str(), model.simulation.output_step, model.units.length.c_str(),
+              model.units.mass.c_str(), model.units.time.c_str(), model.units.force.c_str());
+  count(model.markers.size() - 1 - model.bodies.size(), "marker");
+  for (const qvslv::Body& body : model.bodies) std::printf("  body %s: mass %g\n", body.name.c_str(), body.mass);
+  count(model.joints.size(), "joint");
+  count(model.forces.size(), "force");
+  for (const qvslv::Element& element : model.elements)
+    std::printf("  element %s: %s, %zu parameters, %d results\n", element.name.c_str(), element.subroutine.c_str(),
+                element.par.size(), element.result_length);
+}
+
+/// Roads that the model uses and that are there; those to be made are only announced.
+bool tell_roads_of(const qvslv::ModelFile& file) {
+  bool refused = false;
+  for (const qvslv::RoadRecipe& recipe : file.roads)
+    if (qvslv::road_file_state(recipe.path, recipe.settings) != qvslv::RoadFileState::current)
+      std::printf("  road %s: a run makes it first (%lld triangles)\n", recipe.path.c_str(),
+                  static_cast<long long>(qvslv::triangle_count(recipe.settings)));
+  std::set<std::string> seen;
+  for (const qvslv::Element& element : file.model.elements) {
+    if (element.road_string == 0) continue;
+    const std::string& name = file.model.strings[static_cast<size_t>(element.road_string) - 1].text;
+    const std::string path = qvslv::find_data_file(name, file.model.path);
+    if (path.empty() || !seen.insert(path).second) continue;
+    const qvslv::RoadCheck road = qvslv::check_road_file(path);
+    std::printf("  road ");
+    tell_road(road);
+    refused = refused || road.refused();
+  }
+  return refused;
+}
+
+int check_model(const FileRequest& request) {
+  const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides);
+  tell_model(file);
+  const bool refused = tell_roads_of(file);
+  for (const std::string& warning : file.warnings)
+    std::fprintf(stderr, "%s: %s\n", refused ? "error" : "warning", warning.c_str());
+  if (refused) return k_bad_input;
+  std::printf(file.warnings.empty() ? "ok\n" : "can be run; see the warnings\n");
+  return k_done;
+}
+
+void add_overrides(CLI::App* command, FileRequest& request) {
+  command
+      ->add_option("--set", request.overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+}
+
+}  // namespace
+
+void add_check_command(CLI::App& app, Action& action) {
+  auto request = std::make_shared<FileRequest>();
+  CLI::App* command = app.add_subcommand("check", "Read a model file or a road file and tell what is in it");
+  command->add_option("file", request->file, "Model file (TOML) or road file (.rdf)")->required();
+  add_overrides(command, *request);
+  command->callback([request, &action] {
+    action = [request] { return is_road(request->file) ? check_road(request->file) : check_model(*request); };
+  });
+}
+
+void add_expand_command(CLI::App& app, Action& action) {
+  auto request = std::make_shared<FileRequest>();
+  CLI::App* command =
+      app.add_subcommand("expand", "Print the elements of a model file as plain subroutine calls (TOML)");
+  command->add_option("model", request->file, "Model file (TOML)")->required();
+  add_overrides(command, *request);
+  command->callback([request, &action] {
+    action = [request] {
+      const qvslv::ModelFile file = qvslv::read_model_file(request->file, request->overrides);
+      for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
+      std::fputs(qvslv::expanded(file.model).c_str(), stdout);
+      return static_cast<int>(k_done);
+    };
+  });
+}
+
+}  // namespace qvcli

@@ -1,0 +1,71 @@
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "cli/commands.h"
+#include "solver/model.h"
+#include "solver/nearest_name.h"
+
+namespace {
+
+std::string typed_command(int argc, char** argv) {
+  std::string text;
+  for (int i = 0; i < argc; ++i) text += (i == 0 ? "" : " ") + std::string(argv[i]);
+  return text;
+}
+
+/// An unknown first word is most often a mistyped command.
+void hint_at_command(int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  const std::vector<std::string> commands = {"run", "check", "expand", "make", "version"};
+  for (const std::string& command : commands)
+    if (command == argv[1]) return;
+  std::fprintf(stderr, "qvbrisk: there is no command '%s'; %s\n", argv[1], qvslv::name_hint(argv[1], commands).c_str());
+}
+
+int command_line(int argc, char** argv) {
+  CLI::App app("Stand-alone solver for user subroutines on deformable soil and in water.", "qvbrisk");
+  app.require_subcommand(1);
+  app.footer("Exit codes: 0 done, 1 fault in the run, 2 bad input, 3 stopped by a subroutine, 130 interrupted.");
+  qvcli::Action action;
+  qvcli::add_run_command(app, action, typed_command(argc, argv));
+  qvcli::add_check_command(app, action);
+  qvcli::add_expand_command(app, action);
+  qvcli::add_make_command(app, action);
+  app.add_subcommand("version", "Print the version")->callback([&action] {
+    action = [] {
+      std::puts("qvbrisk " QVBRISK_VERSION);
+      return static_cast<int>(qvcli::k_done);
+    };
+  });
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help and the like
+    return app.exit(request);
+  } catch (const CLI::ParseError& error) {
+    hint_at_command(argc, argv);
+    app.exit(error);
+    return qvcli::k_bad_input;
+  }
+  return action();
+}
+
+/// Runs the command line; every way to fail ends in a line of text and an exit code.
+int perform(int argc, char** argv) {
+  try {
+    return command_line(argc, argv);
+  } catch (const qvslv::ModelError& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return qvcli::k_bad_input;
+  } catch (const qvcli::UsageError& error) {
+    std::fprintf(stderr, "qvbrisk: %s\n", error.what());
+    return qvcli::k_bad_input;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "qvbrisk: %s\n", error.what());
+    return qvcli::k_fault;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return perform(argc, argv); }

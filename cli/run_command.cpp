@@ -1,0 +1,139 @@
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "cli/commands.h"
+#include "cli/default_paths.h"
+#include "cli/progress_line.h"
+#include "solver/model_file.h"
+#include "solver/run.h"
+#include "solver/unit_names.h"
+
+namespace qvcli {
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void note_interrupt(int) { interrupted = 1; }
+
+/// The first ctrl-C ends the run in good order; a second one ends the process.
+void catch_interrupt() {
+  struct sigaction action = {};
+  action.sa_handler = note_interrupt;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(SIGINT, &action, nullptr);
+}
+
+struct RunRequest {
+  std::string model, out, library, typed;
+  bool quiet = false;
+  std::vector<std::string> overrides;
+};
+
+int exit_code(qvslv::RunOutcome outcome) {
+  switch (outcome) {
+    case qvslv::RunOutcome::finished:
+      return k_done;
+    case qvslv::RunOutcome::interrupted:
+      return k_interrupted;
+    case qvslv::RunOutcome::stopped:
+      return k_stopped;
+    case qvslv::RunOutcome::failed:
+      break;
+  }
+  return k_fault;
+}
+
+const char* outcome_word(qvslv::RunOutcome outcome) {
+  switch (outcome) {
+    case qvslv::RunOutcome::finished:
+      return "finished";
+    case qvslv::RunOutcome::interrupted:
+      return "interrupted";
+    case qvslv::RunOutcome::stopped:
+      return "stopped by a subroutine";
+    case qvslv::RunOutcome::failed:
+      break;
+  }
+  return "failed";
+}
+
+/// How to look at a result file, for those a user opens first; null for the others.
+const char* how_to_look(const std::string& file) {
+  if (file == "report.html") return "open in a browser: replay and plots";
+  if (file == "results.csv") return "one row per output time, for a spreadsheet or a script";
+  if (file == "run.json") return "settings, messages and timings of the run";
+  if (std::filesystem::path(file).extension() == ".pvd") return "open in ParaView: bodies and terrain in motion";
+  return nullptr;
+}
+
+void tell_outcome(const qvslv::RunSummary& summary, const RunRequest& request, const std::string& time_unit) {
+  std::FILE* stream = summary.outcome == qvslv::RunOutcome::finished ? stdout : stderr;
+  std::fprintf(stream, "%s: %g %s simulated in %.2f s, %ld steps, %ld evaluations\n", outcome_word(summary.outcome),
+               summary.time, time_unit.c_str(), summary.wall_seconds, summary.steps, summary.evaluations);
+  if (summary.files.empty()) return;
+  std::fprintf(stream, "results: %s\n", request.out.c_str());
+  for (const std::string& file : summary.files)
+    if (const char* hint = how_to_look(file)) std::fprintf(stream, "  %-20s %s\n", file.c_str(), hint);
+}
+
+std::string time_unit_symbol(const qvslv::Units& units) {
+  const qvslv::UnitName* unit = qvslv::find_unit(qvslv::UnitQuantity::time, units.time);
+  return unit == nullptr ? units.time : unit->symbol;
+}
+
+int run(RunRequest request) {
+  const qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
+  for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
+  for (const std::string& line : qvslv::bring_roads_up_to_date(file))
+    if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
+  if (request.out.empty()) request.out = default_results_folder(request.model);
+
+  const std::string time_unit = time_unit_symbol(file.model.units);
+  ProgressLine progress_line(!request.quiet, time_unit);
+  qvslv::RunOptions options;
+  options.library = request.library.empty() ? default_library() : request.library;
+  options.out_folder = request.out;
+  options.command = request.typed;
+  options.overrides = request.overrides;
+  options.interrupted = &interrupted;
+  options.on_progress = [&](const qvslv::Progress& progress) { progress_line.show(progress); };
+  std::string last_message;
+  options.on_message = [&](const std::string& message) {
+    progress_line.clear();
+    std::fprintf(stderr, "%s\n", message.c_str());
+    last_message = message;
+  };
+  catch_interrupt();
+  const qvslv::RunSummary summary = qvslv::run_model(file.model, options);
+  progress_line.clear();
+  const bool told = last_message.find(summary.message) != std::string::npos;
+  if (!summary.message.empty() && !told) std::fprintf(stderr, "%s\n", summary.message.c_str());
+  if (!request.quiet || summary.outcome != qvslv::RunOutcome::finished) tell_outcome(summary, request, time_unit);
+  return exit_code(summary.outcome);
+}
+
+}  // namespace
+
+void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
+  auto request = std::make_shared<RunRequest>();
+  request->typed = typed;
+  CLI::App* command = app.add_subcommand("run", "Run a model file and write its results");
+  command->add_option("model", request->model, "Model file (TOML)")->required();
+  command->add_option("-o,--out", request->out, "Folder for the results; results/<model> when not given");
+  command
+      ->add_option("--library", request->library,
+                   "Shared library of user subroutines; the libqvbrisk.so that belongs to this command when not given")
+      ->check(CLI::ExistingFile);
+  command
+      ->add_option("--set", request->overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+  command->add_flag("-q,--quiet", request->quiet, "Print warnings and faults only");
+  command->callback([request, &action] { action = [request] { return run(*request); }; });
+}
+
+}  // namespace qvcli

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <Simbody.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "solver/element_calls.h"
+#include "solver/engine_forces.h"
+#include "solver/engine_host.h"
+#include "solver/multibody.h"
+
+namespace qvslv {
+
+/// A model in motion: the multibody system, its elements bound to a plug-in, and the integrator.
+///
+/// Order of calls to the elements: `start` calls each once with set_up, in file order; the integrator calls forces
+/// with evaluation as often as it likes, also in steps that it rejects; after every accepted step each is called with
+/// converged_step, forces first. As those calls may change the forces, integration goes on from newly evaluated ones.
+class Engine {
+public:
+  /// @param report  told about requests of subroutines that could not be answered; may be empty
+  /// Throws MultibodyError, ModelError or PluginError. Model and plug-in outlive this.
+  Engine(const Model& model, const Plugin& plugin, EngineHost::Report report);
+  ~Engine();
+
+  /// State at time 0 and the set-up calls.
+  void start();
+
+  /// Advances by one accepted step, at most to `limit`, and makes the calls after it. Returns false when a fault ended
+  /// the run; the state then is that of the last step that went well, or the one whose calls failed.
+  bool step(double limit);
+
+  const SimTK::State& state() const;
+  double time() const { return state().getTime(); }
+  double last_step() const { return m_last_step; }
+  long steps() const { return m_steps; }
+  long evaluations() const { return m_forces->evaluations(); }
+
+  const Fault& fault() const { return m_fault; }
+  const Multibody& multibody() const { return m_multibody; }
+  const ElementCalls& elements() const { return m_calls; }
+
+private:
+  void make_integrator();
+  void restart();
+  bool creeps(double limit);
+  void give_up(const std::string& why);
+
+  const Model& m_model;
+  Fault m_fault;
+  Multibody m_multibody;
+  EngineHost m_host;
+  ElementCalls m_calls;
+  EngineForces* m_forces;  ///< owned by the multibody system
+  SimTK::State m_initial;
+  std::unique_ptr<SimTK::Integrator> m_integrator;
+  double m_last_step = 0;
+  int m_smallest_steps = 0;  ///< in a row
+  long m_steps = 0;
+};
+
+}  // namespace qvslv

@@ -1,0 +1,24 @@
+# Model file, element layers, road maker: the part of the solver that stands before the engine.
+set(QVSLV_FRONT_SOURCES
+  element_layers.cpp
+  element_soil.cpp
+  elements.cpp
+  expand.cpp
+  make_road.cpp
+  make_road_heights.cpp
+  make_road_settings.cpp
+  model.cpp
+  model_file.cpp
+  model_file_bodies.cpp
+  model_file_joints.cpp
+  model_file_loads.cpp
+  model_names.cpp
+  model_parameters.cpp
+  nearest_name.cpp
+  road_check.cpp
+  soil_presets.cpp
+  subroutine_layouts.cpp
+  toml_document.cpp
+  toml_override.cpp
+  toml_table.cpp
+  unit_names.cpp)

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "qvbrisk/subroutines.h"
+
+namespace qvslv {
+
+class PluginError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A shared library of user subroutines. Its undefined services resolve from libqvslv.so, which the process that
+/// loads it is linked with; its own symbols stay private to it.
+class Plugin {
+public:
+  /// Loads the library, all its symbols bound. Throws PluginError with the loader's text when that fails.
+  explicit Plugin(const std::string& path);
+  /// Unloads the library, and its module state with it: the next run starts from a fresh one.
+  ~Plugin();
+  Plugin(const Plugin&) = delete;
+  Plugin& operator=(const Plugin&) = delete;
+
+  /// The exported user subroutine of that name. Throws PluginError when there is none.
+  qv_user_subroutine find(const std::string& name) const;
+
+  /// The file that was loaded, as the loader knows it.
+  const std::string& path() const { return m_path; }
+
+private:
+  std::string m_path;
+  void* m_library;
+};
+
+}  // namespace qvslv

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "solver/model.h"
+
+namespace qvslv {
+
+/// Place of a body's centre of mass and its axes, in ground axes; quaternion w, x, y, z.
+struct BodyPose {
+  Vec3 position = {0, 0, 0};
+  std::array<double, 4> quaternion = {1, 0, 0, 0};
+};
+
+/// One point of an element's contact grid, as it was at a frame.
+struct ContactPointSample {
+  int element = 0;               ///< index into Model::elements
+  Vec3 position = {0, 0, 0};     ///< in ground axes
+  Vec3 local_force = {0, 0, 0};  ///< shear 1, shear 2, normal
+  double sinkage = 0;            ///< negative in contact, 0 out of it
+  double dynamic_sinkage = 0;
+  bool in_contact() const { return sinkage != 0; }
+};
+
+/// What a picture of one moment needs.
+struct Frame {
+  double time = 0;
+  std::vector<BodyPose> body_poses;  ///< one per body of the model
+  std::vector<ContactPointSample> points;
+};
+
+struct TriangleMesh {
+  std::vector<Vec3> points;
+  std::vector<std::array<int, 3>> triangles;  ///< indices into points
+};
+
+/// A run as it can be drawn and plotted afterwards: what the recorder wrote to files, in memory.
+struct Recording {
+  const Model* model = nullptr;
+  TriangleMesh terrain;  ///< all roads, in ground axes as at the start
+  std::vector<Frame> frames;
+  std::vector<std::string> columns;       ///< headers of results.csv
+  std::vector<std::vector<double>> rows;  ///< one per output time
+};
+
+}  // namespace qvslv

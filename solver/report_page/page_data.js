@@ -1,0 +1,88 @@
+'use strict';
+// What the page shows: the JSON and the arrays that stand beside it, and small helpers for texts.
+const page = (() => {
+  const data = JSON.parse(document.getElementById('page-data').textContent);
+
+  const kinds = { f32: Float32Array, f64: Float64Array, u32: Uint32Array, u16: Uint16Array };
+  const arrays = {};
+  for (const [name, info] of Object.entries(data.arrays)) {
+    const text = atob(document.getElementById('array-' + name).textContent);
+    const bytes = new Uint8Array(text.length);
+    for (let k = 0; k < text.length; ++k) bytes[k] = text.charCodeAt(k);
+    arrays[name] = new kinds[info.type](bytes.buffer);
+  }
+
+  // First point of each frame.
+  const firstPoint = [0];
+  for (const count of arrays.point_counts) firstPoint.push(firstPoint[firstPoint.length - 1] + count);
+
+  // Names may hold dots, as may quantities: the longest name that fits owns a column.
+  const names = [...data.bodies.map((b) => b.name), ...data.joints, ...data.elements.map((e) => e.name)].sort((a, b) => b.length - a.length);
+  function ownerOf(column) {
+    const owner = names.find((name) => column.startsWith(name + '.'));
+    return owner !== undefined ? owner : column.slice(0, Math.max(column.lastIndexOf('.'), 0));
+  }
+
+  // Columns as { name, owner, quantity, unit, values }; owner '' for those of the whole run.
+  const rows = arrays.row_times.length;
+  const columns = (data.columns || []).slice(1).map((header, k) => {
+    const match = /^(.*?)(?: \[(.*)\])?$/.exec(header);
+    const owner = ownerOf(match[1]);
+    return {
+      name: match[1], owner, quantity: owner ? match[1].slice(owner.length + 1) : match[1],
+      unit: match[2] || '', values: arrays.columns.subarray(k * rows, (k + 1) * rows),
+    };
+  });
+  const columnByName = new Map(columns.map((c) => [c.name, c]));
+
+  function derive(owner, quantity, unit, value) {
+    const values = Float32Array.from({ length: rows }, (_, k) => value(k));
+    const column = { name: owner ? owner + '.' + quantity : quantity, owner, quantity, unit, values, derived: true };
+    if (columnByName.has(column.name)) return;
+    columns.push(column);
+    columnByName.set(column.name, column);
+  }
+  for (const body of data.bodies) {
+    const v = ['vx', 'vy', 'vz'].map((q) => columnByName.get(body.name + '.' + q));
+    if (v.every(Boolean)) derive(body.name, 'speed', v[0].unit, (k) => Math.hypot(v[0].values[k], v[1].values[k], v[2].values[k]));
+  }
+  const kinetic = columnByName.get('kinetic_energy'), potential = columnByName.get('potential_energy');
+  if (kinetic && potential) derive('', 'total_energy', kinetic.unit, (k) => kinetic.values[k] + potential.values[k]);
+
+  // A number as an engineer writes it: 4 digits, no trailing zeros.
+  function number(value, digits = 4) {
+    if (!Number.isFinite(value)) return String(value);
+    if (value === 0) return '0';
+    const size = Math.abs(value);
+    if (size >= 1e6 || size < 1e-4) return value.toExponential(digits - 1).replace(/\.?0+e/, 'e').replace('e+', 'e');
+    return String(Number(value.toPrecision(digits)));
+  }
+  const withUnit = (value, unit) => number(value) + (unit ? ' ' + unit : '');
+
+  // A round number not below a value, whose quarters are short to write.
+  function roundUp(value) {
+    if (!(value > 0)) return value;
+    const power = 10 ** Math.floor(Math.log10(value));
+    return power * [1, 1.2, 1.6, 2, 2.4, 3, 4, 5, 6, 8, 10].find((round) => round * power >= value * (1 - 1e-6));
+  }
+
+  // 1, 2 or 5 times a power of ten, near a value.
+  function niceStep(value) {
+    const power = 10 ** Math.floor(Math.log10(value));
+    const factor = value / power;
+    return power * (factor < 1.5 ? 1 : factor < 3.5 ? 2 : factor < 7.5 ? 5 : 10);
+  }
+
+  // Last index whose time is not after `time`.
+  function indexAt(times, time) {
+    let low = 0, high = times.length - 1;
+    while (low < high) {
+      const middle = (low + high + 1) >> 1;
+      if (times[middle] <= time + 1e-12) low = middle; else high = middle - 1;
+    }
+    return low;
+  }
+
+  return { data, arrays, columns, columnByName, firstPoint, rows, frames: arrays.frame_times.length,
+           number, withUnit, niceStep, roundUp, indexAt, byId: (id) => document.getElementById(id) };
+})();

@@ -1,0 +1,165 @@
+#include "solver/run.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cmath>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+
+#include "solver/engine.h"
+#include "solver/recorder.h"
+#include "solver/report_page.h"
+
+namespace qvslv {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::string now_utc() { return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr))); }
+
+/// The output times: multiples of the output step, and the end.
+class OutputTimes {
+public:
+  explicit OutputTimes(const Simulation& simulation) : m_end(simulation.end_time), m_step(simulation.output_step) {
+    constexpr double k_slack = 1e-9;  // of a step: what rounding makes of a decimal multiple
+    if (!(m_end > 0)) return;         // the state at time 0 is all there is to see
+    if (!(m_step > 0) || m_step > m_end) m_step = m_end;
+    m_count = static_cast<long>(std::ceil(m_end / m_step - k_slack));
+    // k / 50 is the double nearest to the decimal that is meant, k * 0.02 often its neighbour.
+    const double per_unit = std::round(1.0 / m_step);
+    if (per_unit > 0 && std::abs(per_unit * m_step - 1.0) < 1e-14) m_per_unit = per_unit;
+  }
+
+  long count() const { return m_count; }  ///< without time 0
+  double at(long k) const {
+    if (k >= m_count) return m_end;
+    return m_per_unit > 0 ? static_cast<double>(k) / m_per_unit : static_cast<double>(k) * m_step;
+  }
+
+private:
+  double m_end;
+  double m_step;
+  double m_per_unit = 0;
+  long m_count = 0;
+};
+
+/// One run from its folder to its summary.
+class Run {
+public:
+  Run(const Model& model, const RunOptions& options) : m_model(model), m_options(options), m_began(Clock::now()) {
+    m_record.options = &options;
+    m_record.running = true;
+    m_record.started = now_utc();
+  }
+
+  RunSummary run() {
+    try {
+      std::filesystem::create_directories(m_options.out_folder);
+      m_summary.files = {"run.json"};
+      write_record();
+    } catch (const std::exception& error) {
+      finish(RunOutcome::failed, std::string("cannot write the results: ") + error.what());
+      return m_summary;
+    }
+    try {
+      const Plugin plugin(m_options.library);
+      Engine engine(m_model, plugin, [this](const std::string& text) { tell(text); });
+      integrate(engine);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {  // a fault of the set-up, or a disk that is full
+      finish(RunOutcome::failed, error.what());
+    }
+    close_record();
+    return m_summary;
+  }
+
+private:
+  void integrate(Engine& engine) {
+    engine.start();
+    if (engine.fault().raised()) return finish(engine.fault().outcome(), engine.fault().message());
+    m_recorder =
+        std::make_unique<Recorder>(engine, m_options.out_folder, [this](const std::string& text) { tell(text); });
+    try {
+      m_recorder->record(engine);
+      advance(engine, *m_recorder);
+    } catch (const std::exception& error) {
+      finish(RunOutcome::failed, error.what());
+    }
+    m_summary.time = engine.time();
+    m_summary.steps = engine.steps();
+    m_summary.evaluations = engine.evaluations();
+    for (const std::string& file : m_recorder->files()) m_summary.files.push_back(file);
+  }
+
+  void advance(Engine& engine, Recorder& recorder) {
+    const OutputTimes outputs(m_model.simulation);
+    for (long k = 1; k <= outputs.count(); ++k) {
+      while (engine.time() < outputs.at(k)) {
+        if (!engine.step(outputs.at(k))) return finish(engine.fault().outcome(), engine.fault().message());
+        if (m_options.on_progress) {
+          m_options.on_progress({engine.time(), m_model.simulation.end_time, engine.last_step(), wall_seconds()});
+        }
+        if (m_options.interrupted != nullptr && *m_options.interrupted != 0) {
+          return finish(RunOutcome::interrupted, fmt::format("interrupted at time {}", engine.time()));
+        }
+      }
+      recorder.record(engine);
+    }
+    finish(RunOutcome::finished, "");
+  }
+
+  void tell(const std::string& text) {
+    m_record.messages.push_back(text);
+    if (m_options.on_message) m_options.on_message(text);
+  }
+
+  void finish(RunOutcome outcome, const std::string& message) {
+    m_summary.outcome = outcome;
+    m_summary.message = message;
+    m_summary.wall_seconds = wall_seconds();
+    if (!message.empty()) tell(message);
+  }
+
+  void close_record() {
+    m_record.running = false;
+    m_summary.wall_seconds = wall_seconds();
+    try {
+      write_page();
+      write_record();
+    } catch (const std::exception& error) {
+      if (m_summary.outcome == RunOutcome::finished) finish(RunOutcome::failed, error.what());
+    }
+  }
+
+  /// Also for a run that recorded nothing: the page of an earlier run would tell of something else.
+  void write_page() {
+    m_summary.files.insert(m_summary.files.begin(), "report.html");
+    m_record.summary = m_summary;
+    write_report_page(m_model, m_recorder ? m_recorder->recording() : Recording{}, m_record);
+  }
+
+  void write_record() {
+    m_record.summary = m_summary;
+    write_run_record(m_model, m_record);
+  }
+
+  double wall_seconds() const { return std::chrono::duration<double>(Clock::now() - m_began).count(); }
+
+  const Model& m_model;
+  const RunOptions& m_options;
+  Clock::time_point m_began;
+  RunRecord m_record;
+  RunSummary m_summary;
+  std::unique_ptr<Recorder> m_recorder;  ///< none when the run ended before its start
+};
+
+}  // namespace
+
+RunSummary run_model(const Model& model, const RunOptions& options) { return Run(model, options).run(); }
+
+}  // namespace qvslv

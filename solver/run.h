@@ -1,0 +1,49 @@
+#pragma once
+
+#include <csignal>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "solver/model.h"
+
+namespace qvslv {
+
+struct Progress {
+  double time = 0;  ///< simulated so far
+  double end_time = 0;
+  double step = 0;  ///< last step of the integrator
+  double wall_seconds = 0;
+};
+
+struct RunOptions {
+  std::string library;                                      ///< the plug-in to load (dlopen)
+  std::string out_folder;                                   ///< results go here; made when missing
+  std::string command;                                      ///< as typed, kept in run.json
+  std::vector<std::string> overrides;                       ///< --set texts, kept in run.json
+  std::function<void(const Progress&)> on_progress;         ///< called after accepted steps when set
+  std::function<void(const std::string&)> on_message;       ///< one line for the user (warnings, faults) when set
+  const volatile std::sig_atomic_t* interrupted = nullptr;  ///< checked after every step
+};
+
+enum class RunOutcome {
+  finished,     ///< reached the end time
+  interrupted,  ///< ctrl-C; results up to then are complete files
+  stopped,      ///< a subroutine asked to stop (stop_solver)
+  failed        ///< a subroutine reported messages, the plug-in could not be loaded, the integrator gave up, ...
+};
+
+struct RunSummary {
+  RunOutcome outcome = RunOutcome::failed;
+  std::string message;  ///< empty when finished; else element name, time and the subroutine's text
+  double time = 0;      ///< reached
+  double wall_seconds = 0;
+  long steps = 0;
+  long evaluations = 0;
+  std::vector<std::string> files;  ///< written, relative to out_folder
+};
+
+/// Runs a checked model to its end. Throws nothing but std::bad_alloc: every fault is in the summary.
+RunSummary run_model(const Model& model, const RunOptions& options);
+
+}  // namespace qvslv

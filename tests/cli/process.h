@@ -1,0 +1,51 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// The command as a user runs it: its own process, its output caught in files, no terminal.
+struct CommandResult {
+  int code = -1;  ///< exit code; 128 + signal when a signal ended it
+  std::string out, err;
+};
+
+/// Runs `qvbrisk` with these arguments in a folder and waits for its end.
+CommandResult run_command(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+
+/// A command that is still running.
+class RunningCommand {
+public:
+  RunningCommand(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+  /// Has it ended by itself?
+  bool ended();
+  void send(int signal) const;
+  CommandResult wait();
+
+private:
+  std::filesystem::path out_, err_;
+  pid_t pid_ = -1;
+  bool reaped_ = false;
+  int status_ = 0;
+};
+
+/// A new empty folder with the name of the running test.
+std::filesystem::path fresh_folder();
+
+std::string file_text(const std::filesystem::path& path);
+void write_text(const std::filesystem::path& path, const std::string& text);
+
+/// results.csv by columns.
+class ResultTable {
+public:
+  explicit ResultTable(const std::filesystem::path& csv);
+  /// Throws when there is no such column.
+  const std::vector<double>& operator[](const std::string& column) const;
+  size_t rows() const { return columns_.empty() ? 0 : columns_.front().size(); }
+
+private:
+  std::vector<std::string> names_;
+  std::vector<std::vector<double>> columns_;
+};
