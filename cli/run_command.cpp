@@ -28,7 +28,7 @@ void catch_interrupt() {
 }
 
 struct RunRequest {
-  std::string model, out, library, typed;
+  std::string model, out, plugin_path, typed;
   bool quiet = false;
   std::vector<std::string> overrides;
 };
@@ -95,7 +95,7 @@ int run(RunRequest request) {
   const std::string time_unit = time_unit_symbol(file.model.units);
   ProgressLine progress_line(!request.quiet, time_unit);
   qvslv::RunOptions options;
-  options.library = request.library.empty() ? default_library() : request.library;
+  options.plugin_path = request.plugin_path.empty() ? default_library() : request.plugin_path;
   options.out_folder = request.out;
   options.command = request.typed;
   options.overrides = request.overrides;
@@ -125,7 +125,7 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
   command->add_option("model", request->model, "Model file (TOML)")->required();
   command->add_option("-o,--out", request->out, "Folder for the results; results/<model> when not given");
   command
-      ->add_option("--library", request->library,
+      ->add_option("--library", request->plugin_path,
                    "Shared library of user subroutines; the libqvbrisk.so that belongs to this command when not given")
       ->check(CLI::ExistingFile);
   command

@@ -5,120 +5,22 @@
 
 #include "common/messages.h"
 #include "common/parameters.h"
-#include "qvbrisk/constants.h"
 #include "qvbrisk/services.h"
 
 namespace qvsoilinteraction {
 namespace {
 
-using qvsoilrdf::CElement;
-using qvsoilrdf::CFacet;
-using qvsoilrdf::CNode;
 using qvsoilrdf::CRoad;
 
-constexpr double k_first_edge_tolerance = 0.000153;
-constexpr double k_edge_tolerance = 0.0001;
-constexpr double k_angle_tolerance = 0.0001;  // [deg]
-constexpr double k_slip_at_rest = 1e-08;      // a slower slip is none
+constexpr double k_slip_at_rest = 1e-08;  // a slower slip is none
 
-/// Unit vectors from the point to the triangle's corners in the plan; false when the point is on a corner.
-bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
-  for (int c = 0; c < 3; ++c) {
-    const CNode& node = road.nodes[static_cast<std::size_t>(element.node[c] - 1)];
-    direction[c][0] = node.x - p[0];
-    direction[c][1] = node.y - p[1];
-    direction[c][2] = 0.0;
-    int on_corner;
-    qv::normalization_vec(direction[c], on_corner);
-    if (on_corner != 0) return false;
-  }
-  return true;
-}
-
-/// The definition: is the point in the triangle, by the angles under which its edges appear?
-/// @param clearly_outside  the point is outside by more than rounding: then it may still be "on" an edge, but the
-///                         angles cannot sum up to a full turn
-bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance,
-                    bool clearly_outside) {
-  double direction[3][3], cosine[3];
-  if (!directions_to_corners(road, element, p, direction)) return true;
-  for (int c = 0; c < 3; ++c) qv::vectrvec(direction[c], direction[(c + 1) % 3], cosine[c]);
-  for (const double c : cosine) {
-    if (-1.0 - edge_tolerance <= c && c <= -1.0 + edge_tolerance) return true;
-  }
-  if (clearly_outside) return false;
-  double sum = 0.0;
-  for (const double c : cosine) sum += std::acos(c) * RTOD;
-  return 360.0 - k_angle_tolerance <= sum && sum <= 360.0 + k_angle_tolerance;
-}
-
-bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_tolerance) {
-  const CFacet& facet = road.facets[static_cast<std::size_t>(number - 1)];
-  const double x = p[0] - facet.corner[0];
-  const double y = p[1] - facet.corner[1];
-  const double l = facet.gradient[0] * x + facet.gradient[1] * y;
-  const double m = facet.gradient[2] * x + facet.gradient[3] * y;
-  const double least = std::min(std::min(l, m), 1.0 - l - m);
-  const auto clear = static_cast<double>(facet.inside);
-  if (least > clear) return true;
-  if (least < -static_cast<double>(facet.outside)) return false;
-  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance, least < -clear);
-}
-
-/// Sets the number of the first triangle of the cell's list that holds the point, 0 when none does.
-int find_facet(const CRoad& road, std::size_t cell, const double* p, Croad_contact& rc) {
-  double edge_tolerance = k_first_edge_tolerance;
-  rc.facet_number = 0;
-  for (const std::int32_t number : road.cells.list(cell)) {
-    if (holds(road, number, p, edge_tolerance)) {
-      rc.facet_number = number;
-      break;
-    }
-    edge_tolerance = k_edge_tolerance;
-  }
-  return k_in_extent;
-}
-
-/// Kept: the texts "The analysis is stopped because of exceeding the ... value" were never handed on; a point beyond
-/// the road is out of contact and nothing stops, so they are not even built here.
-bool out_of_extent(const CRoad& road, const double* p) {
-  return p[0] > road.x_max || p[0] < road.x_min || p[1] > road.y_max || p[1] < road.y_min;
-}
-
-/// The cell at a column and row with fractions. The extent is closed: a point on its upper border, or rounded there,
-/// is in the last cell.
-std::size_t cell_at(const CRoad& road, double column, double row) {
-  return road.cells.index(std::min(static_cast<std::int32_t>(column), road.nx - 1),
-                          std::min(static_cast<std::int32_t>(row), road.ny - 1));
-}
-
-std::size_t cell_of(const CRoad& road, const double* p) {
-  return cell_at(road, (p[0] + road.x_offset) / road.cell_dx, (p[1] + road.y_offset) / road.cell_dy);
-}
-
-void store_hole(Croad_contact& rc) {
-  rc.facet_number = 0;
-  rc.facet_normal[0] = rc.facet_normal[1] = rc.facet_normal[2] = 0.0;
-  rc.facet_d = std::nan("");  // 0 triangles: a sum of 0 over a count of 0
-}
-
-/// Height over the plane of the triangle found, and the projection onto it. The facet normal stands already.
-void project(const CRoad& road, const double* p, Croad_contact& rc) {
-  const auto found = static_cast<std::size_t>(rc.facet_number - 1);
-  const double* corner = road.facets[found].corner;
-  rc.facet_d = road.elements[found].d;
-  const double w[3] = {p[0] - corner[0], p[1] - corner[1], p[2] - corner[2]};
-  qv::vectrvec(rc.facet_normal, w, rc.sinkage);
-  double along[3];
-  qv::scavec(rc.sinkage, rc.facet_normal, along);
-  for (int c = 0; c < 3; ++c) rc.facet_point[c] = corner[c] + (w[c] - along[c]);
-}
-
-/// Height that no triangle of the point's cell reaches, in road axes, so that the point is out of contact whatever
-/// the search would find. Not taken for heights that overflow on the way: those become not-a-numbers in contact.
-bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, double height) {
-  constexpr double k_far = 1e100;
-  return k.road_is_rigidly_placed && height > static_cast<double>(road.cells.top(cell)) && height < k_far;
+/// Whether the point is higher than any triangle of its cell reaches, in road axes, so that it is out of contact
+/// whatever the search would find: by more than the way there rounds. Not taken for heights that overflow on the way:
+/// those become not-a-numbers in contact.
+bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, const double* p) {
+  constexpr double k_far = 1e100, k_rounding = 1e-13;
+  const double slack = k_rounding * (std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(p[2]));
+  return k.road_is_rigidly_placed && p[2] - slack > static_cast<double>(road.cells.top(cell)) && p[2] < k_far;
 }
 
 double at_rest_below_threshold(double slip) { return std::fabs(slip) < k_slip_at_rest ? 0.0 : slip; }
@@ -153,7 +55,7 @@ void set_shear_displacement(Croad_contact& rc) {
 }
 
 bool is_rotation(const double* A) {
-  constexpr double k_tolerance = 1e-9;
+  constexpr double k_tolerance = 1e-14;  // what a rotation rounds to; far from the marker more would lift points
   double product[9];
   qv::mattrmat(A, A, product);
   for (int c = 0; c < 9; ++c) {
@@ -174,23 +76,6 @@ void complete(kinematics& k) {
   qv::matmat(k.A1, W1t, k.AW1);
   qv::matmat(k.A5, W5t, k.AW5);
   k.road_is_rigidly_placed = is_rotation(k.A5);
-}
-
-int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) {
-  if (out_of_extent(road, p)) return k_out_of_extent;
-  rc.facet_number = 0;
-  // A road whose reading broke off before its grid stood has no cells.
-  const int status = road.cells.empty() ? k_in_extent : find_facet(road, cell_of(road, p), p, rc);
-  if (rc.facet_number == 0) {
-    store_hole(rc);
-    return status;
-  }
-  set_facet_normal(road, rc.facet_number, rc.facet_normal);
-  double length;
-  int zero;
-  qv::normalization_vec(rc.facet_normal, length, zero);
-  if (length != 0.0) project(road, p, rc);
-  return status;
 }
 
 namespace {
@@ -261,7 +146,7 @@ int keep_points_on_road(const CRoad& road, const places& at, contact_block& bloc
 int drop_points_above(const CRoad& road, const kinematics& k, search_point* points, int count) {
   int kept = 0;
   for (int i = 0; i < count; ++i) {
-    if (clear_above(road, k, points[i].cell, points[i].p[2])) continue;
+    if (clear_above(road, k, points[i].cell, points[i].p)) continue;
     if (kept != i) points[kept] = points[i];
     __builtin_prefetch(road.cells.list(points[kept].cell).begin());
     ++kept;

@@ -2,27 +2,11 @@
 
 #include "soilinteraction/contact_frames.h"
 #include "soilinteraction/contact_records.h"
+#include "soilinteraction/facet_search.h"
 #include "soilinteraction/kinematics.h"
 
 /// Where a grid point meets the road: the triangle under it, the contact frame, sinkage, slip and shear displacement.
 namespace qvsoilinteraction {
-
-enum search_status {
-  k_search_failed = 0,  ///< kept: callers have a branch for it, no search returns it
-  k_in_extent = 1,      ///< a triangle found (facet normal not zero) or a hole in the mesh (facet normal zero)
-  k_out_of_extent = 2   ///< beyond the road, silently
-};
-
-/// Finds the first triangle of the point's cell that holds it, in list order, and stores its normal, plane constant,
-/// height over it (as `sinkage`) and the projection onto its plane in the record.
-///
-/// A point holds to be in a triangle when it is a corner, when an edge appears from it under an angle whose cosine
-/// lies within the edge tolerance of -1, or when the three edges appear under angles that sum up to 360 degrees.
-/// Kept: the edge tolerance is 0.000153 for the first triangle of a search and 0.0001 for the others.
-/// Arc cosines are taken only where the answer is not certain without them.
-///
-/// @param p  the point in the road base marker's axes; x and y must not be not-a-number
-int search_contact_facet(const qvsoilrdf::CRoad& road, const double* p, Croad_contact& rc);
 
 /// A point of a block on its way to the triangle under it.
 struct search_point {

@@ -91,7 +91,9 @@ void genenralized_contact_force(const Croad_contact& rc, Csoil_contact& sc) {
   sc.local_force[1] = sc.shear_force_2;
   sc.local_force[2] = sc.normal_force;
   qv::matvec(T, sc.local_force, sc.force);
-  qv::vectlvec(rc.lever, sc.force, sc.moment);
+  double lever_tilde[9];
+  qv::vectl(rc.lever, lever_tilde);
+  qv::matvec(lever_tilde, sc.force, sc.moment);
 }
 
 }  // namespace qvsoilinteraction

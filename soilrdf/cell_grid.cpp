@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "soilrdf/cell_fill.h"
 #include "soilrdf/road.h"
@@ -122,12 +123,10 @@ class cell_grid_builder {
 public:
   explicit cell_grid_builder(CRoad& road)
       : road_(road),
-        grid_(road.cells),
         along_x_(road.x_min, road.x_max, road.cell_dx, road.nx, road.max_dx),
         along_y_(road.y_min, road.y_max, road.cell_dy, road.ny, road.max_dy) {}
 
   void build() {
-    grid_ = CellGrid();
     const auto tiles = [](std::int32_t cells) {
       return (static_cast<std::size_t>(cells) + CellGrid::k_tile - 1) / CellGrid::k_tile;
     };
@@ -138,6 +137,7 @@ public:
     count_entries();
     turn_counts_into_starts();
     write_entries();
+    road_.cells = std::move(grid_);  // only a finished grid is ever seen
   }
 
 private:
@@ -289,7 +289,7 @@ private:
   }
 
   CRoad& road_;
-  CellGrid& grid_;
+  CellGrid grid_;
   axis along_x_;
   axis along_y_;
   qv::large_vector<node_cells> node_cells_;

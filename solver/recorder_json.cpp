@@ -61,7 +61,7 @@ std::string run_record_text(const Model& model, const RunRecord& record) {
   Json json;
   json["title"] = model.title;
   json["model"] = model.path;
-  json["library"] = record.options->library;
+  json["library"] = record.options->plugin_path;
   json["command"] = record.options->command;
   json["overrides"] = record.options->overrides;
   json["versions"] = versions();

@@ -66,7 +66,7 @@ public:
       return m_summary;
     }
     try {
-      const Plugin plugin(m_options.library);
+      const Plugin plugin(m_options.plugin_path);
       Engine engine(m_model, plugin, [this](const std::string& text) { tell(text); });
       integrate(engine);
     } catch (const std::bad_alloc&) {

@@ -17,7 +17,7 @@ struct Progress {
 };
 
 struct RunOptions {
-  std::string library;                                      ///< the plug-in to load (dlopen)
+  std::string plugin_path;                                  ///< the plug-in to load (dlopen)
   std::string out_folder;                                   ///< results go here; made when missing
   std::string command;                                      ///< as typed, kept in run.json
   std::vector<std::string> overrides;                       ///< --set texts, kept in run.json

@@ -46,7 +46,7 @@ function fillHeader() {
   byId('messages-box').open = run.outcome !== 'finished';
 
   const s = run.settings;
-  addTable('settings', 'Run', [['Model', run.model], ['Library', run.library], ['Command', run.command],
+  addTable('settings', 'Run', [['Model', run.model], ['Library', run['library']], ['Command', run.command],
     ['Overrides', run.overrides.join('\n')], ['Files', run.files.filter((f) => !f.startsWith('frames/')).join(', ')]]);
   addTable('settings', 'Integration', [['Integrator', s.integrator], ['Accuracy', s.accuracy], ['Step', s.step], ['Largest step', s.max_step],
     ['End time', withUnit(s.end_time, units.time)], ['Output step', withUnit(s.output_step, units.time)], ['Frame step', withUnit(s.frame_step, units.time)]]);

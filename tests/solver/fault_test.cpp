@@ -136,7 +136,7 @@ TEST(Faults, AnExceptionOfASubroutineIsReported) {
 
 TEST(Faults, AMissingLibraryIsNamedWithTheLoadersReason) {
   RunOptions options;
-  options.library = "/nowhere/libmissing.so";
+  options.plugin_path = "/nowhere/libmissing.so";
   const TestRun out = run(one_force(), options);
   EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
   expect_contains(out.summary.message, "cannot load the library /nowhere/libmissing.so: ");

@@ -357,7 +357,7 @@ TEST(ReportPage, IsWrittenForARunThatNeverStarted) {
   TestModel built(1.0, 0.1);
   built.add_body("ball", 1, {1, 1, 1});
   RunOptions options;
-  options.library = "/nowhere/libplugin.so";
+  options.plugin_path = "/nowhere/libplugin.so";
   const TestRun out = run(built, options);
   ASSERT_EQ(out.summary.outcome, RunOutcome::failed);
   const std::string page = read_text(out.folder + "/report.html");

@@ -164,7 +164,7 @@ std::string test_folder() {
 
 TestRun run(const TestModel& model, RunOptions options) {
   TestRun out;
-  if (options.library.empty()) options.library = TEST_PLUGIN;
+  if (options.plugin_path.empty()) options.plugin_path = TEST_PLUGIN;
   if (options.out_folder.empty()) options.out_folder = test_folder();
   out.folder = options.out_folder;
   options.on_message = [&](const std::string& line) { out.told.push_back(line); };

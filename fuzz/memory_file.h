@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/// A file in memory with a name to open it by.
+class memory_file {
+public:
+  memory_file();
+  ~memory_file();
+  memory_file(const memory_file&) = delete;
+  memory_file& operator=(const memory_file&) = delete;
+
+  void write(const void* data, std::size_t size);
+  std::wstring path() const;
+
+private:
+  int file_;
+};
+
+/// Ends the fuzzer with a finding when the promise is broken.
+#define QV_PROMISE(promise)                                       \
+  do {                                                            \
+    if (!(promise)) broken_promise(#promise, __FILE__, __LINE__); \
+  } while (false)
+
+[[noreturn]] void broken_promise(const char* promise, const char* file, int line);

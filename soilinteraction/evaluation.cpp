@@ -1,0 +1,194 @@
+#include "soilinteraction/evaluation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <utility>
+
+#include "qvbrisk/services.h"
+#include "soilinteraction/contact_search.h"
+
+namespace qvsoilinteraction {
+namespace {
+
+using qvsoilrdf::CRoad;
+
+void fetch(void* handle, const char* name, std::initializer_list<int> ids, double* values, int count) {
+  int flag = 0;
+  sysary(handle, name, ids.begin(), static_cast<int>(ids.size()), values, &count, &flag);
+}
+
+/// Force, moment and area, as they stand at the head of the result array.
+struct totals {
+  double values[k_totals] = {};
+
+  void add(const Csoil_contact& sc) {
+    for (int c = 0; c < 3; ++c) {
+      values[c] += sc.force[c];
+      values[3 + c] += sc.moment[c];
+    }
+    values[6] += sc.effective_area;
+  }
+};
+
+void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point) {
+  qv::assgvec(sc.local_force, 3, point);
+  point[6] = rc.sinkage;
+  point[7] = sc.dynamic_sinkage;
+}
+
+/// What a converged step leaves behind in a point.
+void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
+  if (!in_contact) {
+    if (rc.contact_state != 0.0) rc.clear_history();  // without contact before there is none
+    return;
+  }
+  rc.last_pressure = sc.pressure;
+  qv::assgvec(rc.shear_disp, 2, rc.last_shear_disp);
+  rc.last_static_sinkage = sc.static_sinkage;
+  const double depth = std::fabs(rc.sinkage);
+  if (depth > rc.max_sinkage) rc.max_sinkage = depth;
+  if (rc.contact_state == 0.0) {
+    rc.contact_state = 1.0;
+    qv::assgvec(rc.relative_position, 3, rc.first_contact_position);
+    qv::assgvec(rc.tangent_1, 3, rc.first_contact_tangent_1);
+    qv::assgvec(rc.tangent_2, 3, rc.first_contact_tangent_2);
+  } else if (rc.contact_state == 1.0) {
+    rc.contact_state = 2.0;
+  }
+}
+
+/// One call's way over the points of an element, in blocks.
+class evaluation {
+public:
+  evaluation(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k, double* result,
+             int& ierr, char** msg)
+      : handle_(handle),
+        p_(p),
+        iflag_(iflag),
+        road_(road),
+        k_(k),
+        law_(road, p.bekker_width()),
+        frames_(road, k),
+        result_(result),
+        ierr_(ierr),
+        msg_(msg) {}
+
+  void run(CSoilInteraction& element) {
+    work* now = &work_[0];
+    work* next = &work_[1];
+    for (int i = 0; i < p_.patch.nx; ++i) {
+      Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
+      Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
+      for (int j = 0; j < p_.patch.ny; ++j) {
+        next->block.points[next->block.count] = &road_contacts[j];
+        next->soil[next->block.count++] = &soil_contacts[j];
+        if (next->block.count == k_block) advance(now, next);
+      }
+    }
+    advance(now, next);
+    finish(*now);
+  }
+
+private:
+  struct work {
+    contact_block block;
+    Csoil_contact* soil[k_block];
+  };
+
+  /// Places the next block, so that its triangles come from memory while the one before is finished.
+  void advance(work*& now, work*& next) {
+    place_points(road_, k_, next->block, ierr_, msg_);
+    finish(*now);
+    std::swap(now, next);
+  }
+
+  void finish(work& w) {
+    contact_block& block = w.block;
+    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block, msg_);
+    // A body without width is refused at its first point in contact; what comes before stands in the result.
+    const int end = law_.bekker.b == 0.0 ? first_in_contact(block) : block.count;
+    load_points(w, 0, end);
+    totals sum;
+    qv::assgvec(result_, k_totals, sum.values);
+    for (int b = 0; b < end; ++b, point_ += k_values_per_point) {
+      Croad_contact& rc = *block.points[b];
+      Csoil_contact& sc = *w.soil[b];
+      qv::assgvec(rc.position, 3, point_ + 3);
+      if (block.in_contact[b]) {
+        genenralized_contact_force(rc, sc);
+        sum.add(sc);
+        write_point(rc, sc, point_);
+      }
+      if (iflag_ == 2) advance_history(block.in_contact[b], sc, rc);
+    }
+    qv::assgvec(sum.values, k_totals, result_);
+    if (end < block.count) load_points(w, end, end + 1);
+    block.count = block.near_count = 0;
+  }
+
+  static int first_in_contact(const contact_block& block) {
+    return static_cast<int>(std::find(block.in_contact, block.in_contact + block.count, true) - block.in_contact);
+  }
+
+  /// Loads of those points from `begin` to `end` that are in contact.
+  void load_points(const work& w, int begin, int end) {
+    Croad_contact* road_contacts[k_block];
+    Csoil_contact* soil_contacts[k_block];
+    int count = 0;
+    for (int b = begin; b < end; ++b) {
+      if (!w.block.in_contact[b]) continue;
+      road_contacts[count] = w.block.points[b];
+      soil_contacts[count++] = w.soil[b];
+    }
+    get_soil_force(law_, p_.patch, road_contacts, soil_contacts, count, ierr_, msg_);
+  }
+
+  void* handle_;
+  const parameters& p_;
+  int iflag_;
+  const CRoad& road_;
+  const kinematics& k_;
+  soil_law law_;
+  frame_maker frames_;
+  double* result_;
+  double* point_ = result_ + k_totals;  ///< where the next point's values go
+  int& ierr_;
+  char** msg_;
+  work work_[2];
+};
+
+}  // namespace
+
+kinematics fetch_kinematics(void* handle, const parameters& p) {
+  const int m1 = p.body_marker, m5 = p.road_marker, m14 = p.ground_marker;
+  kinematics k = {};
+  fetch(handle, "AM", {m1, m14}, k.A1, 9);
+  fetch(handle, "AM", {m5, m14}, k.A5, 9);
+  fetch(handle, "TDISP", {m1, m14, m14}, k.d1, 3);
+  fetch(handle, "TDISP", {m5, m14, m14}, k.d5, 3);
+  fetch(handle, "TVEL", {m1, m14, m14}, k.V1, 3);
+  fetch(handle, "RVEL", {m1, m14, m1}, k.W1, 3);
+  fetch(handle, "TVEL", {m5, m14, m14}, k.V5, 3);
+  fetch(handle, "RVEL", {m5, m14, m5}, k.W5, 3);
+  fetch(handle, "TDISP", {m1, m5, m5}, k.d15, 3);
+  complete(k);
+  return k;
+}
+
+void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteraction& element) {
+  for (int i = 0; i < patch.nx; ++i) {
+    for (int j = 0; j < patch.ny; ++j) {
+      const auto row = static_cast<std::size_t>(i), column = static_cast<std::size_t>(j);
+      element.road_contacts[row][column].Calculation_Si_prime(i, j, patch.shape, patch.a, patch.w, patch.nx, patch.ny);
+      element.soil_contacts[row][column].soil_type = road.soil_type;  // constant from here on: a road is read once
+    }
+  }
+}
+
+void evaluate_points(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k,
+                     CSoilInteraction& element, double* result, int& ierr, char** msg) {
+  evaluation(handle, p, iflag, road, k, result, ierr, msg).run(element);
+}
+
+}  // namespace qvsoilinteraction

@@ -1,0 +1,103 @@
+#include "soilinteraction/facet_search.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "qvbrisk/constants.h"
+#include "soilinteraction/contact_frames.h"
+
+namespace qvsoilinteraction {
+namespace {
+
+using qvsoilrdf::CElement;
+using qvsoilrdf::CFacet;
+using qvsoilrdf::CNode;
+using qvsoilrdf::CRoad;
+
+constexpr double k_first_edge_tolerance = 0.000153;
+constexpr double k_edge_tolerance = 0.0001;
+constexpr double k_angle_tolerance = 0.0001;  // [deg]
+
+/// Unit vectors from the point to the triangle's corners in the plan; false when the point is on a corner.
+bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
+  for (int c = 0; c < 3; ++c) {
+    const CNode& node = road.nodes[static_cast<std::size_t>(element.node[c] - 1)];
+    direction[c][0] = node.x - p[0];
+    direction[c][1] = node.y - p[1];
+    direction[c][2] = 0.0;
+    int on_corner;
+    qv::normalization_vec(direction[c], on_corner);
+    if (on_corner != 0) return false;
+  }
+  return true;
+}
+
+/// The definition: is the point in the triangle, by the angles under which its edges appear?
+/// @param clearly_outside  the point is outside by more than rounding: then it may still be "on" an edge, but the
+///                         angles cannot sum up to a full turn
+bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance,
+                    bool clearly_outside) {
+  double direction[3][3], cosine[3];
+  if (!directions_to_corners(road, element, p, direction)) return true;
+  for (int c = 0; c < 3; ++c) qv::vectrvec(direction[c], direction[(c + 1) % 3], cosine[c]);
+  for (const double c : cosine) {
+    if (-1.0 - edge_tolerance <= c && c <= -1.0 + edge_tolerance) return true;
+  }
+  if (clearly_outside) return false;
+  double sum = 0.0;
+  for (const double c : cosine) sum += std::acos(c) * RTOD;
+  return 360.0 - k_angle_tolerance <= sum && sum <= 360.0 + k_angle_tolerance;
+}
+
+bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_tolerance) {
+  const CFacet& facet = road.facets[static_cast<std::size_t>(number - 1)];
+  const double x = p[0] - facet.corner[0];
+  const double y = p[1] - facet.corner[1];
+  const double l = facet.gradient[0] * x + facet.gradient[1] * y;
+  const double m = facet.gradient[2] * x + facet.gradient[3] * y;
+  const double least = std::min(std::min(l, m), 1.0 - l - m);
+  const auto clear = static_cast<double>(facet.inside);
+  if (least > clear) return true;
+  if (least < -static_cast<double>(facet.outside)) return false;
+  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance, least < -clear);
+}
+
+}  // namespace
+
+int find_facet(const CRoad& road, std::size_t cell, const double* p, Croad_contact& rc) {
+  double edge_tolerance = k_first_edge_tolerance;
+  rc.facet_number = 0;
+  for (const std::int32_t number : road.cells.list(cell)) {
+    if (holds(road, number, p, edge_tolerance)) {
+      rc.facet_number = number;
+      break;
+    }
+    edge_tolerance = k_edge_tolerance;
+  }
+  return k_in_extent;
+}
+
+void store_hole(Croad_contact& rc) {
+  rc.facet_number = 0;
+  rc.facet_normal[0] = rc.facet_normal[1] = rc.facet_normal[2] = 0.0;
+  rc.facet_d = std::nan("");  // 0 triangles: a sum of 0 over a count of 0
+}
+
+int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) {
+  if (out_of_extent(road, p)) return k_out_of_extent;
+  rc.facet_number = 0;
+  // A road whose reading broke off before its grid stood has no cells.
+  const int status = road.cells.empty() ? k_in_extent : find_facet(road, cell_of(road, p), p, rc);
+  if (rc.facet_number == 0) {
+    store_hole(rc);
+    return status;
+  }
+  set_facet_normal(road, rc.facet_number, rc.facet_normal);
+  double length;
+  int zero;
+  qv::normalization_vec(rc.facet_normal, length, zero);
+  if (length != 0.0) project(road, p, rc);
+  return status;
+}
+
+}  // namespace qvsoilinteraction
