@@ -22,7 +22,7 @@ void set_facet_normal(const qvsoilrdf::CRoad& road, std::int32_t number, double*
   for (int c = 0; c < 3; ++c) normal[c] = 0.0 + n[c];
 }
 
-void frame_maker::make(int count) {
+QV_WIDE_VECTORS void frame_maker::make(int count) {
   vectors facet, normal, tangent_1, tangent_2;
   for (int i = 0; i < count; ++i) {
     double n[3];

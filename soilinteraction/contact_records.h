@@ -40,6 +40,7 @@ public:
   double position[3];           ///< of the point, ground axes
   double relative_position[3];  ///< of the point from the road base marker, ground axes
   double sinkage;               ///< signed height over the surface, negative below
+  double contact_state;         ///< history: 0 before contact, 1 after its first step, 2 later
   double normal[3];             ///< contact frame, ground axes
   double tangent_1[3];
   double tangent_2[3];
@@ -56,7 +57,6 @@ public:
   double damping;
 
   // History.
-  double contact_state;  ///< 0 before contact, 1 after its first step, 2 later
   double max_sinkage;
   double first_contact_position[3];
   double first_contact_tangent_1[3];

@@ -87,7 +87,7 @@ struct places {
   double column[k_block], row[k_block];
 };
 
-void find_places(const CRoad& road, const kinematics& k, const contact_block& block, places& at) {
+QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const contact_block& block, places& at) {
   vectors s;
   for (int i = 0; i < block.count; ++i) {
     const double* on_body = block.points[i]->Si_prime;
