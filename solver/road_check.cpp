@@ -1,8 +1,10 @@
 #include "solver/road_check.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -16,7 +18,7 @@ namespace qvslv {
 
 namespace {
 
-constexpr size_t k_line_limit = 640;  // main part: longer lines end the reading
+constexpr size_t k_line_limit = 640;  // of the main part; a longer line is refused
 
 // In the order in which the reader looks for them; the first one found anywhere in a line decides.
 const std::vector<std::string> k_quoted_keys = {"FILE_TYPE", "LENGTH", "FORCE", "ANGLE", "MASS", "TIME", "METHOD"};
@@ -72,10 +74,9 @@ private:
   void main_line() {
     const std::string& line = lines_[next_++];
     if (line.size() >= k_line_limit) {
-      note(false, next_,
+      note(true, next_,
            "the line has " + std::to_string(line.size()) +
-               " characters; lines outside the node and element blocks must be shorter than 640, and "
-               "nothing from here on is read");
+               " characters; lines outside the node and element blocks must be shorter than 640");
       ended_ = true;
       return;
     }
@@ -98,11 +99,12 @@ private:
         note(false, next_, plain + " in quotes has no effect: write " + plain + "=value without quotes");
       return;
     }
-    if (first == std::string::npos || second == std::string::npos) {
+    if (first == std::string::npos) {
       note(true, next_, key + ": the value needs a quote on both sides");
       return;
     }
-    quoted_value(key, upper_case(field.substr(first + 1, second - first - 1)));
+    if (second == std::string::npos) note(false, next_, key + ": the closing quote is missing");
+    quoted_value(key, upper_case(field.substr(first + 1, second == std::string::npos ? second : second - first - 1)));
   }
 
   void quoted_value(const std::string& key, const std::string& value) {
@@ -163,11 +165,16 @@ private:
     }
   }
 
-  /// The leading numbers of a line.
+  /// The leading numbers of a line: digits, not the words and hexadecimal forms that strtod knows besides.
   static std::vector<double> numbers_in(const std::string& line) {
     std::vector<double> numbers;
     const char* at = line.c_str();
     for (char* end = nullptr;; at = end) {
+      at += std::strspn(at, " \t\v\f\r");
+      const char* digit = at + (*at == '-' || *at == '+' ? 1 : 0);
+      if ((std::isdigit(static_cast<unsigned char>(*digit)) == 0 && *digit != '.') ||
+          (*digit == '0' && (digit[1] == 'x' || digit[1] == 'X')))
+        return numbers;
       const double value = std::strtod(at, &end);
       if (end == at) return numbers;
       numbers.push_back(value);
@@ -194,7 +201,9 @@ private:
       ++taken;
     }
     if (taken < count) {
-      note(true, head, key + " says " + std::to_string(count) + ", but the file ends after " + std::to_string(taken));
+      note(false, head,
+           key + " says " + std::to_string(count) + ", but the file ends after " + std::to_string(taken) +
+               "; the road is made of what is there");
     } else if (next_ < lines_.size()) {
       swallowed_line(key, count);
       ++next_;

@@ -366,5 +366,20 @@ TEST(SoilForce, TotalsAreTheSumsOverThePoints) {
   EXPECT_EQ(sums[3], scene.area());
 }
 
+// The pressure law takes the element's width; the WIDTH of the road file is read and left alone.
+TEST(Pressure, DoesNotDependOnTheWidthInTheRoadFile) {
+  const qvref::body plate = {1, 0.5, 0.25, 3, 2};
+  std::vector<double> results[2];
+  for (int k = 0; k < 2; ++k) {
+    SoilScene scene(flat_mesh(8, 8, 0.5), loam(), plate);
+    write_text(scene.file, (k == 0 ? "WIDTH = 0.01\n" : "WIDTH = 40\n") + rdf_text(flat_mesh(8, 8, 0.5), loam()));
+    scene.body().position = {2.0, 2.0, -0.05};
+    results[k] = scene.call(1);
+    EXPECT_EQ(scene.take_report(), "");
+  }
+  EXPECT_GT(results[0][2], 0.0);
+  EXPECT_EQ(first_difference(results[0], results[1]), -1);
+}
+
 }  // namespace
 }  // namespace qvtest

@@ -259,5 +259,33 @@ TEST(RoadFile, WithANameThatHasNoNarrowFormIsAReportWithoutAText) {
   EXPECT_TRUE(scene.host.reports[0].messages.empty());
 }
 
+TEST(Parameters, TheirNumberAndTheDifferencingFlagAreNotConsulted) {
+  SoilScene scene = sunken();
+  scene.call(1);
+  const std::vector<double> expected = scene.call(0);
+  std::vector<double> par = scene.parameters.list();
+  std::vector<double> result(expected.size(), k_poison);
+  for (const int npar : {0, -7, 3, 2000000000}) {
+    for (const int difflag : {-1, 0, 1, 99}) {
+      qvsoil_interaction(scene.host.handle(), 0.0, par.data(), npar, difflag, 0, result.data());
+      EXPECT_EQ(first_difference(result, expected), -1) << npar << " " << difflag;
+    }
+  }
+}
+
+TEST(Parameters, AGuardThatSpeaksLeavesNoTotalsOfAnEarlierCall) {
+  SoilScene scene = sunken();
+  scene.call(1);
+  for (const std::size_t spoilt : {0U, 3U, 12U, 13U}) {
+    std::vector<double> par = scene.parameters.list();
+    std::vector<double> result = scene.call(0);
+    par[spoilt] = -2.0;
+    qvsoil_interaction(scene.host.handle(), 0.0, par.data(), 15, 0, 0, result.data());
+    EXPECT_NE(scene.take_report(), "") << spoilt;
+    result.resize(7);
+    EXPECT_THAT(result, Each(0.0)) << spoilt;
+  }
+}
+
 }  // namespace
 }  // namespace qvtest
