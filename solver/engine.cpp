@@ -93,7 +93,7 @@ void Engine::give_up(const std::string& why) {
       RunOutcome::failed,
       fmt::format("the integrator gave up at time {}, where no step is small enough (the last one was {}): {}. Forces "
                   "that jump or are very stiff do that; try a larger accuracy number, more damping, a start without "
-                  "deep penetration, or integrator = \"semi_explicit_euler\" with a fixed step",
+                  "deep penetration, or integrator = \"semi-explicit\" with a fixed step",
                   time(), m_last_step, why));
 }
 

@@ -41,7 +41,7 @@ Json settings(const Model& model) {
   Json json = {{"end_time", s.end_time},
                {"output_step", s.output_step},
                {"frame_step", s.frame_step > 0 ? s.frame_step : s.output_step},
-               {"integrator", fixed ? "semi_explicit_euler" : "runge_kutta_merson"}};
+               {"integrator", fixed ? "semi-explicit" : "runge-kutta-merson"}};
   if (fixed) {
     json["step"] = s.step;
   } else {

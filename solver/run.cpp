@@ -128,9 +128,14 @@ private:
   void close_record() {
     m_record.running = false;
     m_summary.wall_seconds = wall_seconds();
+    attempt([this] { write_page(); });
+    attempt([this] { write_record(); });  // also when the page could not be written: it says so
+  }
+
+  template <class Write>
+  void attempt(Write&& write) {
     try {
-      write_page();
-      write_record();
+      write();
     } catch (const std::exception& error) {
       if (m_summary.outcome == RunOutcome::finished) finish(RunOutcome::failed, error.what());
     }
@@ -138,9 +143,10 @@ private:
 
   /// Also for a run that recorded nothing: the page of an earlier run would tell of something else.
   void write_page() {
-    m_summary.files.insert(m_summary.files.begin(), "report.html");
     m_record.summary = m_summary;
+    m_record.summary.files.insert(m_record.summary.files.begin(), "report.html");
     write_report_page(m_model, m_recorder ? m_recorder->recording() : Recording{}, m_record);
+    m_summary.files = m_record.summary.files;
   }
 
   void write_record() {

@@ -241,7 +241,7 @@ TEST(Faults, AForceThatNoStepCanFollowMakesTheIntegratorGiveUp) {
   const TestRun out = run(built);
   EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
   expect_contains(out.summary.message, "the integrator gave up at time ");
-  expect_contains(out.summary.message, "semi_explicit_euler");
+  expect_contains(out.summary.message, "semi-explicit");
 }
 
 TEST(Faults, AFolderThatCannotBeMadeIsReported) {
