@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/mman.h>
-
 #include <cstddef>
 #include <limits>
 #include <new>
@@ -10,9 +8,8 @@
 
 namespace qv {
 
-/// Allocator of tables that may reach hundreds of megabytes. Large blocks ask for large pages, which makes filling
-/// them several times cheaper and random reads miss the page tables less; elements without an initial value of their
-/// own are not zeroed on a resize, since whoever resizes writes them next.
+/// Allocator of tables that may reach hundreds of megabytes: they begin on a cache line, and elements without an
+/// initial value of their own are not zeroed on a resize, since whoever resizes writes them next.
 template <class T>
 class large_allocator {
 public:
@@ -23,13 +20,10 @@ public:
   large_allocator(const large_allocator<U>&) {}
 
   T* allocate(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / (2 * sizeof(T))) throw std::bad_array_new_length();
-    const std::size_t bytes = bytes_of(count);
-    void* block = ::operator new(bytes, alignment_of(bytes));
-    if (bytes >= k_large) madvise(block, bytes, MADV_HUGEPAGE);  // a wish: nothing depends on it
-    return static_cast<T*>(block);
+    if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_array_new_length();
+    return static_cast<T*>(::operator new(count * sizeof(T), k_line));
   }
-  void deallocate(T* block, std::size_t count) { ::operator delete(block, alignment_of(bytes_of(count))); }
+  void deallocate(T* block, std::size_t) { ::operator delete(block, k_line); }
 
   template <class U, class... Arguments>
   void construct(U* at, Arguments&&... arguments) {
@@ -44,17 +38,7 @@ public:
   friend bool operator!=(const large_allocator&, const large_allocator&) { return false; }
 
 private:
-  static constexpr std::size_t k_page = std::size_t{2} << 20;
-  static constexpr std::size_t k_large = 4 * k_page;
-  static constexpr std::size_t k_line = 64;
-
-  static std::size_t bytes_of(std::size_t count) {
-    const std::size_t bytes = count * sizeof(T);
-    return bytes >= k_large ? (bytes + k_page - 1) / k_page * k_page : bytes;
-  }
-  static std::align_val_t alignment_of(std::size_t bytes) {
-    return std::align_val_t{bytes >= k_large ? k_page : k_line};
-  }
+  static constexpr std::align_val_t k_line{64};
 };
 
 template <class T>

@@ -17,16 +17,10 @@ void give(const contact_frame& frame, Croad_contact& rc) {
 
 }  // namespace
 
-void set_facet_normal(const qvsoilrdf::CRoad& road, std::int32_t number, double* normal) {
-  const double* n = road.elements[static_cast<std::size_t>(number - 1)].normal;
-  for (int c = 0; c < 3; ++c) normal[c] = 0.0 + n[c];
-}
-
 QV_WIDE_VECTORS void frame_maker::make(int count) {
   vectors facet, normal, tangent_1, tangent_2;
   for (int i = 0; i < count; ++i) {
-    double n[3];
-    set_facet_normal(road_, made_[i].number, n);
+    const double* n = road_.facets[static_cast<std::size_t>(made_[i].number - 1)].normal;
     made_[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
     facet.x[i] = n[0];
     facet.y[i] = n[1];

@@ -20,9 +20,6 @@ struct contact_frame {
   double plate_ratio;      ///< cosine between the normal and the body's z axis, 0 or more
 };
 
-/// Sum of the normals of the triangles found, which is always one: its own, with zeros that have no sign.
-void set_facet_normal(const qvsoilrdf::CRoad& road, std::int32_t number, double* normal);
-
 class frame_maker {
 public:
   frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : road_(road), k_(k) {

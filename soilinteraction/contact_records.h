@@ -46,7 +46,7 @@ public:
   double tangent_2[3];
   std::int32_t facet_number;  ///< of the triangle found, from 1; 0 when none was
   double facet_normal[3];     ///< its normal, road axes; zero when none was
-  double facet_d;             ///< its plane constant; not a number when none was
+  double facet_d;             ///< its plane constant (of a single search); not a number when none was
   double facet_point[3];      ///< the point projected onto its plane, road axes
   double area_ratio;          ///< factor on the point's share of the area
   double normal_velocity;

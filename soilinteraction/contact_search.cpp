@@ -160,7 +160,6 @@ void fetch_facets(const CRoad& road, const search_point* points, int count) {
     if (i > 0 && points[i].cell == points[i - 1].cell) continue;
     for (const std::int32_t number : road.cells.list(points[i].cell)) {
       __builtin_prefetch(&road.facets[static_cast<std::size_t>(number - 1)]);
-      __builtin_prefetch(road.elements[static_cast<std::size_t>(number - 1)].normal);
     }
   }
 }

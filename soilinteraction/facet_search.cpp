@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "qvbrisk/constants.h"
-#include "soilinteraction/contact_frames.h"
 
 namespace qvsoilinteraction {
 namespace {
@@ -17,6 +16,7 @@ using qvsoilrdf::CRoad;
 constexpr double k_first_edge_tolerance = 0.000153;
 constexpr double k_edge_tolerance = 0.0001;
 constexpr double k_angle_tolerance = 0.0001;  // [deg]
+constexpr double k_clear_of_edges = 1e-5;     // barycentric; more than the gradients' floats round to
 
 /// Unit vectors from the point to the triangle's corners in the plan; false when the point is on a corner.
 bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
@@ -53,13 +53,13 @@ bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_
   const CFacet& facet = road.facets[static_cast<std::size_t>(number - 1)];
   const double x = p[0] - facet.corner[0];
   const double y = p[1] - facet.corner[1];
-  const double l = facet.gradient[0] * x + facet.gradient[1] * y;
-  const double m = facet.gradient[2] * x + facet.gradient[3] * y;
+  const double l = static_cast<double>(facet.gradient[0]) * x + static_cast<double>(facet.gradient[1]) * y;
+  const double m = static_cast<double>(facet.gradient[2]) * x + static_cast<double>(facet.gradient[3]) * y;
   const double least = std::min(std::min(l, m), 1.0 - l - m);
-  const auto clear = static_cast<double>(facet.inside);
-  if (least > clear) return true;
-  if (least < -static_cast<double>(facet.outside)) return false;
-  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance, least < -clear);
+  if (least > k_clear_of_edges) return true;
+  if (least < -road.facet_reach) return false;
+  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance,
+                        least < -k_clear_of_edges);
 }
 
 }  // namespace
@@ -92,7 +92,9 @@ int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) 
     store_hole(rc);
     return status;
   }
-  set_facet_normal(road, rc.facet_number, rc.facet_normal);
+  const auto found = static_cast<std::size_t>(rc.facet_number - 1);
+  qv::assgvec(road.facets[found].normal, 3, rc.facet_normal);
+  rc.facet_d = road.elements[found].d;
   double length;
   int zero;
   qv::normalization_vec(rc.facet_normal, length, zero);

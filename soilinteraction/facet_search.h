@@ -52,9 +52,7 @@ void store_hole(Croad_contact& rc);
 
 /// Height over the plane of the triangle found, and the projection onto it. The facet normal stands already.
 inline void project(const qvsoilrdf::CRoad& road, const double* p, Croad_contact& rc) {
-  const auto found = static_cast<std::size_t>(rc.facet_number - 1);
-  const double* corner = road.facets[found].corner;
-  rc.facet_d = road.elements[found].d;
+  const double* corner = road.facets[static_cast<std::size_t>(rc.facet_number - 1)].corner;
   const double w[3] = {p[0] - corner[0], p[1] - corner[1], p[2] - corner[2]};
   qv::vectrvec(rc.facet_normal, w, rc.sinkage);
   double along[3];

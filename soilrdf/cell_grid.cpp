@@ -279,7 +279,7 @@ private:
   /// A height that the facet's plane does not reach over its triangle, nor where the search still counts a point to
   /// its edge: there a barycentric coordinate may be -1/11, which lifts the plane by less than the triangle is high.
   float top_of(const CElement& element) const {
-    if (std::isinf(road_.facets[static_cast<std::size_t>(element.id - 1)].outside)) {
+    if (std::isnan(road_.facets[static_cast<std::size_t>(element.id - 1)].gradient[0])) {
       return std::numeric_limits<float>::infinity();
     }
     const auto [low, high] = std::minmax({corner(element, 0).z, corner(element, 1).z, corner(element, 2).z});

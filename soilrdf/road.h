@@ -68,10 +68,10 @@ public:
 
 /// What the point search needs of a triangle, in one cache line. Derived from the element and its nodes after reading.
 struct alignas(64) CFacet {
-  double corner[3];    ///< K
-  double gradient[4];  ///< of the barycentric coordinates of L and of M in the plan: (dL/dx, dL/dy, dM/dx, dM/dy)
-  float outside;       ///< a coordinate below minus this: the point is certainly not in the triangle, edges included
-  float inside;        ///< all three coordinates above this: certainly in; between the two the angles decide
+  double corner[3];   ///< K
+  double normal[3];   ///< of the element, with zeros that have no sign
+  float gradient[4];  ///< of the barycentric coordinates of L and of M in the plan: (dL/dx, dL/dy, dM/dx, dM/dy); not
+                      ///< a number for a thin triangle, which only its angles can judge
 };
 
 class CRoad {
@@ -80,6 +80,7 @@ public:
   qv::large_vector<CNode> nodes;
   qv::large_vector<CElement> elements;
   qv::large_vector<CFacet> facets;  ///< one per element
+  double facet_reach = 0.0;         ///< a point with a coordinate below minus this is certainly not in its triangle
   std::string soil_type;            ///< "CONCRETE" is a hard road
   std::string normal_pressure = "BEKKER";
   std::string shear_pressure = "WONG";

@@ -45,37 +45,39 @@ double largest_cyclic_difference(double so_far, double k, double l, double m) {
   return std::max(std::max(so_far, k - l), std::max(l - m, m - k));
 }
 
-/// The certain-answer margins of a facet. An edge is "touched" from at most 0.0044 of its length away (the height of
-/// the arc over the edge from which it appears under the widest tolerance's angle), so a point farther out than
-/// 0.0045 of the longest edge touches none. In a triangle without thin corners (3 degrees) a point clear of the
-/// edges sees them under angles whose sum is 360 to far better than the tolerance.
-void set_margins(CFacet& facet, double twice_area, double longest_squared) {
-  constexpr double k_edge_reach = 0.0045;
+/// How far a triangle's edges reach, in its barycentric coordinates; 0 for one that is thin (a corner below about 3
+/// degrees). An edge is "touched" from at most 0.0044 of its length away: that is the height of the arc from which it
+/// appears under the widest tolerance's angle. A point farther out than 0.0045 of the longest edge touches none.
+double edge_reach(double twice_area, double longest_squared) {
+  constexpr double k_reach = 0.0045;
   constexpr double k_thin = 0.05;
-  constexpr float k_clear_of_edges = 1e-6F;
   const double shape = std::fabs(twice_area) / longest_squared;
-  const bool thin = !(shape >= k_thin);
-  facet.outside = thin ? std::numeric_limits<float>::infinity() : static_cast<float>(k_edge_reach / shape * 1.0001);
-  facet.inside = thin ? std::numeric_limits<float>::infinity() : k_clear_of_edges;
+  return shape >= k_thin ? k_reach / shape * 1.0001 : 0.0;
 }
 
-CFacet make_facet(const CNode& K, const CNode& L, const CNode& M) {
+CFacet make_facet(const CElement& element, const CNode& K, const CNode& L, const CNode& M, double& reach) {
   CFacet facet;
   facet.corner[0] = K.x, facet.corner[1] = K.y, facet.corner[2] = K.z;
+  for (int c = 0; c < 3; ++c) facet.normal[c] = 0.0 + element.normal[c];  // as a sum from 0: no -0
   const double ax = L.x - K.x, ay = L.y - K.y, bx = M.x - K.x, by = M.y - K.y;
-  const double twice_area = ax * by - ay * bx;
-  const double reciprocal = 1.0 / twice_area;
-  facet.gradient[0] = by * reciprocal;
-  facet.gradient[1] = -bx * reciprocal;
-  facet.gradient[2] = -ay * reciprocal;
-  facet.gradient[3] = ax * reciprocal;
   const double cx = bx - ax, cy = by - ay;
-  set_margins(facet, twice_area, std::max(std::max(ax * ax + ay * ay, bx * bx + by * by), cx * cx + cy * cy));
+  const double twice_area = ax * by - ay * bx;
+  const double longest = std::max(std::max(ax * ax + ay * ay, bx * bx + by * by), cx * cx + cy * cy);
+  const double own_reach = edge_reach(twice_area, longest);
+  constexpr double k_float_range = 1e30;  // where a float has all its digits
+  const bool judged_by_angles = own_reach == 0.0 || !(longest < k_float_range && longest > 1.0 / k_float_range);
+  const double scale = judged_by_angles ? std::numeric_limits<double>::quiet_NaN() : 1.0 / twice_area;
+  facet.gradient[0] = static_cast<float>(by * scale);
+  facet.gradient[1] = static_cast<float>(-bx * scale);
+  facet.gradient[2] = static_cast<float>(-ay * scale);
+  facet.gradient[3] = static_cast<float>(ax * scale);
+  reach = std::max(reach, own_reach);
   return facet;
 }
 
 void derive_triangles(CRoad& road) {
   road.facets.clear();
+  road.facet_reach = 0.0;
   road.facets.reserve(road.elements.size());
   for (CElement& element : road.elements) {
     const CNode& K = road.nodes[static_cast<std::size_t>(element.node[0] - 1)];
@@ -84,7 +86,7 @@ void derive_triangles(CRoad& road) {
     set_plane(element, K, L, M);
     road.max_dx = largest_cyclic_difference(road.max_dx, K.x, L.x, M.x);
     road.max_dy = largest_cyclic_difference(road.max_dy, K.y, L.y, M.y);
-    road.facets.push_back(make_facet(K, L, M));
+    road.facets.push_back(make_facet(element, K, L, M, road.facet_reach));
   }
 }
 
