@@ -1,19 +1,14 @@
 #include "common/data_file.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cstring>
 #include <cwchar>
-#include <memory>
 
 #include "common/text.h"
 #include "qvbrisk/services.h"
 
 namespace qv {
 namespace {
-
-struct file_closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using file_handle = std::unique_ptr<std::FILE, file_closer>;
 
 /// Size of a seekable file, 0 for anything else (a pipe, a folder).
 std::size_t size_hint(std::FILE* file) {
@@ -33,22 +28,22 @@ std::wstring text_of(const wchar_t (&buffer)[QV_TEXT_CAPACITY]) {
 
 }  // namespace
 
-bool read_whole_file(const std::string& name, file_text& text) {
-  const file_handle file(std::fopen(name.c_str(), "r"));
-  if (!file) return false;
-  std::setvbuf(file.get(), nullptr, _IONBF, 0);  // straight into our own buffer
-  text.data.resize(size_hint(file.get()) + 1);
-  text.size = 0;
-  while (const std::size_t got =
-             std::fread(text.data.data() + text.size, 1, text.data.size() - text.size, file.get())) {
-    text.size += got;
-    if (text.size == text.data.size()) text.data.resize(2 * text.size + 65536);
-  }
+bool data_file::open(const std::string& name) {
+  file_.reset(std::fopen(name.c_str(), "r"));
+  if (!file_) return false;
+  std::setvbuf(file_.get(), nullptr, _IONBF, 0);  // straight into the reader's own buffer
+  bytes_left_ = size_hint(file_.get());
   return true;
 }
 
-file_outcome read_data_file(void* handle, const std::wstring& name, file_text& text, int& path_length) {
-  if (read_whole_file(wcs_to_mbs(name), text)) return file_outcome::read;
+std::size_t data_file::read(char* buffer, std::size_t size) {
+  const std::size_t got = std::fread(buffer, 1, size, file_.get());
+  bytes_left_ -= std::min(got, bytes_left_);
+  return got;
+}
+
+file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length) {
+  if (file.open(wcs_to_mbs(name))) return file_outcome::opened;
   wchar_t buffer[QV_TEXT_CAPACITY] = {};
   path_length = 0;
   int flag = 0;
@@ -58,8 +53,39 @@ file_outcome read_data_file(void* handle, const std::wstring& name, file_text& t
   const std::size_t folder = model_path.rfind(L'/') + 1;  // 0 without any "/"
   // Kept: no second attempt for a path that is empty or ends in "/".
   if (folder >= model_path.size()) return file_outcome::not_found;
-  const std::wstring beside_model = model_path.substr(0, folder) + name;
-  return read_whole_file(wcs_to_mbs(beside_model), text) ? file_outcome::read : file_outcome::not_found;
+  return file.open(wcs_to_mbs(model_path.substr(0, folder) + name)) ? file_outcome::opened : file_outcome::not_found;
+}
+
+bool line_source::next(text_line& line) {
+  const char* searched = at_;  // no line end before
+  for (;;) {
+    const auto* stop = static_cast<const char*>(
+        searched == end_ ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(end_ - searched)));
+    if (stop != nullptr) {
+      line = {at_, stop, ++number_};
+      at_ += stop + 1 - at_;
+      return true;
+    }
+    const std::ptrdiff_t without_end = end_ - at_;
+    if (!refill()) break;
+    searched = at_ + without_end;
+  }
+  if (at_ == end_) return false;
+  line = {at_, end_, ++number_};
+  at_ = end_;
+  return true;
+}
+
+/// Moves the line that is cut off to the front and reads on behind it; false at the end of the file.
+bool line_source::refill() {
+  constexpr std::size_t k_chunk = 1 << 18;
+  const auto kept = static_cast<std::size_t>(end_ - at_);
+  if (kept > 0) std::memmove(buffer_.data(), at_, kept);
+  if (buffer_.size() < kept + k_chunk) buffer_.resize(std::max(2 * buffer_.size(), kept + k_chunk));
+  const std::size_t got = file_.read(buffer_.data() + kept, buffer_.size() - kept);
+  at_ = buffer_.data();
+  end_ = at_ + kept + got;
+  return got > 0;
 }
 
 bool fetch_string(void* handle, int id, std::wstring& text, int& length) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdio>
+#include <memory>
 #include <string>
 
 #include "common/large_vector.h"
@@ -7,19 +9,55 @@
 /// Data files named by a string entity of the model.
 namespace qv {
 
-/// A file read whole.
-struct file_text {
-  large_vector<char> data;
-  std::size_t size = 0;  ///< what of it is text
+/// A file that is read once, from its beginning to its end.
+class data_file {
+public:
+  /// False when the file cannot be opened.
+  bool open(const std::string& name);
+  /// Fills `buffer` as far as the file goes; 0 at its end, and for what opens but cannot be read (a folder).
+  std::size_t read(char* buffer, std::size_t size);
+  /// Bytes that are still to come; 0 also where that cannot be known (a pipe).
+  std::size_t bytes_left() const { return bytes_left_; }
+
+private:
+  struct closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, closer> file_;
+  std::size_t bytes_left_ = 0;
 };
 
-/// Reads a file as it is; false when it cannot be opened. A file that opens but cannot be read (a folder) is empty.
-bool read_whole_file(const std::string& name, file_text& text);
-
-/// Reads the file by the name given or, failing that, by that name in the model file's folder (GET_QVSPATH_S).
+/// Opens the file by the name given or, failing that, by that name in the model file's folder (GET_QVSPATH_S).
 /// Throws the integer 1 when a name has no narrow form. `path_length` is what the host says of its path's length.
-enum class file_outcome { read, not_found, path_too_long };
-file_outcome read_data_file(void* handle, const std::wstring& name, file_text& text, int& path_length);
+enum class file_outcome { opened, not_found, path_too_long };
+file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length);
+
+/// One line of a file, without its end.
+struct text_line {
+  const char* begin;
+  const char* end;
+  long number;  ///< from 1
+};
+
+/// The lines of a file, one after the other, through a buffer that stays in the cache. The last line may lack its end.
+class line_source {
+public:
+  explicit line_source(data_file& file) : file_(file) {}
+
+  /// The next line, valid until the next call; false at the end.
+  bool next(text_line& line);
+  /// Bytes behind the line that was returned last, as far as known.
+  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
+
+private:
+  bool refill();
+
+  data_file& file_;
+  large_vector<char> buffer_;
+  char* at_ = nullptr;
+  char* end_ = nullptr;
+  long number_ = 0;
+};
 
 /// The text of a string entity of the model (get_string_s). A length beyond the buffer gives no text: false.
 bool fetch_string(void* handle, int id, std::wstring& text, int& length);

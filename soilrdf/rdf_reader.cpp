@@ -21,40 +21,13 @@ namespace {
 constexpr std::size_t k_line_limit = 640;        // of the lines outside the node and element blocks
 constexpr double k_smallest_coordinate = 1e-08;  // anything nearer to 0 is 0
 
-struct line {
-  const char* begin;
-  const char* end;
-  long number;  // from 1
-};
-
-/// The lines of a text. Any line end but the last may be missing its own.
-class line_source {
-public:
-  line_source(const char* begin, const char* end) : at_(begin), end_(end) {}
-
-  bool next(line& out) {
-    if (at_ == end_) return false;
-    const auto* stop = static_cast<const char*>(std::memchr(at_, '\n', static_cast<std::size_t>(end_ - at_)));
-    out = {at_, stop != nullptr ? stop : end_, ++number_};
-    at_ = stop != nullptr ? stop + 1 : end_;
-    return true;
-  }
-
-  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_); }
-
-private:
-  const char* at_;
-  const char* end_;
-  long number_ = 0;
-};
-
 class rdf_reader {
 public:
-  rdf_reader(CRoad& road, const qv::file_text& text, int& ierr, char** msg)
-      : road_(road), lines_(text.data.data(), text.data.data() + text.size), ierr_(ierr), msg_(msg) {}
+  rdf_reader(CRoad& road, qv::data_file& file, int& ierr, char** msg)
+      : road_(road), lines_(file), ierr_(ierr), msg_(msg) {}
 
   void read() {
-    line current;
+    qv::text_line current;
     while (lines_.next(current)) {
       const std::string text(current.begin, current.end);
       if (text.size() >= k_line_limit) {
@@ -182,7 +155,7 @@ private:
   /// Kept: the first line behind the last record is consumed unread; files place a spacer there.
   template <class Record>
   void read_block(std::int32_t count, Record&& record) {
-    line current;
+    qv::text_line current;
     std::int32_t k = 0;
     while (lines_.next(current)) {
       if (current.begin != current.end && *current.begin == '{') continue;
@@ -200,7 +173,7 @@ private:
   }
 
   template <std::size_t N>
-  void read_numbers(const line& from, const char* record, double (&numbers)[N]) {
+  void read_numbers(const qv::text_line& from, const char* record, double (&numbers)[N]) {
     const char* at = from.begin;
     for (std::size_t i = 0; i < N; ++i) {
       if (qv::scan_number(at, from.end, numbers[i])) continue;
@@ -214,7 +187,7 @@ private:
   void read_nodes(std::int32_t count) {
     road_.number_of_nodes = count;
     reserve(road_.nodes, count);
-    read_block(count, [this](std::int32_t k, const line& from) {
+    read_block(count, [this](std::int32_t k, const qv::text_line& from) {
       double numbers[4];  // the file's own node number, x, y, z
       read_numbers(from, "a node", numbers);
       CNode node;
@@ -242,7 +215,7 @@ private:
   void read_elements(std::int32_t count) {
     road_.number_of_elements = count;
     reserve(road_.elements, count);
-    read_block(count, [this](std::int32_t k, const line& from) {
+    read_block(count, [this](std::int32_t k, const qv::text_line& from) {
       double numbers[4];
       read_numbers(from, "an element", numbers);
       CElement element;
@@ -260,16 +233,16 @@ private:
   }
 
   CRoad& road_;
-  line_source lines_;
+  qv::line_source lines_;
   int& ierr_;
   char** msg_;
 };
 
 void read_file(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg) {
-  qv::file_text text;
+  qv::data_file file;
   int path_length = 0;
-  switch (qv::read_data_file(handle, path, text, path_length)) {
-    case qv::file_outcome::read:
+  switch (qv::open_data_file(handle, path, file, path_length)) {
+    case qv::file_outcome::opened:
       break;
     case qv::file_outcome::not_found:
       qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", ierr, msg);
@@ -278,8 +251,8 @@ void read_file(void* handle, const std::wstring& path, CRoad& road, int& ierr, c
                           "; it must lie between 0 and 1024.",
                       ierr, msg);
   }
-  rdf_reader(road, text, ierr, msg).read();
-}  // the text is released before the grid is built
+  rdf_reader(road, file, ierr, msg).read();
+}
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "support/scripted_host.h"
 #include "support/temporary_folder.h"
@@ -11,35 +12,66 @@ namespace {
 
 using qvtest::ScriptedHost;
 
-std::string as_string(const qv::file_text& text) { return {text.data.data(), text.size}; }
+/// All lines of a file, each with its number before it.
+std::vector<std::string> lines_of(qv::data_file& file) {
+  std::vector<std::string> lines;
+  qv::line_source source(file);
+  for (qv::text_line line; source.next(line);) {
+    lines.push_back(std::to_string(line.number) + ":" + std::string(line.begin, line.end));
+  }
+  return lines;
+}
 
-TEST(DataFile, IsReadWholeAndUnchanged) {
+TEST(DataFile, ComesLineByLineAndUnchanged) {
   const qvtest::TemporaryFolder folder;
-  std::string bytes = "line\r\nno end";
-  for (int k = 0; k < 256; ++k) bytes.push_back(static_cast<char>(k));
+  std::string bytes;
+  for (int k = 0; k < 256; ++k) bytes.push_back(static_cast<char>(k));  // a line end among them
+  const std::string wide(700000, '7');                                  // longer than any buffer to begin with
   struct {
     const char* why;
     std::string content;
-  } const rows[] = {{"empty", ""}, {"one byte", "x"}, {"every byte", bytes}, {"large", std::string(300000, '7') + "8"}};
+    std::vector<std::string> lines;
+  } const rows[] = {{"empty", "", {}},
+                    {"an empty line", "\n", {"1:"}},
+                    {"without an end", "a\nb", {"1:a", "2:b"}},
+                    {"with an end", "a\r\n\nb\n", {"1:a\r", "2:", "3:b"}},
+                    {"every byte", bytes, {"1:" + bytes.substr(0, 10), "2:" + bytes.substr(11)}},
+                    {"long lines", wide + "\nx\n" + wide, {"1:" + wide, "2:x", "3:" + wide}}};
   for (const auto& row : rows) {
-    qv::file_text text;
-    ASSERT_TRUE(qv::read_whole_file(folder.write("file", row.content), text)) << row.why;
-    EXPECT_EQ(as_string(text), row.content) << row.why;
+    qv::data_file file;
+    ASSERT_TRUE(file.open(folder.write("file", row.content))) << row.why;
+    EXPECT_EQ(file.bytes_left(), row.content.size()) << row.why;
+    EXPECT_EQ(lines_of(file), row.lines) << row.why;
+    EXPECT_EQ(file.bytes_left(), 0U) << row.why;
   }
 }
 
-TEST(DataFile, MissingIsNotReadAndAFolderReadsAsEmpty) {
+TEST(DataFile, LinesAcrossTheBuffersEndsAreWhole) {
   const qvtest::TemporaryFolder folder;
-  qv::file_text text;
-  EXPECT_FALSE(qv::read_whole_file(folder.path("missing"), text));
-  ASSERT_TRUE(qv::read_whole_file(folder.path(""), text));
-  EXPECT_EQ(text.size, 0u);
+  std::string content;
+  std::vector<std::string> expected;
+  for (int k = 0; k < 60000; ++k) {
+    const std::string line(static_cast<std::size_t>(k % 37), static_cast<char>('a' + k % 26));
+    content += line + "\n";
+    expected.push_back(std::to_string(k + 1) + ":" + line);
+  }
+  qv::data_file file;
+  ASSERT_TRUE(file.open(folder.write("file", content)));
+  EXPECT_EQ(lines_of(file), expected);
+}
+
+TEST(DataFile, MissingIsNotOpenedAndAFolderReadsAsEmpty) {
+  const qvtest::TemporaryFolder folder;
+  qv::data_file file;
+  EXPECT_FALSE(file.open(folder.path("missing")));
+  ASSERT_TRUE(file.open(folder.path("")));
+  EXPECT_TRUE(lines_of(file).empty());
 }
 
 TEST(DataFile, WithoutASizeIsReadToItsEnd) {
-  qv::file_text text;
-  ASSERT_TRUE(qv::read_whole_file("/proc/self/status", text));  // says its size is 0
-  EXPECT_NE(as_string(text).find("VmSize"), std::string::npos);
+  qv::data_file file;
+  ASSERT_TRUE(file.open("/proc/self/status"));  // says its size is 0
+  EXPECT_GT(lines_of(file).size(), 20U);
 }
 
 TEST(StringEntity, IsFetchedWithItsLength) {
