@@ -18,7 +18,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// The page in the making: JSON, and arrays beside it.
-struct PageParts {
+struct PageParts {  // NOLINT(bugprone-exception-escape): the JSON library's move is not marked noexcept
   Json json;
   std::string arrays;
 
@@ -204,8 +204,10 @@ void add_rows(PageParts& page, const Recording& recording, size_t budget) {
                           recording.rows.size(), indices.size()));
   }
   std::vector<double> times;
+  times.reserve(indices.size());
   for (const size_t k : indices) times.push_back(recording.rows[k][0]);
   std::vector<float> values;
+  values.reserve(indices.size() * columns);
   for (size_t c = 1; c < columns; ++c) {
     for (const size_t k : indices) values.push_back(static_cast<float>(recording.rows[k][c]));
   }
@@ -216,7 +218,7 @@ void add_rows(PageParts& page, const Recording& recording, size_t budget) {
 
 }  // namespace
 
-std::string script_safe(std::string json) {
+std::string script_safe(const std::string& json) {
   std::string safe;
   safe.reserve(json.size());
   for (const char c : json) {

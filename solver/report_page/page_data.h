@@ -22,6 +22,6 @@ std::string page_data(const Model& model, const Recording& recording, const RunR
                       const ReportLimits& limits);
 
 /// JSON that may stand inside a script element: no '<' is left in it.
-std::string script_safe(std::string json);
+std::string script_safe(const std::string& json);
 
 }  // namespace qvslv
