@@ -63,7 +63,7 @@ bool line_source::next(text_line& line) {
         searched == end_ ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(end_ - searched)));
     if (stop != nullptr) {
       line = {at_, stop, ++number_};
-      at_ += stop + 1 - at_;
+      at_ = stop + 1;
       return true;
     }
     const std::ptrdiff_t without_end = end_ - at_;

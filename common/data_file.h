@@ -54,8 +54,8 @@ private:
 
   data_file& file_;
   large_vector<char> buffer_;
-  char* at_ = nullptr;
-  char* end_ = nullptr;
+  const char* at_ = nullptr;
+  const char* end_ = nullptr;
   long number_ = 0;
 };
 

@@ -173,11 +173,7 @@ void find_facets(void* handle, const CRoad& road, contact_block& block, const se
       int status = 0;
       stop_solver(handle, 1, 0, 1, msg[0], &status);
     }
-    if (rc.facet_number == 0) {
-      store_hole(rc);
-    } else {
-      __builtin_prefetch(road.elements[static_cast<std::size_t>(rc.facet_number - 1)].normal);
-    }
+    if (rc.facet_number == 0) store_hole(rc);
   }
 }
 

@@ -1,14 +1,19 @@
 #include "soilinteraction/allocation_control.h"
 
-#include <cstdlib>
 #include <new>
+
+#include "support/replaced_new.h"
 
 namespace {
 
 bool watching = false;
 long seen = 0, refused = 0, first_to_fail = -1, last_to_fail = -1;
 
-void* allocate(std::size_t size, std::size_t alignment) {
+}  // namespace
+
+namespace qvtest {
+
+void admit_allocation(std::size_t size) {
   if (watching) {
     const long number = seen++;
     if (first_to_fail >= 0 && number >= first_to_fail && (last_to_fail < 0 || number <= last_to_fail)) {
@@ -16,27 +21,8 @@ void* allocate(std::size_t size, std::size_t alignment) {
       throw std::bad_alloc();
     }
   }
-  if (size > qvtest::k_largest_request) throw std::bad_alloc();
-  if (size == 0) size = 1;
-  void* block = alignment <= alignof(std::max_align_t)
-                    ? std::malloc(size)
-                    : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
+  if (size > k_largest_request) throw std::bad_alloc();
 }
-
-/// The forms that do not throw.
-void* allocate_or_null(std::size_t size) noexcept {
-  try {
-    return allocate(size, 0);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
-}  // namespace
-
-namespace qvtest {
 
 allocation_watch::allocation_watch(long first, long last) {
   seen = refused = 0;
@@ -49,25 +35,3 @@ long allocation_watch::count() const { return seen; }
 long allocation_watch::failed() const { return refused; }
 
 }  // namespace qvtest
-
-// Out of line, so that the compiler cannot pair a call of new with a free it looked into.
-#define QV_OUT_OF_LINE __attribute__((noinline))
-
-QV_OUT_OF_LINE void* operator new(std::size_t size) { return allocate(size, 0); }
-QV_OUT_OF_LINE void* operator new[](std::size_t size) { return allocate(size, 0); }
-QV_OUT_OF_LINE void* operator new(std::size_t size, std::align_val_t alignment) {
-  return allocate(size, static_cast<std::size_t>(alignment));
-}
-QV_OUT_OF_LINE void* operator new[](std::size_t size, std::align_val_t alignment) {
-  return allocate(size, static_cast<std::size_t>(alignment));
-}
-QV_OUT_OF_LINE void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate_or_null(size); }
-QV_OUT_OF_LINE void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate_or_null(size); }
-QV_OUT_OF_LINE void operator delete(void* block) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete[](void* block) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete[](void* block, std::align_val_t) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete(void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
-QV_OUT_OF_LINE void operator delete[](void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }

@@ -2,8 +2,9 @@
 
 #include <cstddef>
 
-/// The program's operator new, counted and made to fail on demand. Link allocation_control.cpp into the program that
-/// uses it; it replaces the allocator of everything in that program, the library's objects included.
+/// The program's operator new, counted and made to fail on demand. Link allocation_control.cpp and
+/// replaced_new.cpp into the program that uses it; the allocator of everything in it is replaced, the library's
+/// included.
 namespace qvtest {
 
 /// Requests larger than this throw std::bad_alloc whatever else is asked for: the machine is not to be filled.
