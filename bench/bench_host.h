@@ -1,6 +1,7 @@
 #pragma once
 
-#include <array>
+#include <algorithm>
+#include <map>
 #include <string>
 
 #include "solver/service_host.h"
@@ -14,7 +15,8 @@ public:
   double axes[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   double velocity[3] = {0, 0, 0};
   double angular_velocity[3] = {0, 0, 0};
-  std::wstring road_file;
+  std::wstring road_file;  ///< of every string that has no text of its own
+  std::map<int, std::wstring> strings;
   std::string complaint;  ///< of stop_solver or THROW_ERROR; empty when there was none
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
@@ -22,8 +24,9 @@ public:
     value = 2.0;
     return true;
   }
-  bool string_entity(int, std::wstring& text) override {
-    text = road_file;
+  bool string_entity(int id, std::wstring& text) override {
+    const auto own = strings.find(id);
+    text = own != strings.end() ? own->second : road_file;
     return true;
   }
   bool model_path(std::wstring& path) override {
@@ -33,7 +36,10 @@ public:
   void stop(const char* message) override { complaint = message != nullptr ? message : "stop"; }
   void throw_error(const char* title, int count, char** messages) override;
   bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
+  bool units(double* scale, void**) override {
+    std::fill_n(scale, 5, 1.0);
+    return true;
+  }
   bool mass(int, double& value) override {
     value = 3.0;
     return true;

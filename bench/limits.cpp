@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "bench/limit_parts.h"
 #include "bench/road_maker.h"
 #include "bench/soil_scene.h"
 
@@ -14,45 +15,11 @@
 namespace {
 
 using qvbench::body;
-
-struct regular_terrain {
-  int side;
-  std::vector<double> heights;
-
-  explicit regular_terrain(int squares)
-      : side(squares + 1), heights(static_cast<std::size_t>(side) * static_cast<std::size_t>(side)) {
-    for (int i = 0; i < side; ++i)
-      for (int j = 0; j < side; ++j) at(i, j) = qvbench::terrain_height(0.1 * i, 0.1 * j);
-  }
-  double& at(int i, int j) {
-    return heights[static_cast<std::size_t>(i) * static_cast<std::size_t>(side) + static_cast<std::size_t>(j)];
-  }
-
-  /// Height under (x, y), on the triangle of the square that holds it.
-  double under(double x, double y) {
-    const double u = x / 0.1, v = y / 0.1;
-    const int i = static_cast<int>(u), j = static_cast<int>(v);
-    const double a = u - i, b = v - j;
-    const double z00 = at(i, j), z11 = at(i + 1, j + 1);
-    if (a > b) {
-      const double z10 = at(i + 1, j);
-      return z00 + a * (z10 - z00) + b * (z11 - z10);
-    }
-    const double z01 = at(i, j + 1);
-    return z00 + b * (z01 - z00) + a * (z11 - z01);
-  }
-};
+using qvbench::point_of_law;
+using qvbench::regular_terrain;
 
 constexpr body k_bodies[] = {{true, 36, 9}, {true, 72, 19}, {false, 20, 20}};
 constexpr const char* k_names[] = {"wheel 36x9", "wheel 72x19", "plate 20x20"};
-
-double point_of_law(double z, double p, double j1, double j2) {
-  const double dynamic = std::pow(p / 40000.0, 0.9) * std::pow(j1 * j1 + j2 * j2, 0.4);
-  const double power = std::pow(z + 0.02 * dynamic, 0.7 - 1.0);
-  const double r1 = j1 / 0.025, r2 = j2 / 0.025;
-  return power * z + (0.9 * std::exp(1.0 - r1) + 1.0) * (1.0 - std::exp(-r1)) +
-         (0.9 * std::exp(1.0 - r2) + 1.0) * (1.0 - std::exp(-r2));
-}
 
 void limit_per_point(benchmark::State& state) {
   const body what = k_bodies[state.range(0)];

@@ -42,18 +42,28 @@ std::size_t data_file::read(char* buffer, std::size_t size) {
   return got;
 }
 
-file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length) {
-  if (file.open(wcs_to_mbs(name))) return file_outcome::opened;
+bool fetch_model_path(void* handle, std::wstring& path, int& length) {
   wchar_t buffer[QV_TEXT_CAPACITY] = {};
-  path_length = 0;
   int flag = 0;
-  GET_QVSPATH_S(handle, &path_length, buffer, &flag);
-  if (!within(path_length)) return file_outcome::path_too_long;
-  const std::wstring model_path = text_of(buffer);
+  length = 0;
+  GET_QVSPATH_S(handle, &length, buffer, &flag);
+  if (!within(length)) return false;
+  path = text_of(buffer);
+  return true;
+}
+
+std::wstring beside_model(const std::wstring& model_path, const std::wstring& name) {
   const std::size_t folder = model_path.rfind(L'/') + 1;  // 0 without any "/"
   // Kept: no second attempt for a path that is empty or ends in "/".
-  if (folder >= model_path.size()) return file_outcome::not_found;
-  return file.open(wcs_to_mbs(model_path.substr(0, folder) + name)) ? file_outcome::opened : file_outcome::not_found;
+  return folder == 0 || folder >= model_path.size() ? std::wstring() : model_path.substr(0, folder) + name;
+}
+
+file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length) {
+  if (file.open(wcs_to_mbs(name))) return file_outcome::opened;
+  std::wstring model_path;
+  if (!fetch_model_path(handle, model_path, path_length)) return file_outcome::path_too_long;
+  const std::wstring second = beside_model(model_path, name);
+  return !second.empty() && file.open(wcs_to_mbs(second)) ? file_outcome::opened : file_outcome::not_found;
 }
 
 bool line_source::next(text_line& line) {

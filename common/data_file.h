@@ -27,6 +27,12 @@ private:
   std::size_t bytes_left_ = 0;
 };
 
+/// Path of the model file (GET_QVSPATH_S). A length beyond the buffer gives none: false.
+bool fetch_model_path(void* handle, std::wstring& path, int& length);
+
+/// `name` in the folder of the model file. Empty, so no second attempt, for a path without "/" or ending in it.
+std::wstring beside_model(const std::wstring& model_path, const std::wstring& name);
+
 /// Opens the file by the name given or, failing that, by that name in the model file's folder (GET_QVSPATH_S).
 /// Throws the integer 1 when a name has no narrow form. `path_length` is what the host says of its path's length.
 enum class file_outcome { opened, not_found, path_too_long };

@@ -109,6 +109,27 @@ public:
   void Initialize();
 };
 
+/// What a converged step leaves behind in a point.
+inline void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
+  if (!in_contact) {
+    if (rc.contact_state != 0.0) rc.clear_history();  // without contact before there is none
+    return;
+  }
+  rc.last_pressure = sc.pressure;
+  qv::assgvec(rc.shear_disp, 2, rc.last_shear_disp);
+  rc.last_static_sinkage = sc.static_sinkage;
+  const double depth = std::fabs(rc.sinkage);
+  if (depth > rc.max_sinkage) rc.max_sinkage = depth;
+  if (rc.contact_state == 0.0) {
+    rc.contact_state = 1.0;
+    qv::assgvec(rc.relative_position, 3, rc.first_contact_position);
+    qv::assgvec(rc.tangent_1, 3, rc.first_contact_tangent_1);
+    qv::assgvec(rc.tangent_2, 3, rc.first_contact_tangent_2);
+  } else if (rc.contact_state == 1.0) {
+    rc.contact_state = 2.0;
+  }
+}
+
 /// One soil element: a body's grid of contact points on a road.
 class CSoilInteraction {
 public:

@@ -12,8 +12,6 @@ namespace {
 
 using qvsoilrdf::CRoad;
 
-constexpr double k_slip_at_rest = 1e-08;  // a slower slip is none
-
 /// Whether the point is higher than any triangle of its cell reaches, in road axes, so that it is out of contact
 /// whatever the search would find: by more than the way there rounds. Not taken for heights that overflow on the way:
 /// those become not-a-numbers in contact.
@@ -22,8 +20,6 @@ bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, const
   const double slack = k_rounding * (std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(p[2]));
   return k.road_is_rigidly_placed && p[2] - slack > static_cast<double>(road.cells.top(cell)) && p[2] < k_far;
 }
-
-double at_rest_below_threshold(double slip) { return std::fabs(slip) < k_slip_at_rest ? 0.0 : slip; }
 
 void set_velocities(const kinematics& k, Croad_contact& rc) {
   double by_rotation[3], of_road[3], b[3], u[3];
@@ -80,11 +76,10 @@ void complete(kinematics& k) {
 
 namespace {
 
-/// Where the points of a block are: lever, position, position from the road base marker (ground axes), and on the
-/// road (its axes, with the cell's column and row before truncation).
+/// Where the points of a block are: lever and position (ground axes), and from the road base marker.
 struct places {
-  vectors lever, position, relative, p;
-  double column[k_block], row[k_block];
+  vectors lever, position;
+  road_places on_road;
 };
 
 QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const contact_block& block, places& at) {
@@ -100,15 +95,8 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const c
     at.position.x[i] = at.lever.x[i] + k.d1[0];
     at.position.y[i] = at.lever.y[i] + k.d1[1];
     at.position.z[i] = at.lever.z[i] + k.d1[2];
-    at.relative.x[i] = at.position.x[i] - k.d5[0];
-    at.relative.y[i] = at.position.y[i] - k.d5[1];
-    at.relative.z[i] = at.position.z[i] - k.d5[2];
   }
-  rotate(k.A5t, at.relative, at.p, block.count);
-  for (int i = 0; i < block.count; ++i) {
-    at.column[i] = (at.p.x[i] + road.x_offset) / road.cell_dx;
-    at.row[i] = (at.p.y[i] + road.y_offset) / road.cell_dy;
-  }
+  find_road_places(road, k, at.position, block.count, at.on_road);
 }
 
 [[noreturn]] void refuse_place(const CRoad& road, const double* p, int& ierr, char** msg) {
@@ -121,37 +109,18 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const c
 }
 
 /// Keeps the points over or in the road.
-int keep_points_on_road(const CRoad& road, const places& at, contact_block& block, int& ierr, char** msg) {
-  int count = 0;
+void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, int& ierr, char** msg) {
   for (int i = 0; i < block.count; ++i) {
     Croad_contact& rc = *block.points[i];
     take(at.position, i, rc.position);
+    take(at.lever, i, rc.lever);
     rc.sinkage = 0.0;
     block.in_contact[i] = false;
-    search_point& point = block.near[count];
-    take(at.p, i, point.p);
-    if (std::isnan(point.p[0]) || std::isnan(point.p[1])) refuse_place(road, point.p, ierr, msg);
-    if (out_of_extent(road, point.p) || road.cells.empty()) continue;
-    point.index = i;
-    point.cell = cell_at(road, at.column[i], at.row[i]);
-    __builtin_prefetch(road.cells.data(point.cell));
-    take(at.lever, i, rc.lever);
-    take(at.relative, i, rc.relative_position);
-    ++count;
+    double p[3];
+    take(at.on_road.p, i, p);
+    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, ierr, msg);
+    keep_near(road, at.on_road, i, block);
   }
-  return count;
-}
-
-/// Drops the points that are certainly above the road and fetches the others' lists.
-int drop_points_above(const CRoad& road, const kinematics& k, search_point* points, int count) {
-  int kept = 0;
-  for (int i = 0; i < count; ++i) {
-    if (clear_above(road, k, points[i].cell, points[i].p)) continue;
-    if (kept != i) points[kept] = points[i];
-    __builtin_prefetch(road.cells.list(points[kept].cell).begin());
-    ++kept;
-  }
-  return kept;
 }
 
 /// Fetches the facets that the points' lists name; neighbours mostly share a cell.
@@ -236,20 +205,37 @@ void set_wheel_ratios(const kinematics& k, contact_block& block, const search_po
 
 }  // namespace
 
+void drop_points_above(const CRoad& road, const kinematics& k, contact_block& block) {
+  search_point* points = block.near;
+  int kept = 0;
+  for (int i = 0; i < block.near_count; ++i) {
+    if (clear_above(road, k, points[i].cell, points[i].p)) continue;
+    if (kept != i) points[kept] = points[i];
+    __builtin_prefetch(road.cells.list(points[kept].cell).begin());
+    ++kept;
+  }
+  block.near_count = kept;
+  fetch_facets(road, points, kept);
+}
+
+int find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames, contact_block& block,
+                  char** msg) {
+  find_facets(handle, road, block, block.near, block.near_count, msg);
+  const int count = set_frames(block, frames, block.near, block.near_count);
+  return keep_sunk_points(road, k, block, block.near, count);
+}
+
 void place_points(const CRoad& road, const kinematics& k, contact_block& block, int& ierr, char** msg) {
   places at;
   find_places(road, k, block, at);
-  const int on_road = keep_points_on_road(road, at, block, ierr, msg);
-  block.near_count = drop_points_above(road, k, block.near, on_road);
-  fetch_facets(road, block.near, block.near_count);
+  keep_points_on_road(road, at, block, ierr, msg);
+  drop_points_above(road, k, block);
 }
 
 void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
                       contact_block& block, char** msg) {
-  search_point* points = block.near;
-  find_facets(handle, road, block, points, block.near_count, msg);
-  int count = set_frames(block, frames, points, block.near_count);
-  count = keep_sunk_points(road, k, block, points, count);
+  const search_point* points = block.near;
+  const int count = find_contacts(handle, road, k, frames, block, msg);
   if (shape != 1) set_wheel_ratios(k, block, points, count);
   for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
   for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);

@@ -1,22 +1,15 @@
 #include "soilinteraction/evaluation.h"
 
 #include <algorithm>
-#include <cmath>
-#include <initializer_list>
 #include <utility>
 
-#include "qvbrisk/services.h"
+#include "common/requests.h"
 #include "soilinteraction/contact_search.h"
 
 namespace qvsoilinteraction {
 namespace {
 
 using qvsoilrdf::CRoad;
-
-void fetch(void* handle, const char* name, std::initializer_list<int> ids, double* values, int count) {
-  int flag = 0;
-  sysary(handle, name, ids.begin(), static_cast<int>(ids.size()), values, &count, &flag);
-}
 
 /// Force, moment and area, as they stand at the head of the result array.
 struct totals {
@@ -35,27 +28,6 @@ void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point
   qv::assgvec(sc.local_force, 3, point);
   point[6] = rc.sinkage;
   point[7] = sc.dynamic_sinkage;
-}
-
-/// What a converged step leaves behind in a point.
-void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
-  if (!in_contact) {
-    if (rc.contact_state != 0.0) rc.clear_history();  // without contact before there is none
-    return;
-  }
-  rc.last_pressure = sc.pressure;
-  qv::assgvec(rc.shear_disp, 2, rc.last_shear_disp);
-  rc.last_static_sinkage = sc.static_sinkage;
-  const double depth = std::fabs(rc.sinkage);
-  if (depth > rc.max_sinkage) rc.max_sinkage = depth;
-  if (rc.contact_state == 0.0) {
-    rc.contact_state = 1.0;
-    qv::assgvec(rc.relative_position, 3, rc.first_contact_position);
-    qv::assgvec(rc.tangent_1, 3, rc.first_contact_tangent_1);
-    qv::assgvec(rc.tangent_2, 3, rc.first_contact_tangent_2);
-  } else if (rc.contact_state == 1.0) {
-    rc.contact_state = 2.0;
-  }
 }
 
 /// One call's way over the points of an element, in blocks.
@@ -163,15 +135,15 @@ private:
 kinematics fetch_kinematics(void* handle, const parameters& p) {
   const int m1 = p.body_marker, m5 = p.road_marker, m14 = p.ground_marker;
   kinematics k = {};
-  fetch(handle, "AM", {m1, m14}, k.A1, 9);
-  fetch(handle, "AM", {m5, m14}, k.A5, 9);
-  fetch(handle, "TDISP", {m1, m14, m14}, k.d1, 3);
-  fetch(handle, "TDISP", {m5, m14, m14}, k.d5, 3);
-  fetch(handle, "TVEL", {m1, m14, m14}, k.V1, 3);
-  fetch(handle, "RVEL", {m1, m14, m1}, k.W1, 3);
-  fetch(handle, "TVEL", {m5, m14, m14}, k.V5, 3);
-  fetch(handle, "RVEL", {m5, m14, m5}, k.W5, 3);
-  fetch(handle, "TDISP", {m1, m5, m5}, k.d15, 3);
+  qv::fetch_vector(handle, "AM", {m1, m14}, k.A1, 9);
+  qv::fetch_vector(handle, "AM", {m5, m14}, k.A5, 9);
+  qv::fetch_vector(handle, "TDISP", {m1, m14, m14}, k.d1, 3);
+  qv::fetch_vector(handle, "TDISP", {m5, m14, m14}, k.d5, 3);
+  qv::fetch_vector(handle, "TVEL", {m1, m14, m14}, k.V1, 3);
+  qv::fetch_vector(handle, "RVEL", {m1, m14, m1}, k.W1, 3);
+  qv::fetch_vector(handle, "TVEL", {m5, m14, m14}, k.V5, 3);
+  qv::fetch_vector(handle, "RVEL", {m5, m14, m5}, k.W5, 3);
+  qv::fetch_vector(handle, "TDISP", {m1, m5, m5}, k.d15, 3);
   complete(k);
   return k;
 }

@@ -69,15 +69,20 @@ soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
   damping_scale = (bekker.kphi * a2 + bekker.kc * a1 / (bekker.b * bekker.s)) * bekker.zeta;
 }
 
+void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
+               Csoil_contact* const* soil_contacts, int count) {
+  for (int i = 0; i < count; ++i) set_sinkage(law, patch, *road_contacts[i], *soil_contacts[i]);
+  for (int i = 0; i < count; ++i) set_normal_load(law, *road_contacts[i], *soil_contacts[i]);
+  for (int i = 0; i < count; ++i) set_shear_load(law, *road_contacts[i], *soil_contacts[i]);
+}
+
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                     Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg) {
   if (count > 0 && law.bekker.b == 0.0) {
     road_contacts[0]->damping = 0.0;
     qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", ierr, msg);
   }
-  for (int i = 0; i < count; ++i) set_sinkage(law, patch, *road_contacts[i], *soil_contacts[i]);
-  for (int i = 0; i < count; ++i) set_normal_load(law, *road_contacts[i], *soil_contacts[i]);
-  for (int i = 0; i < count; ++i) set_shear_load(law, *road_contacts[i], *soil_contacts[i]);
+  set_loads(law, patch, road_contacts, soil_contacts, count);
 }
 
 void genenralized_contact_force(const Croad_contact& rc, Csoil_contact& sc) {

@@ -100,7 +100,11 @@ inline double get_wong_shear_pressure(const soil_law& law, double strength, doub
 /// Loads of `count` points in contact: areas, sinkages, pressure, damping, shear. Each step is done for all points
 /// before the next, so that the powers and exponentials of one point need not wait for those of another.
 /// Kept: when the pressure is 0, the pressure, damping and normal force of the point's last evaluation stand on.
-/// A width of exactly 0 is a fault.
+/// Over a width of exactly 0 there is no pressure.
+void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
+               Csoil_contact* const* soil_contacts, int count);
+
+/// set_loads of a plate or wheel, for which a width of exactly 0 is a fault.
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                     Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg);
 

@@ -4,13 +4,12 @@
 #include <array>
 #include <exception>
 
-#include "common/data_file.h"
 #include "common/entry_frame.h"
 #include "common/messages.h"
 #include "common/parameters.h"
 #include "soilinteraction/evaluation.h"
 #include "soilinteraction/parameters.h"
-#include "soilrdf/rdf_reader.h"
+#include "soilrdf/load_road.h"
 
 namespace qvsoilinteraction {
 namespace {
@@ -25,26 +24,12 @@ std::vector<std::vector<force_sums>> s_3Dsoil_contact_forces_Sum;
 
 // --- set-up --------------------------------------------------------------------------------------------------
 
-void load_road(void* handle, const parameters& p, CRoad& road, int& ierr, char** msg) {
-  std::wstring file_name;
-  int length = 0;
-  if (!qv::fetch_string(handle, p.file_name, file_name, length)) {
-    qv::fault(std::string(k_prefix) + "The length of string " + std::to_string(p.file_name) + " is " +
-                  std::to_string(length) + "; it must lie between 0 and 1024.",
-              ierr, msg);
-  }
-  if (!qvsoilrdf::read_rdf(handle, file_name, road, ierr, msg)) {
-    int status = 0;
-    stop_solver(handle, 1, 0, 1, msg[0], &status);
-  }
-  road.road_id = p.road;  // even when its reading broke off: it is not read again
-}
-
 void set_up_road(void* handle, const parameters& p, int& ierr, char** msg) {
   if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
   qv::check_index(p.road, s_3Dsoil_roads.size(), "road index (parameter 3)", {k_prefix, ierr, msg});
   CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
-  if (road.road_id == qvsoilrdf::k_not_set) load_road(handle, p, road, ierr, msg);
+  if (road.road_id != qvsoilrdf::k_not_set) return;
+  qvsoilrdf::load_road(handle, p.file_name, p.road, road, {k_prefix, ierr, msg});
 }
 
 /// The entry of (road, element) in a container, which is sized on its way when it is still empty.

@@ -1,52 +1,10 @@
 #pragma once
 
-#include <cmath>
+#include "common/vectors.h"
 
 namespace qvsoilinteraction {
 
-// Loops over a block also get a version for processors with 256-bit vectors. Both round every operation alike (no
-// fused multiply-add), so the numbers are the same. Sanitizers do not get along with the choice at load time.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
-#define QV_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
-#else
-#define QV_WIDE_VECTORS
-#endif
-
-constexpr int k_block = 64;  ///< points that are worked on together
-
-/// The vectors of a block side by side, component by component, for loops that run several at a time. The same
-/// operations in the same order as the kernels of one vector.
-struct vectors {
-  double x[k_block];
-  double y[k_block];
-  double z[k_block];
-};
-
-/// qv::normalization_vec on all of them; a vector of length 0 stays as it is.
-inline void normalise(vectors& v, int count) {
-  for (int i = 0; i < count; ++i) {
-    const double length = std::sqrt(v.x[i] * v.x[i] + v.y[i] * v.y[i] + v.z[i] * v.z[i]);
-    const double reciprocal = 1.0 / (length == 0.0 ? 1.0 : length);
-    v.x[i] *= reciprocal;
-    v.y[i] *= reciprocal;
-    v.z[i] *= reciprocal;
-  }
-}
-
-/// qv::matvec on all of them
-inline void rotate(const double* A, const vectors& a, vectors& b, int count) {
-  for (int i = 0; i < count; ++i) {
-    b.x[i] = A[0] * a.x[i] + A[3] * a.y[i] + A[6] * a.z[i];
-    b.y[i] = A[1] * a.x[i] + A[4] * a.y[i] + A[7] * a.z[i];
-    b.z[i] = A[2] * a.x[i] + A[5] * a.y[i] + A[8] * a.z[i];
-  }
-}
-
-/// One of them, out of the row.
-inline void take(const vectors& v, int i, double* to) {
-  to[0] = v.x[i];
-  to[1] = v.y[i];
-  to[2] = v.z[i];
-}
+using qv::k_block;  ///< points that are worked on together
+using qv::vectors;
 
 }  // namespace qvsoilinteraction

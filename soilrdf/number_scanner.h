@@ -52,7 +52,8 @@ inline bool scan_number(const char*& at, const char* end, double& value) {
     decimals = c - fraction;
     count += decimals;
   }
-  if (count == 0 || count > 15 || (c != end && !is_blank(*c))) return scan_any_number(at, end, value);
+  const bool exponent = c != end && (*c == 'e' || *c == 'E');
+  if (count == 0 || count > 15 || exponent) return scan_any_number(at, end, value);
   const double magnitude = static_cast<double>(digits) / k_powers_of_ten[decimals];
   value = negative ? -magnitude : magnitude;
   at = c;

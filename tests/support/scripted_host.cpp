@@ -1,5 +1,6 @@
 #include "support/scripted_host.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -28,19 +29,22 @@ mat3 rotation(const vec3& axis, double angle) {
 }
 
 bool ScriptedHost::vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) {
+  announce(name, ids[0]);
   if (log) {
     std::string request = name;
     for (int i = 0; i < nids; ++i) request += " " + std::to_string(ids[i]);
     requests.push_back(request);
   }
-  const marker_state* m[3] = {};
-  for (int i = 0; i < nids && i < 3; ++i) {
+  static const marker_state k_ground;
+  const bool force = std::strcmp(name, "TFORCE") == 0;
+  const marker_state* m[3] = {&k_ground, &k_ground, &k_ground};
+  for (int i = force ? 1 : 0; i < nids && i < 3; ++i) {
     const auto found = markers.find(ids[i]);
     if (found == markers.end()) return refuse();
     m[i] = &found->second;
   }
   if (std::strcmp(name, "AM") == 0) {
-    if (nids != 2 || count != 9) return refuse();
+    if (nids < 1 || nids > 2 || count != 9) return refuse();
     for (size_t c = 0; c < 3; ++c) {
       const vec3 axis = {m[0]->axes[3 * c], m[0]->axes[3 * c + 1], m[0]->axes[3 * c + 2]};
       const vec3 seen = transposed_times(m[1]->axes, axis);
@@ -48,9 +52,14 @@ bool ScriptedHost::vector_quantity(const char* name, const int* ids, int nids, d
     }
     return true;
   }
-  if (nids != 3 || count != 3) return refuse();
-  vec3 difference;
-  for (size_t c = 0; c < 3; ++c) {
+  if (nids < 1 || nids > 3 || count != 3) return refuse();
+  vec3 difference{};
+  if (force) {
+    const auto found = forces.find(ids[0]);
+    if (found == forces.end()) return refuse();
+    difference = found->second;
+  }
+  for (size_t c = 0; c < 3 && !force; ++c) {
     if (std::strcmp(name, "TDISP") == 0) {
       difference[c] = m[0]->position[c] - m[1]->position[c];
     } else if (std::strcmp(name, "TVEL") == 0) {
@@ -67,6 +76,7 @@ bool ScriptedHost::vector_quantity(const char* name, const int* ids, int nids, d
 }
 
 bool ScriptedHost::scalar_quantity(const char* name, const int* ids, int nids, double& value) {
+  announce(name, ids[0]);
   if (log) requests.push_back(std::string(name) + " " + std::to_string(ids[0]));
   const auto found = scalars.find({name, ids[0]});
   if (nids != 1 || found == scalars.end()) return refuse();
@@ -75,6 +85,7 @@ bool ScriptedHost::scalar_quantity(const char* name, const int* ids, int nids, d
 }
 
 bool ScriptedHost::string_entity(int id, std::wstring& text) {
+  announce("string", id);
   if (log) requests.push_back("string " + std::to_string(id));
   const auto found = strings.find(id);
   if (found == strings.end()) return refuse();
@@ -83,6 +94,7 @@ bool ScriptedHost::string_entity(int id, std::wstring& text) {
 }
 
 bool ScriptedHost::model_path(std::wstring& text) {
+  announce("path", 0);
   if (log) requests.push_back("path");
   text = path;
   return true;
@@ -99,8 +111,23 @@ void ScriptedHost::throw_error(const char* title, int count, char** messages) {
   reports.push_back(said);
 }
 
-bool ScriptedHost::spline(double, double, int, int, double&) { return refuse(); }
-bool ScriptedHost::units(double*, void**) { return refuse(); }
+bool ScriptedHost::spline(double x, double z, int id, int order, double& value) {
+  announce("spline", id);
+  if (log) requests.push_back("spline " + std::to_string(id));
+  const auto found = splines.find(id);
+  if (found == splines.end() || z != 0.0 || order != 0) return refuse();
+  value = found->second(x);
+  return true;
+}
+
+bool ScriptedHost::units(double scale[5], void* names[5]) {
+  announce("units", 0);
+  if (log) requests.push_back("units");
+  for (int i = 0; i < 5; ++i) units_were_zeroed = units_were_zeroed && scale[i] == 0.0 && names[i] == nullptr;
+  if (!unit_scale) return refuse();
+  std::copy(unit_scale->begin(), unit_scale->end(), scale);
+  return true;
+}
 
 bool ScriptedHost::mass(int id, double& value) {
   const auto found = masses.find(id);

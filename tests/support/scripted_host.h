@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +23,7 @@ struct marker_state {
 };
 
 /// A host with scripted answers. Every request is answered from the tables below; what is not there fails (the error
-/// flag is set and the output stays) and is counted.
+/// flag is set and the output stays) and is counted. Markers that a request leaves out are the ground.
 class ScriptedHost : public qvslv::ServiceHost {
 public:
   std::map<int, marker_state> markers;
@@ -29,10 +31,16 @@ public:
   std::wstring path;
   std::map<int, double> masses;
   std::map<std::pair<std::string, int>, double> scalars;  // (name, first id)
+  std::map<int, vec3> forces;                             // "TFORCE" by its first id, in ground axes
+  std::map<int, std::function<double(double)>> splines;   // by id: the value at x
+  std::optional<std::array<double, 5>> unit_scale;        // length, mass, time, force, angle
 
+  /// Called before every request is answered, with its name and first id (0 where it has none).
+  std::function<void(const std::string& name, int id)> before_request;
   std::vector<std::string> requests;  // "AM 1 3", in order, when `log` is set
   bool log = false;
   int unanswered = 0;
+  bool units_were_zeroed = true;   // the arrays handed over whenever units were asked for
   std::vector<std::string> stops;  // "(null)" for a null text
   struct report {
     std::string title;
@@ -53,6 +61,9 @@ public:
   void* handle() { return static_cast<qvslv::ServiceHost*>(this); }
 
 private:
+  void announce(const char* name, int id) {
+    if (before_request) before_request(name, id);
+  }
   bool refuse() {
     ++unanswered;
     return false;

@@ -1,0 +1,254 @@
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "fuzz/memory_file.h"
+#include "qvbrisk/subroutines.h"
+#include "soilinteraction_mtl/containers.h"
+#include "solver/service_host.h"
+
+// A track, its outputs and its state equations with any parameters, states and order of calls. Every input starts with
+// an empty module.
+
+namespace {
+
+void forget_everything() {
+  using namespace qvsoilinteractionmtl;
+  s_3Dsoil_roads = {};
+  s_MTLsoil_forces = {};
+  s_MTLsoil_contact_forces_Sum = {};
+  s_MTLsoil_shear_forces_Sum = {};
+  s_MTLsoil_normal_forces_Sum = {};
+}
+
+constexpr int k_largest_grid = 24, k_largest_chain = 8;  // what the parameter list and the result have room for
+constexpr std::size_t k_first_node = 14, k_parameters = k_first_node + 2 * k_largest_chain;
+
+std::string flat_road(const char* soil_type, int last_triangle) {
+  std::string text = std::string("SOIL_TYPE=") + soil_type +
+                     "\nNORMAL_PRESSURE=BEKKER\nCOHESIVE_COEFF=5000\nFRICTIONAL_COEFF=1e6\nSINKAGE_EXPONENT=0.7\n"
+                     "COHESION=1700\nSENSITIVITY=1.5\nMAX_SHEAR_DISP=0.025\nFRICTION_ANGLE=29\nCOEFFICIENT_DS=0.1\n"
+                     "CRITICAL_PRESSUR=2e4\nEXPONENT_PR=0.8\nEXPONENT_SD=0.5\nNUMBER_OF_NODES=25\n";
+  for (int i = 0; i < 25; ++i) {
+    text += std::to_string(i + 1) + " " + std::to_string(i / 5) + " " + std::to_string(i % 5) + " " +
+            std::to_string(0.1 * ((i * 7) % 3)) + "\n";
+  }
+  text += "\nNUMBER_OF_ELEMENTS=" + std::to_string(last_triangle) + "\n";
+  for (int k = 0; k < last_triangle; ++k) {
+    const int a = (k / 2) / 4 * 5 + (k / 2) % 4 + 1;
+    text += k % 2 == 0 ? std::to_string(a) + " " + std::to_string(a + 5) + " " + std::to_string(a + 6) + " 0\n"
+                       : std::to_string(a) + " " + std::to_string(a + 6) + " " + std::to_string(a + 1) + " 0\n";
+  }
+  return text;
+}
+
+/// Flat, with a hole, hard, extreme heights, and three that cannot be read.
+const std::string k_roads[] = {
+    flat_road("LOAM", 32),
+    flat_road("LOAM", 17),
+    flat_road("CONCRETE", 32),
+    "SINKAGE_EXPONENT=-1\nNUMBER_OF_NODES=3\n1 0 0 1e300\n2 4 0 -1e300\n3 0 4 1\n\nNUMBER_OF_ELEMENTS=1\n1 2 3 0\n",
+    "NUMBER_OF_NODES=4\n1 0 0 0\n2 1 0 0\n3 0 1 0\n4 1e9 1e9 0\n\nNUMBER_OF_ELEMENTS=1\n1 2 3 0\n",
+    "LENGTH='CUBIT'\n",
+    "",
+};
+constexpr std::size_t k_number_of_roads = sizeof k_roads / sizeof *k_roads;
+
+/// Numbers that matter, small ones, and anything else.
+double any_number(FuzzedDataProvider& in) {
+  static const double k_special[] = {0.0,
+                                     -0.0,
+                                     1e-8,
+                                     5e-9,
+                                     4.0,
+                                     -1.0,
+                                     2147483647.0,
+                                     2147483648.0,
+                                     -2147483649.0,
+                                     1e300,
+                                     -1e300,
+                                     1e-320,
+                                     std::numeric_limits<double>::infinity(),
+                                     -std::numeric_limits<double>::infinity(),
+                                     std::numeric_limits<double>::quiet_NaN()};
+  switch (in.ConsumeIntegralInRange<int>(0, 3)) {
+    case 0:
+      return in.PickValueInArray(k_special);
+    case 1:
+      return in.ConsumeIntegralInRange<int>(-4, 20) / 4.0;
+    case 2:
+      return in.ConsumeFloatingPointInRange<double>(-0.5, 4.5);
+    default: {
+      const auto bits = in.ConsumeIntegral<std::uint64_t>();
+      double value;
+      std::memcpy(&value, &bits, sizeof value);
+      return value;
+    }
+  }
+}
+
+class FuzzedHost : public qvslv::ServiceHost {
+public:
+  explicit FuzzedHost(FuzzedDataProvider& in) : in_(in) {}
+
+  bool wild = false;  ///< states are anything; else nodes half a length apart in the ground of a road at rest
+  double depth = 0.1, belt_speed = 1.0;
+  int reports = 0;
+
+  bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
+    QV_PROMISE(nids == 2 ? count == 9 : nids == 3 && count == 3);
+    if (wild && in_.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
+    const bool matrix = std::strcmp(name, "AM") == 0;
+    for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
+    if (std::strcmp(name, "TDISP") == 0 && ids[0] >= 20 && ids[0] < 20 + k_largest_chain) {
+      values[0] = 0.5 + 0.45 * (ids[0] - 20);
+      values[1] = 2.0;
+      values[2] = 0.3 - depth;
+    }
+    if (wild) {
+      for (int c = 0; c < count; ++c)
+        if (in_.ConsumeBool()) values[c] = any_number(in_);
+    }
+    return true;
+  }
+  bool scalar_quantity(const char* name, const int*, int nids, double& value) override {
+    QV_PROMISE(nids == (std::strcmp(name, "FM") == 0 ? 2 : 1));
+    if (wild && in_.ConsumeBool()) return false;
+    value = wild ? any_number(in_) : belt_speed;
+    return true;
+  }
+  bool string_entity(int id, std::wstring& text) override {
+    static memory_file files[k_number_of_roads];
+    static const bool written = [] {
+      for (std::size_t i = 0; i < k_number_of_roads; ++i) files[i].write(k_roads[i].data(), k_roads[i].size());
+      return true;
+    }();
+    if (!written || id < 0) return false;
+    text = static_cast<std::size_t>(id) < k_number_of_roads ? files[id].path() : L"no such \x4e2d file";
+    return true;
+  }
+  bool model_path(std::wstring& text) override {
+    text = L"/proc/self/model.x";
+    return true;
+  }
+  void stop(const char* message) override { QV_PROMISE(message == nullptr); }
+  void throw_error(const char* title, int count, char** messages) override {
+    QV_PROMISE(std::strcmp(title, "USUB ERROR") == 0 && (count == 0 || count == 1));
+    ++reports;
+    for (int i = 0; i < count; ++i) {
+      QV_PROMISE(messages[i] != nullptr && messages[i][0] != '\0');
+      delete[] messages[i];
+    }
+  }
+  bool spline(double, double, int, int, double&) override { return false; }
+  bool units(double*, void**) override { return false; }
+  bool mass(int, double&) override { return false; }
+
+private:
+  FuzzedDataProvider& in_;
+};
+
+void* handle_of(FuzzedHost& host) { return static_cast<qvslv::ServiceHost*>(&host); }
+
+/// A count that the arrays have room for, or one that no call accepts.
+double capped(double count, int largest) { return count >= largest + 1 ? largest : count; }
+
+std::size_t whole_count(double count) { return count >= 2.0 ? static_cast<std::size_t>(count) : 2; }
+
+struct parameter_list {
+  std::vector<double> par = {0, 1, 0, 1, 5, 14, 3, 0.0, 0.4, 3, 2, 11, 4, 0};
+
+  parameter_list() {
+    for (int node = 0; node < k_largest_chain; ++node) {
+      par.push_back(20 + node);
+      par.push_back(0.3);
+    }
+  }
+  void change(FuzzedDataProvider& in) {
+    for (int changes = in.ConsumeIntegralInRange<int>(0, 3); changes > 0; --changes) {
+      par[in.ConsumeIntegralInRange<std::size_t>(0, k_parameters - 1)] = any_number(in);
+    }
+    par[9] = capped(par[9], k_largest_grid);
+    par[10] = capped(par[10], k_largest_grid);
+    par[12] = capped(par[12], k_largest_chain);
+  }
+  std::size_t results() const {
+    return 4 + 8 * ((whole_count(par[12]) - 1) * (whole_count(par[9]) - 1) + 1) * whole_count(par[10]);
+  }
+};
+
+constexpr double k_behind = 1234.5;
+
+std::vector<double> call(FuzzedHost& host, parameter_list& list, int iflag, double time) {
+  std::vector<double> result(list.results() + 1, k_behind);
+  host.reports = 0;
+  qvsoil_interaction_mtl(handle_of(host), time, list.par.data(), 0, 0, iflag, result.data());
+  QV_PROMISE(host.reports <= 1);
+  QV_PROMISE(result.back() == k_behind);
+  QV_PROMISE(result[3] == 0.0);
+  return result;
+}
+
+void check_same(const std::vector<double>& a, const std::vector<double>& b) {
+  for (std::size_t i = 0; i < a.size(); ++i) QV_PROMISE(a[i] == b[i] || (std::isnan(a[i]) && std::isnan(b[i])));
+}
+
+using subroutine = void (*)(void*, double, double*, int, int, int, double*);
+
+/// One of the outputs and equations; how many results it has.
+struct other {
+  subroutine call;
+  std::size_t results;
+};
+const other k_others[] = {{qvsoil_shearforce_mtl, 6},
+                          {qvsoil_normalforce_mtl, 6},
+                          {qvsoil_interaction_mtl_sum, 4},
+                          {qvsoil_mtl_eom, 6},
+                          {qvsoil_mtl_velocity, 1}};
+
+/// Indices are mostly good: track 0 of road 1 wherever they stand in the list, but for a node.
+void call_other(FuzzedDataProvider& in, FuzzedHost& host, int iflag) {
+  const other& chosen = in.PickValueInArray(k_others);
+  double par[15] = {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+  if (chosen.call == qvsoil_interaction_mtl_sum) std::swap(par[0], par[1]);
+  for (int changes = in.ConsumeIntegralInRange<int>(0, 2); changes > 0; --changes) {
+    par[in.ConsumeIntegralInRange<int>(0, 14)] = any_number(in);
+  }
+  double result[7];
+  std::fill_n(result, 7, k_behind);
+  host.reports = 0;
+  chosen.call(handle_of(host), 0.0, par, 0, 0, iflag, result);
+  QV_PROMISE(host.reports <= 1);
+  for (std::size_t i = chosen.results; i < 7; ++i) QV_PROMISE(result[i] == k_behind);
+  for (std::size_t i = 0; i < chosen.results; ++i) QV_PROMISE(result[i] != k_behind);
+}
+
+void step(FuzzedDataProvider& in, FuzzedHost& host, parameter_list& list) {
+  list.change(in);
+  host.wild = in.ConsumeBool();
+  host.depth = in.ConsumeFloatingPointInRange<double>(-0.1, 0.4);
+  host.belt_speed = in.ConsumeFloatingPointInRange<double>(-1.0, 2.0);
+  const int iflag = in.ConsumeIntegralInRange<int>(-1, 3);
+  if (in.ConsumeIntegralInRange<int>(0, 3) == 0) return call_other(in, host, iflag);
+  const double time = in.ConsumeBool() ? 0.01 : any_number(in);
+  const std::vector<double> result = call(host, list, iflag, time);
+  // A wild host would answer otherwise the second time.
+  if (!host.wild && host.reports == 0 && (iflag == 0 || iflag == 3)) check_same(result, call(host, list, iflag, time));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  forget_everything();
+  FuzzedDataProvider in(data, size);
+  FuzzedHost host(in);
+  parameter_list list;
+  list.par[2] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(k_number_of_roads));
+  if (in.ConsumeBool()) call(host, list, 1, 0.0);
+  for (int steps = 0; steps < 30 && in.remaining_bytes() > 0; ++steps) step(in, host, list);
+  return 0;
+}

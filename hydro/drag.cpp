@@ -1,0 +1,119 @@
+#include "hydro/drag.h"
+
+#include <cmath>
+
+namespace qvhydro {
+
+coefficients::coefficients(const Chydro_force& element, const Chydro_force_sub& sub) {
+  const inverse_units& u = element.inv_unit;
+  const double T2 = u.time * u.time;
+  L2 = u.length * u.length;
+  L3 = u.length * u.length * u.length;
+  force = u.force;
+  buoyancy = (u.length / T2) * (u.mass / L3) * sub.scale * element.density * element.gravity;
+  // Each corner of a patch takes a third of its area.
+  normal = (u.mass / L3) * element.drag_scale * (element.density * sub.scale * 0.5 / 3.0);
+  tangential = (u.mass / (u.length * u.time)) * element.drag_scale * (sub.tangential_coef * sub.scale / 3.0);
+  tangential_exp = sub.tangential_exp;
+  normal_units = L2 / T2;
+  tangential_units = std::pow(u.length / u.time, sub.tangential_exp);
+}
+
+void drag_block::add(const double* normal, double area, const node_state* const corners[3], int reached) {
+  const int i = count_++;
+  reached_[i] = reached;
+  area_[i] = area;
+  for (int k = 0; k < 3; ++k) normal_[k][i] = normal[k];
+  for (int n = 0; n < 3; ++n) {
+    for (int k = 0; k < 3; ++k) {
+      velocity_[n][k][i] = corners[n]->velocity[k];
+      lever_[n][k][i] = corners[n]->lever[k];
+    }
+  }
+}
+
+void drag_block::finish(const coefficients& k, drag_sums& sums) {
+  for (int n = 0; n < 3; ++n) {
+    find_speeds(n);
+    find_powers(n, k.tangential_exp);
+    find_loads(k, n);
+  }
+  add_to(sums);
+  count_ = 0;
+}
+
+/// The velocity of corner n, divided into that along the normal and that along the patch.
+QV_WIDE_VECTORS void drag_block::find_speeds(int n) {
+  const auto& v = velocity_[n];
+  auto& t = along_[n];
+  for (int i = 0; i < count_; ++i) {
+    const double vn = normal_[0][i] * v[0][i] + normal_[1][i] * v[1][i] + normal_[2][i] * v[2][i];
+    const double x = v[0][i] - vn * normal_[0][i];
+    const double y = v[1][i] - vn * normal_[1][i];
+    const double z = v[2][i] - vn * normal_[2][i];
+    const double speed = std::sqrt(x * x + y * y + z * z);
+    const double reciprocal = 1.0 / (speed == 0.0 ? 1.0 : speed);
+    t[0][i] = x * reciprocal;
+    t[1][i] = y * reciprocal;
+    t[2][i] = z * reciprocal;
+    speed_[n][i] = speed;
+    normal_speed_[n][i] = vn;
+  }
+}
+
+void drag_block::find_powers(int n, double exponent) {
+  for (int i = 0; i < count_; ++i) power_[n][i] = n < reached_[i] ? std::pow(speed_[n][i], exponent) : 0.0;
+}
+
+/// Pressure drag against the normal where the corner runs into the water, friction against the motion along the patch;
+/// nothing at corners that were not reached.
+QV_WIDE_VECTORS void drag_block::find_loads(const coefficients& k, int n) {
+  const auto& r = lever_[n];
+  auto& p = pressure_[n];
+  auto& f = friction_[n];
+  auto& b = both_[n];
+  const double normal_units = k.normal_units, tangential_units = k.tangential_units;
+  const double kn = k.normal, kt = k.tangential, L2 = k.L2, force = k.force;
+  for (int c = 0; c < 3; ++c) {
+    for (int i = 0; i < count_; ++i) {
+      const bool reached = n < reached_[i];
+      const double vn = normal_speed_[n][i];
+      const double pressure = normal_units * -(normal_[c][i] * area_[i] * kn * vn * vn) * L2 * force;
+      const double friction = tangential_units * (-(along_[n][c][i] * area_[i] * kt * power_[n][i]) * L2) * force;
+      p[c][i] = reached && vn > 0.0 ? pressure : 0.0;
+      f[c][i] = reached ? friction : 0.0;
+      b[c][i] = p[c][i] + f[c][i];
+    }
+  }
+  for (auto* load : {&p, &f, &b}) {
+    auto& l = *load;
+    for (int i = 0; i < count_; ++i) {
+      const bool reached = n < reached_[i];
+      const double x = r[1][i] * l[2][i] - r[2][i] * l[1][i];
+      const double y = r[2][i] * l[0][i] - r[0][i] * l[2][i];
+      const double z = r[0][i] * l[1][i] - r[1][i] * l[0][i];
+      l[3][i] = reached ? x : 0.0;
+      l[4][i] = reached ? y : 0.0;
+      l[5][i] = reached ? z : 0.0;
+    }
+  }
+}
+
+void drag_block::add_to(drag_sums& sums) const {
+  drag_sums s = sums;
+  for (int i = 0; i < count_; ++i) {
+    for (int n = 0; n < 3; ++n) {
+      for (int k = 0; k < 3; ++k) {
+        s.total.force[k] += both_[n][k][i];
+        s.total.torque[k] += both_[n][3 + k][i];
+        s.normal.force[k] += pressure_[n][k][i];
+        s.normal.torque[k] += pressure_[n][3 + k][i];
+        s.tangential.force[k] += friction_[n][k][i];
+        s.tangential.torque[k] += friction_[n][3 + k][i];
+      }
+    }
+  }
+  sums = s;
+}
+
+}  // namespace qvhydro

@@ -1,0 +1,79 @@
+#include "hydro/hydro_force.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "common/entry_frame.h"
+#include "common/parameters.h"
+#include "hydro/evaluation.h"
+
+namespace qvhydro {
+
+std::vector<Chydro_force> gp_hydro_force;
+std::vector<std::array<double, 2>> s_HydroForce_Report;
+
+namespace {
+
+using qv::fault_channel;
+
+Chydro_force& find_element(void* handle, const double* par, int& ierr, char** msg) {
+  const fault_channel channel{k_prefix, ierr, msg};
+  const int id = qv::to_int(par[2], "hydro force ID (parameter 2)", channel);
+  if (gp_hydro_force.empty()) {
+    const auto count =
+        static_cast<std::size_t>(qv::to_count(par[3], "number of hydro force elements (parameter 3)", channel));
+    s_HydroForce_Report.resize(count + 1);
+    gp_hydro_force.resize(count + 1);
+  }
+  qv::check_index(id, gp_hydro_force.size(), "hydro force ID (parameter 2)", channel);
+  Chydro_force& element = gp_hydro_force[static_cast<std::size_t>(id)];
+  if (element.initialized != 1) {
+    element.id = id;
+    element.initialized = 1;  // whatever comes of it: an element is set up once
+    ini_hydro_force(handle, &element, par, ierr, msg);
+  } else if (!element.files_read) {
+    qv::fault(k_prefix + ("The set-up failed before, there are no forces. HYDRO FORCE ID = " + std::to_string(id)) +
+                  ". Mend what the first message named (parameters, WAVE or CURRENT file) and start again.",
+              ierr, msg);
+  }
+  return element;
+}
+
+void force(void* handle, double time, const double* par, int iflag, double* result, int& ierr, char** msg) {
+  std::fill_n(result, k_results, 0.0);
+  Chydro_force& element = find_element(handle, par, ierr, msg);
+  const fault_channel channel{k_prefix, ierr, msg};
+  const int index = qv::to_int(par[0], "sub-element index (parameter 0)", channel);
+  qv::check_index(index, element.subs.size(), "sub-element index (parameter 0)", channel);
+  element.wave_x_first = element.wave_x[0];
+  element.wave_x_last = element.wave_x.last();
+  Chydro_force_sub& sub = element.subs[static_cast<std::size_t>(index)];
+  if (sub.initialized != 1) {
+    sub.initialized = 1;
+    ini_hydro_force_sub(&sub, par, ierr, msg, element.id);
+  }
+  evaluate(handle, time, iflag, element, sub, result);
+}
+
+}  // namespace
+
+void qvhydro_force(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag, double* result,
+                   int& ierr, char** msg) {
+  try {
+    force(handle, time, par, iflag, result, ierr, msg);
+  } catch (const std::exception& error) {
+    qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
+  }
+}
+
+}  // namespace qvhydro
+
+extern "C" QV_EXPORT void qvhydro_force(void* handle, double time, double* par, int npar, int difflag, int iflag,
+                                        double* result) {
+  qv::run_user_subroutine(qvhydro::qvhydro_force, handle, time, par, npar, difflag, iflag, result);
+}
+
+extern "C" QV_EXPORT void qvhydro_report(void* handle, double time, double* par, int npar, int difflag, int iflag,
+                                         double* result) {
+  qv::run_user_subroutine(qvhydro::qvhydro_report, handle, time, par, npar, difflag, iflag, result);
+}

@@ -1,0 +1,169 @@
+#include <cmath>
+#include <string>
+
+#include "common/kernels.h"
+#include "common/parameters.h"
+#include "hydro/files.h"
+#include "hydro/hydro_force.h"
+#include "qvbrisk/services.h"
+
+namespace qvhydro {
+namespace {
+
+using qv::fault_channel;
+
+void fetch_units(void* handle, inverse_units& inverse) {
+  double scale[5] = {};
+  void* names[5] = {};
+  int flag = 0;
+  GTUNTS(handle, scale, names, &flag);
+  inverse = {1.0 / scale[1], 1.0 / scale[0], 1.0 / scale[3], 1.0 / scale[2]};
+}
+
+void read_files(void* handle, Chydro_force& element, const fault_channel& channel) {
+  named_file wave, current;
+  std::wstring model_path;
+  wave.name = fetch_file_name(handle, element.wave_string_id, channel);
+  if (!open_wave_file(handle, wave, model_path, channel)) {
+    qv::fault("HYDRO FORCE ERROR : Failded to open WAVE file. HYDRO FORCE ID = " + std::to_string(element.id),
+              channel.ierr, channel.msg);
+  }
+  element.wave_path = wave.second_path;
+  read_wave_file(wave, element, channel);
+
+  current.name = fetch_file_name(handle, element.current_string_id, channel);
+  // Deliberate: the model's path is the one that the WAVE file needed. Where that opened as named there is none.
+  if (!current.open_as_named() && !current.open_beside(model_path)) {
+    qv::fault("HYDRO FORCE ERROR : Failded to open CURREWNT file. HYDRO FORCE ID = " + std::to_string(element.id),
+              channel.ierr, channel.msg);
+  }
+  element.current_path = current.second_path;
+  read_current_file(current, element.current1, element.current2, channel);
+}
+
+void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& channel) {
+  sub.node_count = qv::to_count(par[20], "number of nodes (parameter 20)", channel);
+  const auto count = static_cast<std::size_t>(sub.node_count);
+  sub.node_states.assign(count + 1, node_state());
+  sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: without memory there are no nodes to evaluate
+  for (std::size_t i = 0; i < count; ++i) {
+    const double* at = par + 21 + 3 * i;
+    sub.nodes[i] = {at[0], at[1], at[2]};
+    if (i == 0 || at[2] > sub.max_node_z) sub.max_node_z = at[2];
+  }
+}
+
+patch_outline outline_of(const Chydro_force_sub& sub, const int* node_ids) {
+  const Cnode& p0 = sub.nodes[static_cast<std::size_t>(node_ids[0])];
+  const Cnode& p1 = sub.nodes[static_cast<std::size_t>(node_ids[1])];
+  const Cnode& p2 = sub.nodes[static_cast<std::size_t>(node_ids[2])];
+  const double a[3] = {p0.x, p0.y, p0.z}, b[3] = {p1.x, p1.y, p1.z}, c[3] = {p2.x, p2.y, p2.z};
+  patch_outline outline;
+  for (int k = 0; k < 3; ++k) {
+    outline.centroid[k] = (a[k] + b[k] + c[k]) / 3.0;
+    outline.edge01[k] = b[k] - a[k];
+    outline.edge12[k] = c[k] - b[k];
+    outline.edge20[k] = a[k] - c[k];
+    outline.edge02[k] = -outline.edge20[k];
+  }
+  return outline;
+}
+
+/// Area, and the normal before it is brought to unit length.
+void measure(const patch_outline& outline, Cpatch& patch) {
+  double aa = 0.0, bb = 0.0, ab = 0.0;
+  qv::vectrvec(outline.edge01, outline.edge01, aa);
+  qv::vectrvec(outline.edge02, outline.edge02, bb);
+  qv::vectrvec(outline.edge01, outline.edge02, ab);
+  const double gram = aa * bb - ab * ab;
+  patch.area = gram >= 0.0 ? 0.5 * std::sqrt(gram) : 0.0;
+  qv::vectlvec(outline.edge01, outline.edge02, patch.normal);
+}
+
+std::string point_text(const Chydro_force_sub& sub, int node) {
+  const Cnode& p = sub.nodes[static_cast<std::size_t>(node)];
+  return std::to_string(node) + ", Point = " + std::to_string(p.x) + ", " + std::to_string(p.y) + ", " +
+         std::to_string(p.z);
+}
+
+/// Kept: the third node is labelled "Node2" as well.
+std::string degenerate_text(const Chydro_force_sub& sub, const Cpatch& patch, int number, double length, int force_id) {
+  return "HYDRO FORCE ERROR : Failded to calculate the normal direction of the patch. HYDRO FORCE ID = " +
+         std::to_string(force_id) + " , Patch ID = " + std::to_string(number) +
+         "\n Area = " + std::to_string(patch.area) + ", Determinant = " + std::to_string(length) +
+         ", Normal Direction = " + std::to_string(patch.normal[0]) + ", " + std::to_string(patch.normal[1]) + ", " +
+         std::to_string(patch.normal[2]) + "\n Node1 ID = " + point_text(sub, patch.node_ids[0]) +
+         "\n Node2 ID = " + point_text(sub, patch.node_ids[1]) + "\n Node2 ID = " + point_text(sub, patch.node_ids[2]);
+}
+
+/// A patch that cannot be set up leaves its record and those after it at zero: they add nothing.
+void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const fault_channel& channel) {
+  const std::size_t count_at = 21 + 3 * static_cast<std::size_t>(sub.node_count);
+  const int count = qv::to_count(par[count_at], "number of patches", channel);
+  sub.patches.assign(static_cast<std::size_t>(count) + 1, Cpatch());
+  sub.outlines.assign(static_cast<std::size_t>(count) + 1, patch_outline());
+  sub.patch_count = count;
+  for (int i = 0; i < count; ++i) {
+    Cpatch patch;
+    for (std::size_t k = 0; k < 3; ++k) {
+      // The spare node behind the last one may be named.
+      const double node = par[count_at + 1 + 3 * static_cast<std::size_t>(i) + k];
+      const auto quantity = [&] { return "node of patch " + std::to_string(i + 1); };
+      if (!(node > -1.0 && node < sub.node_count + 1.0)) {
+        qv::to_int(node, quantity().c_str(), channel);
+        qv::check_index(static_cast<int>(node), sub.nodes.size(), quantity().c_str(), channel);
+      }
+      patch.node_ids[k] = static_cast<int>(node);
+    }
+    const patch_outline outline = outline_of(sub, patch.node_ids);
+    measure(outline, patch);
+    double square = 0.0;
+    qv::vectrvec(patch.normal, patch.normal, square);
+    const double length = square > 0.0 ? std::sqrt(square) : 0.0;
+    if (length <= 0.0) qv::fault(degenerate_text(sub, patch, i + 1, length, force_id), channel.ierr, channel.msg);
+    int flag = 0;
+    qv::normalization_vec(patch.normal, flag);
+    sub.patches[static_cast<std::size_t>(i)] = patch;
+    sub.outlines[static_cast<std::size_t>(i)] = outline;
+  }
+}
+
+}  // namespace
+
+void ini_hydro_force(void* handle, Chydro_force* element, const double* par, int& ierr, char** msg) {
+  const fault_channel channel{k_prefix, ierr, msg};
+  fetch_units(handle, element->inv_unit);
+  element->subelement_count = qv::to_count(par[1], "number of sub-elements (parameter 1)", channel);
+  element->subs.resize(static_cast<std::size_t>(element->subelement_count) + 1);
+  for (int k = 0; k < 3; ++k) element->report_mass_moment[k] = element->report_buoyancy_moment[k] = 0.0;
+  element->report_mass_sum = element->report_buoyancy_sum = 0.0;
+  element->density = par[15];
+  element->gravity = par[16];
+  element->drag_scale = par[19];
+  element->time_index = 0;
+  element->wave_string_id = qv::to_int(par[7], "string of the WAVE file (parameter 7)", channel);
+  element->current_string_id = qv::to_int(par[8], "string of the CURRENT file (parameter 8)", channel);
+  read_files(handle, *element, channel);
+  element->files_read = true;
+}
+
+void ini_hydro_force_sub(Chydro_force_sub* sub, const double* par, int& ierr, char** msg, int force_id) {
+  const fault_channel channel{k_prefix, ierr, msg};
+  sub->index = qv::to_int(par[0], "sub-element index (parameter 0)", channel);
+  sub->force_id = qv::to_int(par[2], "hydro force ID (parameter 2)", channel);
+  sub->force_marker = qv::to_int(par[4], "force marker (parameter 4)", channel);
+  sub->water_marker = qv::to_int(par[5], "water marker (parameter 5)", channel);
+  sub->body_marker = qv::to_int(par[6], "body marker (parameter 6)", channel);
+  sub->mass = par[9];
+  sub->option = qv::to_int(par[10], "option (parameter 10)", channel);
+  sub->reserve = par[11];
+  sub->scale = par[12];
+  sub->t_start = par[13];
+  sub->t_end = par[14];
+  sub->tangential_coef = par[17];
+  sub->tangential_exp = par[18];
+  read_nodes(*sub, par, channel);
+  read_patches(*sub, par, force_id, channel);
+}
+
+}  // namespace qvhydro

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "common/messages.h"
+
+namespace qvsoilinteractionmtl {
+
+/// Runs a step of the track's evaluation. A standard exception becomes a message behind the banner and goes no farther.
+/// Kept: the call goes on; nothing but the message, which only a later fault makes the frame report, tells of it.
+/// @return  whether the step came to its end
+template <class Step>
+bool run_recorded(Step&& step, int& ierr, char** msg) {
+  try {
+    std::forward<Step>(step)();
+    return true;
+  } catch (const std::exception& error) {
+    qv::add_message("\n < QV_SOLVER:: BRISK ERROR> \n SOIL INTERACTION MTL ERROR : " + std::string(error.what()) + "\n",
+                    ierr, msg);
+    return false;
+  }
+}
+
+}  // namespace qvsoilinteractionmtl

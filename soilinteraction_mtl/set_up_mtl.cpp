@@ -1,0 +1,113 @@
+#include "soilinteraction_mtl/set_up_mtl.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "soilrdf/load_road.h"
+
+namespace qvsoilinteractionmtl {
+namespace {
+
+using qvsoilrdf::CRoad;
+using qvsoilrdf::k_not_set;
+
+CRoad& set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
+  if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
+  qv::check_index(p.road, s_3Dsoil_roads.size(), "road index (parameter 1)", channel);
+  CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
+  if (road.road_id == k_not_set) qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
+  return road;
+}
+
+template <class Entry>
+by_road_and_track<Entry> sized(int roads, const Entry& entry) {
+  return by_road_and_track<Entry>(static_cast<std::size_t>(roads), std::vector<Entry>(k_tracks_per_road, entry));
+}
+
+/// All or none: when memory runs out on the way, a later call begins anew.
+void size_containers(const parameters& p) {
+  if (!s_MTLsoil_forces.empty()) return;
+  const auto nodes = static_cast<std::size_t>(p.nodes);
+  auto forces = sized(p.roads, track_records(nodes, std::vector<CSoilInteractionMTL>(2)));
+  auto contact = sized(p.roads, contact_sum{});
+  auto shear = sized(p.roads, node_sum{});
+  auto normal = sized(p.roads, std::vector<node_sum>(nodes, node_sum{}));
+  s_MTLsoil_contact_forces_Sum = std::move(contact);
+  s_MTLsoil_shear_forces_Sum = std::move(shear);
+  s_MTLsoil_normal_forces_Sum = std::move(normal);
+  s_MTLsoil_forces = std::move(forces);
+}
+
+[[noreturn]] void refuse(const std::string& quantity, std::size_t value, std::size_t most,
+                         const qv::fault_channel& channel) {
+  qv::fault(channel.prefix + ("The " + quantity + " is ") + std::to_string(value) + "; it must not exceed the " +
+                std::to_string(most) + " of the set-up.",
+            channel.ierr, channel.msg);
+}
+
+void size_grids(const parameters& p, track_records& track, const qv::fault_channel& channel) {
+  const auto nodes = static_cast<std::size_t>(p.nodes);
+  if (nodes > track.size()) refuse("number of nodes (parameter 12)", nodes, track.size(), channel);
+  const auto rows = static_cast<std::size_t>(p.n_long), columns = static_cast<std::size_t>(p.n_lat);
+  for (std::size_t node = 0; node < nodes; ++node) {
+    for (std::size_t side = 0; side < 2; ++side) {
+      CSoilInteractionMTL& record = track[node][side];
+      record.road_contacts.assign(rows, std::vector<Croad_contact_mtl>(columns));
+      record.soil_contacts.assign(rows, std::vector<Csoil_contact_mtl>(columns));
+      record.nLong = p.n_long;
+      record.nLat = p.n_lat;
+      record.side = static_cast<std::int32_t>(side);
+      record.set_node_weights();
+    }
+  }
+  for (std::size_t node = 0; node < nodes; ++node) {
+    for (CSoilInteractionMTL& record : track[node]) record.track_id = p.track;  // last: records without grids have none
+  }
+}
+
+/// Constant from here on: a road is read once.
+void store_soil_type(const CRoad& road, track_records& track) {
+  for (auto& node : track)
+    for (CSoilInteractionMTL& record : node)
+      for (auto& row : record.soil_contacts)
+        for (Csoil_contact_mtl& sc : row) sc.soil_type = road.soil_type;
+}
+
+track_records* entry(const parameters& p, const qv::fault_channel& channel) {
+  return entry_or_null(s_MTLsoil_forces, p.road, "road index (parameter 1)", p.track, "track index (parameter 0)",
+                       channel);
+}
+
+/// The host's result array has room for the points of the parameters, the records for those of the set-up.
+void check_counts(const parameters& p, const track_records& track, const qv::fault_channel& channel) {
+  const auto is_set_up = [](const auto& node) { return node[0].track_id != k_not_set; };
+  const auto nodes = static_cast<std::size_t>(std::count_if(track.begin(), track.end(), is_set_up));
+  if (static_cast<std::size_t>(p.nodes) > nodes) {
+    refuse("number of nodes (parameter 12)", static_cast<std::size_t>(p.nodes), nodes, channel);
+  }
+  const CSoilInteractionMTL& record = track[0][0];
+  const std::size_t points = belt_points(p.nodes, record.nLong, record.nLat);
+  if (points <= p.points()) return;
+  qv::fault(std::string(channel.prefix) + "The number of grid points (parameters 9, 10 and 12) is " +
+                std::to_string(p.points()) + "; it must be at least the " + std::to_string(points) + " of the set-up.",
+            channel.ierr, channel.msg);
+}
+
+}  // namespace
+
+void set_up(void* handle, const parameters& p, const qv::fault_channel& channel) {
+  const CRoad& road = set_up_road(handle, p, channel);
+  size_containers(p);
+  track_records& track = *entry(p, channel);
+  if (track[0][0].track_id == k_not_set) size_grids(p, track, channel);
+  store_soil_type(road, track);
+}
+
+track_records* find_track(const parameters& p, const qv::fault_channel& channel) {
+  track_records* track = entry(p, channel);
+  if (track == nullptr || (*track)[0][0].track_id == k_not_set) return nullptr;
+  check_counts(p, *track, channel);
+  return track;
+}
+
+}  // namespace qvsoilinteractionmtl

@@ -1,0 +1,69 @@
+#include "soilinteraction_mtl/soilinteraction_mtl.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "common/entry_frame.h"
+#include "soilinteraction_mtl/evaluation_mtl.h"
+#include "soilinteraction_mtl/set_up_mtl.h"
+
+namespace qvsoilinteractionmtl {
+namespace {
+
+track_state s_state;  ///< of the call under way; grows at set-up only
+
+/// For a track that is set up, so that the containers hold its road and its index.
+track_sums clear_sums(const parameters& p) {
+  const auto road = static_cast<std::size_t>(p.road), track = static_cast<std::size_t>(p.track);
+  track_sums sums = {s_MTLsoil_contact_forces_Sum[road][track], s_MTLsoil_shear_forces_Sum[road][track],
+                     s_MTLsoil_normal_forces_Sum[road][track]};
+  sums.contact.fill(0.0);
+  sums.shear.fill(0.0);
+  for (node_sum& sum : sums.normal) sum.fill(0.0);
+  return sums;
+}
+
+void grow_state(const parameters& p) {
+  const std::size_t nodes = std::max(s_state.nodes.size(), static_cast<std::size_t>(p.nodes));
+  s_state.radii.resize(nodes);
+  s_state.nodes.resize(nodes);
+}
+
+void interaction(void* handle, double time, double* par, int iflag, double* result, int& ierr, char** msg) {
+  std::fill_n(result, k_totals, 0.0);
+  const qv::fault_channel channel{k_prefix, ierr, msg};
+  const parameters p(par, channel);
+  track_records* track = find_track(p, channel);
+  std::fill_n(result, k_totals + k_values_per_point * p.points(), 0.0);
+  if (iflag == 1) {
+    grow_state(p);
+    set_up(handle, p, channel);
+    track = find_track(p, channel);
+  }
+  if (track == nullptr) return;  // asked before its set-up a track has no points and exerts nothing
+  read_nodes(par, p, s_state, channel);
+  const track_sums sums = clear_sums(p);
+  fetch_motion(handle, p, s_state);
+  const double L = lay_belt(s_state, p.nodes, *track);
+  evaluate_track(handle, time, p, iflag, s_3Dsoil_roads[static_cast<std::size_t>(p.road)], s_state, L, *track, sums,
+                 result, ierr, msg);
+}
+
+}  // namespace
+
+void qvsoil_interaction_mtl(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag,
+                            double* result, int& ierr, char** msg) {
+  try {
+    interaction(handle, time, par, iflag, result, ierr, msg);
+  } catch (const std::exception& error) {
+    qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
+  }
+}
+
+}  // namespace qvsoilinteractionmtl
+
+extern "C" QV_EXPORT void qvsoil_interaction_mtl(void* handle, double time, double* par, int npar, int difflag,
+                                                 int iflag, double* result) {
+  qv::run_user_subroutine(qvsoilinteractionmtl::qvsoil_interaction_mtl, handle, time, par, npar, difflag, iflag,
+                          result);
+}

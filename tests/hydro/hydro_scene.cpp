@@ -1,0 +1,207 @@
+#include "hydro/hydro_scene.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "qvbrisk/subroutines.h"
+#include "support/temporary_folder.h"
+
+namespace qvtest {
+namespace {
+
+int elements_taken = 0;
+
+std::string number(double value) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%.17g", value);
+  return text;
+}
+
+vec3 slots(const std::vector<double>& result, std::size_t first) {
+  return {result.at(first), result.at(first + 1), result.at(first + 2)};
+}
+
+}  // namespace
+
+int fresh_element() {
+  if (elements_taken > k_elements) std::abort();
+  return elements_taken++;
+}
+
+std::string temporary_path(const std::string& name) {
+  static const TemporaryFolder folder;
+  return folder.path(name);
+}
+
+std::string write_file(const std::string& name, const std::string& text) {
+  std::string path = temporary_path(name);
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  if (!file.flush()) std::abort();
+  return path;
+}
+
+std::wstring wide(const std::string& text) { return {text.begin(), text.end()}; }
+
+std::string wave_text(const qvref::wave_file& wave, const std::string& separator) {
+  const auto rows = static_cast<std::size_t>(wave.rows), cols = static_cast<std::size_t>(wave.cols);
+  std::string text = std::to_string(rows) + separator + std::to_string(cols) + "\n";
+  for (std::size_t j = 0; j < cols; ++j) text += number(wave.x[j]) + (j + 1 < cols ? separator : "\n");
+  for (std::size_t i = 0; i < rows; ++i) {
+    text += number(wave.time[i]);
+    for (std::size_t j = 0; j < cols; ++j) text += separator + number(wave.elevation[i][j]);
+    for (std::size_t j = 0; j < cols; ++j) text += separator + number(wave.velocity[i][j]);
+    text += "\n";
+  }
+  return text;
+}
+
+std::string current_text(const qvref::current_file& currents, const std::string& separator) {
+  std::string text;
+  for (const qvref::current_table* table : {&currents.first, &currents.second}) {
+    text += std::to_string(table->count) + separator + std::to_string(table->mode) + "\n";
+    for (std::size_t i = 0; i < static_cast<std::size_t>(table->count); ++i) {
+      text += number(table->key[i]) + separator + number(table->value[i]) + "\n";
+    }
+  }
+  return text;
+}
+
+qvref::wave_file calm_water(double length, double elevation, double velocity) {
+  qvref::wave_file wave;
+  wave.rows = wave.cols = 2;
+  wave.time = {0.0, 1000.0, 1000.0};
+  wave.x = {0.0, length, length};
+  wave.elevation.assign(3, std::vector<double>(3, elevation));
+  wave.velocity.assign(3, std::vector<double>(3, velocity));
+  return wave;
+}
+
+qvref::current_file steady_current(double along_x, double along_y) {
+  qvref::current_file currents;
+  currents.first = {1, 0, {0.0, 0.0}, {along_x, along_x}};
+  currents.second = {1, 0, {0.0, 0.0}, {along_y, along_y}};
+  return currents;
+}
+
+std::vector<double> hydro_parameters::list() const {
+  std::vector<double> par = {static_cast<double>(sub),
+                             static_cast<double>(subs),
+                             static_cast<double>(id),
+                             k_elements,
+                             k_force_marker,
+                             k_water_marker,
+                             k_body_marker,
+                             k_wave_string,
+                             k_current_string,
+                             mass,
+                             option,
+                             reserve,
+                             scale,
+                             t_start,
+                             t_end,
+                             density,
+                             gravity,
+                             tangential_coef,
+                             tangential_exp,
+                             drag_scale,
+                             static_cast<double>(shape.nodes.size())};
+  for (const qvref::v3& node : shape.nodes) par.insert(par.end(), node.begin(), node.end());
+  par.push_back(static_cast<double>(shape.patches.size()));
+  for (const auto& patch : shape.patches) par.insert(par.end(), patch.begin(), patch.end());
+  return par;
+}
+
+HydroScene::HydroScene(const hull& shape, const qvref::wave_file& wave, const qvref::current_file& currents) {
+  parameters.shape = shape;
+  parameters.id = fresh_element();
+  const std::string suffix = std::to_string(parameters.id) + ".txt";
+  host.strings[k_wave_string] = wide(write_file("wave" + suffix, wave_text(wave)));
+  host.strings[k_current_string] = wide(write_file("current" + suffix, current_text(currents)));
+  host.unit_scale = {1.0, 1.0, 1.0, 1.0, 1.0};
+  host.markers[k_body_marker] = host.markers[k_force_marker] = {};
+  host.markers[k_water_marker].position = {-100.0, 0.0, 0.0};
+  host.forces[force_of_report] = {0.0, 0.0, 0.0};
+}
+
+void HydroScene::place(const vec3& position, const mat3& axes) {
+  body().position = force_marker().position = position;
+  body().axes = force_marker().axes = axes;
+}
+
+void HydroScene::move(const vec3& velocity, const vec3& angular_velocity) {
+  body().velocity = velocity;
+  body().angular_velocity = angular_velocity;
+}
+
+const std::vector<double>& HydroScene::call(double time, int iflag) {
+  result_.assign(35, k_poison);
+  std::vector<double> par = parameters.list();
+  const std::vector<double> before = par;
+  qvhydro_force(host.handle(), time, par.data(), -1, 7, iflag, result_.data());
+  EXPECT_EQ(first_difference(par, before), -1) << "the parameter list is the host's";
+  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
+  EXPECT_EQ(host.unanswered, 0);
+  result_.pop_back();
+  return result_;
+}
+
+hull_forces HydroScene::forces(double time, int iflag) {
+  const std::vector<double>& r = call(time, iflag);
+  EXPECT_EQ(take_report(), "");
+  return {slots(r, 0),  slots(r, 3),  slots(r, 6),  slots(r, 9),  slots(r, 12), slots(r, 15),
+          slots(r, 18), slots(r, 21), slots(r, 24), slots(r, 27), slots(r, 30), r[33]};
+}
+
+std::vector<double> HydroScene::report_list() const {
+  std::vector<double> par(12, k_poison);
+  par[1] = parameters.id;
+  par[2] = k_body_marker;
+  par[3] = k_water_marker;
+  par[5] = force_of_report;
+  par[6] = marker_of_force;
+  par[11] = static_cast<double>(points.size());
+  par.insert(par.end(), points.begin(), points.end());
+  return par;
+}
+
+const std::vector<double>& HydroScene::call_report(int iflag) {
+  result_.assign(19 + 4 * points.size(), k_poison);
+  std::vector<double> par = report_list();
+  qvhydro_report(host.handle(), 0.0, par.data(), -1, 7, iflag, result_.data());
+  EXPECT_EQ(first_difference(par, report_list()), -1) << "the parameter list is the host's";
+  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
+  EXPECT_EQ(host.unanswered, 0);
+  result_.pop_back();
+  return result_;
+}
+
+hull_report HydroScene::report() {
+  const std::vector<double>& r = call_report();
+  EXPECT_EQ(take_report(), "");
+  return {r[0], r[4], r[5], r[9], r[10], r[14], slots(r, 1), slots(r, 6), slots(r, 11), slots(r, 15)};
+}
+
+std::string HydroScene::take_report() {
+  std::string said;
+  for (const ScriptedHost::report& report : host.reports) {
+    EXPECT_EQ(report.title, "USUB ERROR");
+    EXPECT_EQ(report.messages.size(), 1U);
+    for (const std::string& message : report.messages) said += message;
+  }
+  host.reports.clear();
+  return said;
+}
+
+int first_difference(const std::vector<double>& a, const std::vector<double>& b) {
+  if (a.size() != b.size()) return static_cast<int>(std::min(a.size(), b.size()));
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (!same(a[i], b[i])) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace qvtest

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <utility>
+
+#include "hydro/hydro_force.h"
+
+namespace qvtest {
+
+/// While it lives, the hydro module is as it is before the first call of a process.
+class empty_module {
+public:
+  empty_module() {
+    elements_.swap(qvhydro::gp_hydro_force);
+    report_.swap(qvhydro::s_HydroForce_Report);
+  }
+  ~empty_module() {
+    elements_.swap(qvhydro::gp_hydro_force);
+    report_.swap(qvhydro::s_HydroForce_Report);
+  }
+  empty_module(const empty_module&) = delete;
+  empty_module& operator=(const empty_module&) = delete;
+
+private:
+  std::vector<qvhydro::Chydro_force> elements_;
+  std::vector<std::array<double, 2>> report_;
+};
+
+inline qvhydro::Chydro_force& element_of(int id) { return qvhydro::gp_hydro_force.at(static_cast<std::size_t>(id)); }
+
+}  // namespace qvtest

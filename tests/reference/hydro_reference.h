@@ -1,0 +1,112 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "reference/linear_algebra.h"
+
+/// Hull forces once more, slow and literal: files by formatted stream extraction, every quantity of every corner of
+/// every patch worked out where it is needed, tables searched from their beginning, nothing kept but what is history.
+namespace qvref {
+
+/// A table of positions or keys and one entry more, which repeats the last.
+using axis = std::vector<double>;
+
+struct wave_file {
+  int rows = 0, cols = 0;
+  axis time, x;                                          // rows + 1, cols + 1
+  std::vector<std::vector<double>> elevation, velocity;  // rows + 1, of cols + 1 each
+};
+wave_file read_wave(std::istream& file);
+wave_file read_wave(const std::string& path);
+
+struct current_table {
+  int count = 0, mode = 0;
+  axis key, value;  // count + 1
+};
+struct current_file {
+  current_table first, second;
+};
+current_file read_current(std::istream& file);
+current_file read_current(const std::string& path);
+
+/// Row of the table and shares of this and the next one.
+struct time_weights {
+  int row = 0;
+  double w0 = 0.0, w1 = 0.0;
+};
+time_weights find_row(const wave_file& wave, int& time_index, double time, int iflag);
+
+/// The first interval from `from` on that holds x, or -1.
+int find_interval(const axis& a, int count, double x, int from = 0);
+double wave_value(const wave_file& wave, const std::vector<std::vector<double>>& table, const time_weights& w, int j,
+                  double x);
+double current_value(const current_table& table, double x, double y, int& row);
+
+double projected_area(const v3& a, const v3& b, const v3& c);
+
+struct column_result {
+  double volume = 0.0;
+  v3 moment{};  ///< water frame, signed
+};
+/// Water column over a triangle with corners q in the water frame and nz the third component of its normal.
+column_result water_column(double x_first, double x_last, const std::array<v3, 3>& q, double nz, double h);
+
+struct hull_patch {
+  std::array<int, 3> nodes{};
+  v3 centroid{}, normal{}, edge01{}, edge12{}, edge20{}, edge02{};
+  double area = 0.0;
+  std::array<int, 3> wave_col{}, current1_row{}, current2_row{};
+};
+
+struct hull_part {
+  bool set_up = false;
+  std::vector<double> par;
+  std::vector<v3> nodes;
+  std::vector<hull_patch> patches;
+};
+
+/// How often what may happen to a corner did.
+struct hull_census {
+  long corners = 0, off_table = 0, between_columns = 0, dry = 0, wet = 0, normal_drag = 0, cut_patches = 0;
+};
+
+class hull_element {
+public:
+  hull_element(const wave_file& wave, const current_file& currents, const std::array<double, 5>& unit_scale)
+      : wave_(wave), currents_(currents), unit_scale_(unit_scale) {}
+
+  /// 34 results.
+  std::vector<double> call(void* handle, double time, const std::vector<double>& par, int iflag);
+  /// 18 + 4K results; `massless` when there is nothing to report of.
+  std::vector<double> report(void* handle, const std::vector<double>& par, int iflag, bool& massless);
+
+  const hull_census& census() const { return census_; }
+  const hull_part& part(int sub) { return parts_[sub]; }
+  int time_index() const { return time_index_; }
+
+private:
+  struct frames;
+  struct loads;
+  void patch_drag(const hull_part& part, hull_patch& patch, const frames& f, const time_weights& w,
+                  std::array<double, 3>& elevation, loads& sums);
+
+  wave_file wave_;
+  current_file currents_;
+  std::array<double, 5> unit_scale_;
+  std::vector<double> element_par_;
+  std::map<int, hull_part> parts_;
+  int time_index_ = 0;
+  double mass_sum_ = 0.0, buoyancy_sum_ = 0.0;
+  v3 mass_moment_{}, buoyancy_moment_{};
+  hull_census census_;
+};
+
+hull_part set_up_part(const std::vector<double>& par);
+
+/// A vector quantity of markers from the host.
+v3 ask_vector(void* handle, const char* name, const std::vector<int>& ids);
+m33 ask_axes(void* handle, int marker);
+
+}  // namespace qvref
