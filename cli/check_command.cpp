@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include "cli/check_water.h"
 #include "cli/commands.h"
 #include "solver/expand.h"
 #include "solver/make_road.h"
@@ -20,11 +21,12 @@ struct FileRequest {
   std::vector<std::string> overrides;
 };
 
-bool is_road(const std::string& file) {
+/// The file name's ending in lower case: what tells data files from models.
+std::string ending_of(const std::string& file) {
   std::string extension = std::filesystem::path(file).extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-  return extension == ".rdf";
+  return extension;
 }
 
 void tell_road(const qvslv::RoadCheck& road) {
@@ -58,14 +60,22 @@ void tell_model(const qvslv::ModelFile& file) {
   for (const qvslv::Body& body : model.bodies) std::printf("  body %s: mass %g\n", body.name.c_str(), body.mass);
   count(model.joints.size(), "joint");
   count(model.forces.size(), "force");
+  if (!model.variables.empty()) count(model.variables.size(), "variable");
+  if (!model.equations.empty()) count(model.equations.size(), "equation");
+  if (!model.splines.empty()) count(model.splines.size(), "spline");
   for (const qvslv::Element& element : model.elements)
     std::printf("  element %s: %s, %zu parameters, %d results\n", element.name.c_str(), element.subroutine.c_str(),
                 element.par.size(), element.result_length);
+  for (const qvslv::HullSummary& hull : file.hulls)
+    std::printf("  hull %s: %zu nodes, %zu triangles, volume %.6g, area %.6g, centre of volume (%.4g, %.4g, %.4g)\n",
+                hull.name.c_str(), hull.nodes, hull.patches, hull.volume, hull.area, hull.center[0], hull.center[1],
+                hull.center[2]);
 }
 
-/// Roads that the model uses and that are there; those to be made are only announced.
-bool tell_roads_of(const qvslv::ModelFile& file) {
+/// Roads that the model uses and that are there; files to be made are only announced.
+bool tell_files_of(const qvslv::ModelFile& file) {
   bool refused = false;
+  tell_water_of(file);
   for (const qvslv::RoadRecipe& recipe : file.roads)
     if (qvslv::road_file_state(recipe.path, recipe.settings) != qvslv::RoadFileState::current)
       std::printf("  road %s: a run makes it first (%lld triangles)\n", recipe.path.c_str(),
@@ -87,7 +97,7 @@ bool tell_roads_of(const qvslv::ModelFile& file) {
 int check_model(const FileRequest& request) {
   const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides);
   tell_model(file);
-  const bool refused = tell_roads_of(file);
+  const bool refused = tell_files_of(file);
   for (const std::string& warning : file.warnings)
     std::fprintf(stderr, "%s: %s\n", refused ? "error" : "warning", warning.c_str());
   if (refused) return k_bad_input;
@@ -106,11 +116,17 @@ void add_overrides(CLI::App* command, FileRequest& request) {
 
 void add_check_command(CLI::App& app, Action& action) {
   auto request = std::make_shared<FileRequest>();
-  CLI::App* command = app.add_subcommand("check", "Read a model file or a road file and tell what is in it");
-  command->add_option("file", request->file, "Model file (TOML) or road file (.rdf)")->required();
+  CLI::App* command = app.add_subcommand("check", "Read a model or data file and tell what is in it");
+  command->add_option("file", request->file, "Model file (TOML), road (.rdf), WAVE (.wave) or CURRENT file (.current)")
+      ->required();
   add_overrides(command, *request);
   command->callback([request, &action] {
-    action = [request] { return is_road(request->file) ? check_road(request->file) : check_model(*request); };
+    action = [request] {
+      const std::string ending = ending_of(request->file);
+      if (ending == ".rdf") return check_road(request->file);
+      if (ending == ".wave") return check_wave(request->file);
+      return ending == ".current" ? check_current(request->file) : check_model(*request);
+    };
   });
 }
 

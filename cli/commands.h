@@ -24,6 +24,9 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed);
 void add_check_command(CLI::App& app, Action& action);
 void add_expand_command(CLI::App& app, Action& action);
 void add_make_command(CLI::App& app, Action& action);
+/// Subcommands of `make`.
+void add_make_wave(CLI::App& make, Action& action);
+void add_make_current(CLI::App& make, Action& action);
 
 /// A mistake on the command line that shows only after it is read.
 class UsageError : public std::runtime_error {

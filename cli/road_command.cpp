@@ -141,6 +141,8 @@ void add_make_command(CLI::App& app, Action& action) {
   add_geometry_options(road, *request);
   add_soil_options(road, *request);
   road->callback([request, &action] { action = [request] { return make_road(*request); }; });
+  add_make_wave(*make, action);
+  add_make_current(*make, action);
 }
 
 }  // namespace qvcli

@@ -88,7 +88,7 @@ std::string time_unit_symbol(const qvslv::Units& units) {
 int run(RunRequest request) {
   const qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
   for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
-  for (const std::string& line : qvslv::bring_roads_up_to_date(file))
+  for (const std::string& line : qvslv::bring_files_up_to_date(file))
     if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
   if (request.out.empty()) request.out = default_results_folder(request.model);
 

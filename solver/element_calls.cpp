@@ -65,9 +65,9 @@ void ElementCalls::set_up(const SimTK::State& state) {
 }
 
 void ElementCalls::after_step(const SimTK::State& state) {
-  for (const bool forces : {true, false}) {
+  for (const bool evaluated : {true, false}) {
     for (size_t i = 0; i < size(); ++i) {
-      if (is_force(i) == forces) call(i, CallKind::converged_step, state);
+      if (is_evaluated(i) == evaluated) call(i, CallKind::converged_step, state);
     }
   }
 }

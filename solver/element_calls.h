@@ -26,12 +26,14 @@ public:
   /// The call at the start: all elements, in file order.
   void set_up(const SimTK::State& state);
 
-  /// The call after an accepted step: forces, then reports, each in file order.
+  /// The call after an accepted step: all that are evaluated, then reports, each in file order.
   void after_step(const SimTK::State& state);
 
   const std::vector<double>& result(size_t element) const { return m_bound[element].result; }
   size_t size() const { return m_bound.size(); }
   bool is_force(size_t element) const { return m_model.elements[element].kind == ElementKind::force; }
+  /// Forces, and elements of kind `evaluated`.
+  bool is_evaluated(size_t element) const { return m_model.elements[element].kind != ElementKind::report; }
 
   /// Force and torque of a force element as just returned, turned into ground axes.
   AppliedLoad find_load(size_t element, const SimTK::State& state, const Multibody& multibody) const;

@@ -29,17 +29,6 @@ enum SoilPar : size_t {
 
 double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
 
-/// The file a contact's `road` means: that of a [[road]] with this name, else the text itself.
-std::string road_file(const TableReader& table, const Reading& reading) {
-  const std::string road = table.text("road");
-  if (reading.roads.has(road)) {
-    const int index = reading.roads.find(road, table.what(), table.position("road"));
-    return fs::path(reading.file.roads[static_cast<size_t>(index)].file).lexically_normal().string();
-  }
-  require_data_file(road, reading, table.what() + ", road", table.position("road"));
-  return fs::path(road).lexically_normal().string();
-}
-
 void add_sum(const std::string& road, int number, Reading& reading) {
   Element sum;
   sum.subroutine = "qvsoil_interaction_Sum";
@@ -53,6 +42,16 @@ void add_sum(const std::string& road, int number, Reading& reading) {
 
 }  // namespace
 
+std::string road_file_of(const TableReader& table, const Reading& reading) {
+  const std::string road = table.text("road");
+  if (reading.roads.has(road)) {
+    const int index = reading.roads.find(road, table.what(), table.position("road"));
+    return fs::path(reading.file.roads[static_cast<size_t>(index)].file).lexically_normal().string();
+  }
+  require_data_file(road, reading, table.what() + ", road", table.position("road"));
+  return fs::path(road).lexically_normal().string();
+}
+
 Element read_soil_contact(const TableReader& table, Reading& reading, SoilContact& contact) {
   const bool wheel = table.choice("shape", {"plate", "wheel"}) == "wheel";
   const char* size_key = wheel ? "radius" : "length";
@@ -63,7 +62,7 @@ Element read_soil_contact(const TableReader& table, Reading& reading, SoilContac
   for (const double count : grid)
     if (!(count >= 1 && count <= 1e5) || count != static_cast<double>(static_cast<int>(count)))
       table.fail("grid", "two whole numbers, 1 or more, are expected: points along (or around) and across");
-  contact.road = road_file(table, reading);
+  contact.road = road_file_of(table, reading);
   contact.sum = table.flag("sum", false);
 
   const Model& model = reading.model();

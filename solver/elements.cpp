@@ -1,7 +1,12 @@
 #include "solver/elements.h"
 
 #include <cmath>
+#include <map>
 
+#include "solver/element_hull.h"
+#include "solver/element_par.h"
+#include "solver/element_thruster.h"
+#include "solver/element_track.h"
 #include "solver/nearest_name.h"
 #include "solver/unit_names.h"
 
@@ -9,15 +14,24 @@ namespace qvslv {
 
 namespace {
 
-const std::vector<std::string> k_types = {"subroutine", "soil_contact", "balls"};
+const std::vector<std::string> k_types = {"subroutine", "soil_contact", "track", "hull", "thruster", "balls"};
 
 const std::vector<std::string>& keys_of(const std::string& type) {
-  static const std::vector<std::string> plain = {"name",   "type",     "subroutine", "par",           "kind",
-                                                 "marker", "reaction", "axes",       "result_length", "columns"};
-  static const std::vector<std::string> soil = {"name",   "type",   "shape", "marker", "road", "road_marker",
-                                                "radius", "length", "width", "grid",   "sum"};
-  static const std::vector<std::string> balls = {"name", "type", "bodies", "diameters"};
-  return type == "subroutine" ? plain : type == "soil_contact" ? soil : balls;
+  static const std::map<std::string, std::vector<std::string>> keys = {
+      {"subroutine",
+       {"name", "type", "subroutine", "par", "kind", "marker", "reaction", "axes", "result_length", "columns"}},
+      {"soil_contact",
+       {"name", "type", "shape", "marker", "road", "road_marker", "radius", "length", "width", "grid", "sum"}},
+      {"track",
+       {"name", "type", "hull", "wheels", "road", "road_marker", "reference", "width", "thickness", "grid",
+        "belt_speed", "drive"}},
+      {"hull", {"name",   "type",       "body", "mesh",    "mesh_scale", "flip",    "mesh_marker",
+                "marker", "water",      "wave", "current", "density",    "gravity", "scale",
+                "active", "drag_scale", "mass", "parts",   "tangential", "report"}},
+      {"thruster",
+       {"name", "type", "marker", "mode", "variable", "equation", "speed_control", "gains", "limit", "wave", "water"}},
+      {"balls", {"name", "type", "bodies", "diameters"}}};
+  return keys.at(type);
 }
 
 /// Every key of every type: which ones belong is judged once the type is known.
@@ -37,17 +51,22 @@ void check_keys(const TableReader& table, const std::string& type) {
   }
 }
 
-/// Numbered contacts and hand-numbered ones would claim the same places.
-void check_not_mixed(const Model& model, const std::vector<SoilContact>& contacts) {
-  if (contacts.empty()) return;
+/// Indices into Model::elements of those that a readable layer made and numbers, and what to call them.
+struct Numbered {
+  std::vector<size_t> elements;
+  std::string subroutine, type, counted;
+};
+
+/// Numbered elements and hand-numbered ones would claim the same places.
+void check_not_mixed(const Model& model, const Numbered& numbered) {
+  if (numbered.elements.empty()) return;
   for (size_t i = 0; i < model.elements.size(); ++i) {
     bool readable = false;
-    for (const SoilContact& contact : contacts) readable = readable || contact.element == i;
-    if (!readable && model.elements[i].subroutine == "qvsoil_interaction")
-      throw ModelError(model.elements[i].at,
-                       "element '" + model.elements[i].name +
-                           "': qvsoil_interaction beside a soil_contact; road and element numbers are counted over all "
-                           "contacts, so write either all of them plain or all as soil_contact");
+    for (const size_t own : numbered.elements) readable = readable || own == i;
+    if (!readable && model.elements[i].subroutine == numbered.subroutine)
+      throw ModelError(model.elements[i].at, "element '" + model.elements[i].name + "': " + numbered.subroutine +
+                                                 " beside a " + numbered.type + "; " + numbered.counted +
+                                                 ", so write either all of them plain or all as " + numbered.type);
   }
 }
 
@@ -132,6 +151,8 @@ ContactPoints contact_points(const Element& element) {
 
 }  // namespace
 
+std::string speed_symbol(const Units& units) { return symbols_of(units).speed; }
+
 int marker_with_id(const Model& model, double id) {
   for (size_t i = 0; i < model.markers.size(); ++i)
     if (model.markers[i].id == static_cast<int>(id)) return static_cast<int>(i);
@@ -142,20 +163,6 @@ int body_with_id(const Model& model, double id) {
   for (size_t i = 0; i < model.bodies.size(); ++i)
     if (model.bodies[i].id == static_cast<int>(id)) return static_cast<int>(i);
   return k_none;
-}
-
-std::string name_behind(const Model& model, const ParSlot& slot, double value) {
-  if (slot.kind == ParKind::marker) {
-    const int marker = marker_with_id(model, value);
-    return marker == k_none ? "" : "marker:" + model.markers[static_cast<size_t>(marker)].name;
-  }
-  if (slot.kind == ParKind::body) {
-    const int body = body_with_id(model, value);
-    return body == k_none ? "" : "body:" + model.bodies[static_cast<size_t>(body)].name;
-  }
-  if (slot.kind == ParKind::file && value >= 1 && value <= static_cast<double>(model.strings.size()))
-    return "string:" + model.strings[static_cast<size_t>(value) - 1].name;
-  return "";
 }
 
 std::vector<ResultColumn> default_columns(const Element& element, const Model& model) {
@@ -209,30 +216,122 @@ void set_defaults(Element& element, const SubroutineLayout& layout, const Model&
   }
 }
 
-void read_elements(const TableReader& root, Reading& reading) {
+namespace {
+
+Element made_equation_element(const SubroutineEquation& from, const Model& model) {
+  Element element;
+  element.kind = ElementKind::evaluated;
+  element.subroutine = from.subroutine;
+  element.par = from.par;
+  set_defaults(element, *find_layout(from.subroutine), model);
+  return element;
+}
+
+/// Behind all others: an equation of a track reads what the track's element left behind in the same round.
+void add_equation_elements(Reading& reading) {
+  Model& model = reading.model();
+  for (const SubroutineEquation& from : reading.subroutine_equations) {
+    for (const SubroutineEquation::NamedForce& force : from.forces)
+      ask_for_force(reading, model.elements.size(), force.position, force.name, force.role, force.at);
+    Equation& equation = model.equations[from.equation];
+    Element element = from.table ? read_equation_element(*from.table, reading) : made_equation_element(from, model);
+    element.name = equation.name;
+    element.at = equation.at;
+    equation.element = static_cast<int>(model.elements.size());
+    reading.elements.add_internal(element.name, equation.element);
+    model.elements.push_back(std::move(element));
+  }
+}
+
+}  // namespace
+
+namespace {
+
+/// The elements of readable layers whose numbers follow from all of their kind.
+struct ReadLayers {
   std::vector<SoilContact> contacts;
+  std::vector<TrackElement> tracks;
+  std::vector<size_t> made_by_tracks;
+  std::vector<HullElement> hulls;
+  std::vector<size_t> thrusters;
+};
+
+/// What one table comes to: an element, or several.
+std::vector<Element> read_element(const TableReader& table, const std::string& type, Reading& reading,
+                                  ReadLayers& layers) {
+  const size_t index = reading.model().elements.size();
+  if (type == "subroutine") return {read_plain_element(table, reading)};
+  if (type == "balls") return {read_balls(table, reading)};
+  if (type == "soil_contact") {
+    layers.contacts.emplace_back();
+    layers.contacts.back().element = index;
+    return {read_soil_contact(table, reading, layers.contacts.back())};
+  }
+  if (type == "thruster") {
+    layers.thrusters.push_back(index);
+    return {read_thruster(table, reading)};
+  }
+  if (type == "track") {
+    const int slot = static_cast<int>(layers.tracks.size());
+    layers.tracks.emplace_back();
+    layers.tracks.back().first_element = index;
+    std::vector<Element> made = read_track(table, slot, reading, layers.tracks.back());
+    for (size_t i = 0; i < made.size(); ++i) layers.made_by_tracks.push_back(index + i);
+    return made;
+  }
+  layers.hulls.emplace_back();
+  layers.hulls.back().first_element = index;
+  return read_hull(table, reading, layers.hulls.back());
+}
+
+/// One element has its table's name, the several ones of a table that and a number unless they have names already.
+void add_elements(const TableReader& table, std::vector<Element> elements, Reading& reading) {
+  Model& model = reading.model();
+  for (size_t i = 0; i < elements.size(); ++i) {
+    elements[i].at = table.at();
+    if (elements[i].name.empty())
+      elements[i].name = table.text("name") + (elements.size() > 1 ? "_" + std::to_string(i + 1) : "");
+    const int index = static_cast<int>(model.elements.size());
+    if (elements[i].name != table.text("name")) reading.elements.add(elements[i].name, index, table.position("name"));
+    model.elements.push_back(std::move(elements[i]));
+  }
+}
+
+void check_none_mixed(const Model& model, const ReadLayers& layers) {
+  Numbered contacts{{}, "qvsoil_interaction", "soil_contact", "road and element numbers are counted over all contacts"};
+  for (const SoilContact& contact : layers.contacts) contacts.elements.push_back(contact.element);
+  check_not_mixed(model, contacts);
+  for (const char* subroutine :
+       {"qvsoil_interaction_mtl", "qvsoil_normalforce_mtl", "qvsoil_shearforce_mtl", "qvsoil_interaction_mtl_sum"})
+    check_not_mixed(model, {layers.made_by_tracks, subroutine, "track", "road numbers are counted over all tracks"});
+  Numbered hulls{{}, "qvhydro_force", "hull", "hydro force ids are counted over all hulls"};
+  for (const HullElement& hull : layers.hulls)
+    for (int part = 0; part < hull.parts; ++part)
+      hulls.elements.push_back(hull.first_element + static_cast<size_t>(part));
+  check_not_mixed(model, hulls);
+  check_not_mixed(
+      model, {layers.thrusters, "qvsoil_thrustforce", "thruster", "thrust element ids are counted over all thrusters"});
+}
+
+}  // namespace
+
+void read_elements(const TableReader& root, Reading& reading) {
+  ReadLayers layers;
   for (const TableReader& table : tables_of(root, "element", all_keys())) {
     const std::string type = table.choice("type", k_types);
     check_keys(table, type);
-    const int index = static_cast<int>(reading.model().elements.size());
-    reading.elements.add(table.text("name"), index, table.position("name"));
-    Element element;
-    if (type == "subroutine") {
-      element = read_plain_element(table, reading);
-    } else if (type == "balls") {
-      element = read_balls(table, reading);
-    } else {
-      SoilContact contact;
-      contact.element = static_cast<size_t>(index);
-      element = read_soil_contact(table, reading, contact);
-      contacts.push_back(std::move(contact));
-    }
-    element.name = table.text("name");
-    element.at = table.at();
-    reading.model().elements.push_back(std::move(element));
+    const bool several = type == "hull" && table.has("parts") && table.count("parts") > 1;
+    reading.elements.add(table.text("name"), several ? k_none : static_cast<int>(reading.model().elements.size()),
+                         table.position("name"));
+    add_elements(table, read_element(table, type, reading, layers), reading);
   }
-  check_not_mixed(reading.model(), contacts);
-  number_soil_contacts(contacts, reading);
+  check_none_mixed(reading.model(), layers);
+  number_soil_contacts(layers.contacts, reading);
+  number_tracks(layers.tracks, reading);
+  number_hulls(layers.hulls, reading);
+  number_thrusters(layers.thrusters, reading);
+  add_equation_elements(reading);
+  number_elements(reading);
 }
 
 }  // namespace qvslv

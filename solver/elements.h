@@ -13,6 +13,9 @@ namespace qvslv {
 /// type = "subroutine": the plain layer.
 Element read_plain_element(const TableReader& table, Reading& reading);
 
+/// An equation's subroutine, called with the forces for the right-hand side.
+Element read_equation_element(const TableReader& table, Reading& reading);
+
 /// type = "balls": one qvballplacing_report.
 Element read_balls(const TableReader& table, Reading& reading);
 
@@ -26,6 +29,9 @@ struct SoilContact {
 Element read_soil_contact(const TableReader& table, Reading& reading, SoilContact& contact);
 void number_soil_contacts(const std::vector<SoilContact>& contacts, Reading& reading);
 
+/// The file that the key `road` means: that of a [[road]] with this name, else the text itself.
+std::string road_file_of(const TableReader& table, const Reading& reading);
+
 /// Sets what an element of a known subroutine has unless the file says otherwise: result length, columns, points,
 /// and marker, axes and reaction from the ids in `par`.
 void set_defaults(Element& element, const SubroutineLayout& layout, const Model& model);
@@ -33,11 +39,11 @@ void set_defaults(Element& element, const SubroutineLayout& layout, const Model&
 /// Columns of a known subroutine's result, names and units.
 std::vector<ResultColumn> default_columns(const Element& element, const Model& model);
 
+/// "m/s"
+std::string speed_symbol(const Units& units);
+
 /// Index of the marker or body with an id, or -1.
 int marker_with_id(const Model& model, double id);
 int body_with_id(const Model& model, double id);
-
-/// "marker:wheel", "body:ball" or "string:road" for an entry that holds an id, else empty.
-std::string name_behind(const Model& model, const ParSlot& slot, double value);
 
 }  // namespace qvslv

@@ -17,9 +17,10 @@ constexpr int k_most_smallest_steps = 200;
 Engine::Engine(const Model& model, const Plugin& plugin, EngineHost::Report report)
     : m_model(model),
       m_multibody(model, m_fault),
-      m_host(m_multibody, m_fault, std::move(report)),
+      m_readings(m_multibody, m_fault),
+      m_host(m_readings, m_multibody, m_fault, std::move(report)),
       m_calls(model, plugin, m_host, m_fault),
-      m_forces(new EngineForces(m_multibody, m_calls, m_host, m_fault)) {
+      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_host, m_fault)) {
   SimTK::Force::Custom(m_multibody.forces(), m_forces);
 }
 
@@ -27,10 +28,20 @@ Engine::~Engine() = default;
 
 void Engine::start() {
   m_initial = m_multibody.make_state();
+  m_readings.refresh(m_initial);
   m_calls.set_up(m_initial);
+  start_equations();
   if (m_fault.raised()) return;
   make_integrator();
   m_integrator->initialize(m_initial);
+}
+
+/// Derivatives that are no states come from an evaluation of their own; forces that read them are evaluated after it.
+void Engine::start_equations() {
+  if (m_fault.raised() || m_readings.equations().size() == 0) return;
+  m_multibody.system().realize(m_initial, SimTK::Stage::Dynamics);
+  m_readings.equations().accept(m_initial);
+  m_initial.invalidateAllCacheAtOrAbove(SimTK::Stage::Dynamics);
 }
 
 void Engine::make_integrator() {
@@ -63,9 +74,18 @@ bool Engine::step(double limit) {
   ++m_steps;
   if (creeps(limit)) give_up("the error stays too large at the smallest step");
   if (m_fault.raised()) return false;
-  m_calls.after_step(state());
+  call_after_step();
   if (!m_fault.raised()) restart();
   return !m_fault.raised();
+}
+
+void Engine::call_after_step() {
+  if (m_readings.equations().size() > 0) {
+    m_multibody.system().realize(state(), SimTK::Stage::Dynamics);
+    m_readings.equations().accept(state());
+  }
+  m_readings.refresh(state());
+  m_calls.after_step(state());
 }
 
 /// Whether error control has kept the smallest step for long. Steps that an output time cut short do not count.

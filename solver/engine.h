@@ -16,8 +16,9 @@ namespace qvslv {
 /// A model in motion: the multibody system, its elements bound to a plug-in, and the integrator.
 ///
 /// Order of calls to the elements: `start` calls each once with set_up, in file order; the integrator calls forces
-/// with evaluation as often as it likes, also in steps that it rejects; after every accepted step each is called with
-/// converged_step, forces first. As those calls may change the forces, integration goes on from newly evaluated ones.
+/// and evaluated elements with evaluation as often as it likes, also in steps that it rejects; after every accepted
+/// step each is called with converged_step, reports last. As those calls may change the forces, integration goes on
+/// from newly evaluated ones. Derivatives of equations that are no states change right before the calls after a step.
 class Engine {
 public:
   /// @param report  told about requests of subroutines that could not be answered; may be empty
@@ -25,7 +26,7 @@ public:
   Engine(const Model& model, const Plugin& plugin, EngineHost::Report report);
   ~Engine();
 
-  /// State at time 0 and the set-up calls.
+  /// State at time 0, the set-up calls, and the derivatives of equations at that state.
   void start();
 
   /// Advances by one accepted step, at most to `limit`, and makes the calls after it. Returns false when a fault ended
@@ -41,9 +42,13 @@ public:
   const Fault& fault() const { return m_fault; }
   const Multibody& multibody() const { return m_multibody; }
   const ElementCalls& elements() const { return m_calls; }
+  /// Variables and equations as they are at the present state.
+  const ModelReadings& readings() const { return m_readings; }
 
 private:
   void make_integrator();
+  void start_equations();
+  void call_after_step();
   void restart();
   bool creeps(double limit);
   void give_up(const std::string& why);
@@ -51,6 +56,7 @@ private:
   const Model& m_model;
   Fault m_fault;
   Multibody m_multibody;
+  ModelReadings m_readings;
   EngineHost m_host;
   ElementCalls m_calls;
   EngineForces* m_forces;  ///< owned by the multibody system

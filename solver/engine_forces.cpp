@@ -21,55 +21,68 @@ void apply_load(const Multibody& multibody, const SimTK::State& state, const App
 
 namespace {
 
-std::array<CompiledExpression, 3> compile(const std::array<Expression, 3>& components) {
-  return {CompiledExpression(components[0]), CompiledExpression(components[1]), CompiledExpression(components[2])};
+std::array<StateExpression, 3> compile(const std::array<Expression, 3>& components, const ExpressionScope& scope) {
+  return {StateExpression(components[0], scope), StateExpression(components[1], scope),
+          StateExpression(components[2], scope)};
 }
 
-SimTK::Vec3 evaluate(const std::array<CompiledExpression, 3>& components, double time) {
-  return SimTK::Vec3(components[0](time), components[1](time), components[2](time));
+SimTK::Vec3 evaluate(const std::array<StateExpression, 3>& components, const StateReader& here) {
+  return SimTK::Vec3(components[0](here), components[1](here), components[2](here));
 }
 
 }  // namespace
 
-EngineForces::EngineForces(const Multibody& multibody, ElementCalls& calls, EngineHost& host, Fault& fault)
-    : m_multibody(multibody), m_calls(calls), m_host(host), m_fault(fault) {
+EngineForces::EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, EngineHost& host,
+                           Fault& fault)
+    : m_multibody(multibody),
+      m_readings(readings),
+      m_calls(calls),
+      m_host(host),
+      m_fault(fault),
+      m_right_sides(multibody.model(), readings) {
   for (size_t i = 0; i < calls.size(); ++i) {
-    if (calls.is_force(i)) m_force_elements.push_back(i);
+    if (calls.is_evaluated(i)) m_evaluated.push_back(i);
   }
   for (const AppliedForce& applied : multibody.model().forces) {
-    m_applied.push_back({compile(applied.force), compile(applied.torque)});
+    m_applied.push_back({compile(applied.force, readings.scope()), compile(applied.torque, readings.scope())});
   }
-  host.loads().assign(m_force_elements.size() + m_applied.size(), AppliedLoad());
 }
+
+void EngineForces::realizeTopology(SimTK::State& state) const { m_readings.equations().allocate(state); }
 
 void EngineForces::calcForce(const SimTK::State& state, SimTK::Vector_<SpatialVec>& body_forces,
                              SimTK::Vector_<SimTK::Vec3>&, SimTK::Vector&) const {
   ++m_evaluations;
-  size_t slot = 0;
-  for (const size_t element : m_force_elements) {
+  m_readings.refresh(state);
+  add_forces(state, body_forces);
+  m_right_sides.evaluate(state, m_calls, m_fault);
+}
+
+void EngineForces::add_forces(const SimTK::State& state, SimTK::Vector_<SpatialVec>& body_forces) const {
+  LoadTable& loads = m_host.loads();
+  // Applied forces are known before any element is called, which may ask for them; they are added last.
+  for (size_t i = 0; i < m_applied.size() && !m_fault.raised(); ++i) loads.of_force(i) = calc_applied(i, state);
+  for (const size_t element : m_evaluated) {
     m_calls.call(element, CallKind::evaluation, state);
     if (m_fault.raised()) return;
-    AppliedLoad& load = m_host.loads()[slot++];
+    if (!m_calls.is_force(element)) continue;
+    AppliedLoad& load = loads.of_element(element);
     load = m_calls.find_load(element, state, m_multibody);
     apply_load(m_multibody, state, load, body_forces);
   }
-  for (size_t i = 0; i < m_applied.size(); ++i) {
-    AppliedLoad& load = m_host.loads()[slot++];
-    load = calc_applied(i, state);
-    if (m_fault.raised()) return;
-    apply_load(m_multibody, state, load, body_forces);
-  }
+  if (m_fault.raised()) return;
+  for (size_t i = 0; i < m_applied.size(); ++i) apply_load(m_multibody, state, loads.of_force(i), body_forces);
 }
 
 AppliedLoad EngineForces::calc_applied(size_t index, const SimTK::State& state) const {
   const AppliedForce& from = m_multibody.model().forces[index];
   const SimTK::Rotation axes = m_multibody.find_axes(state, from.axes);
-  const double time = state.getTime();
-  const SimTK::Vec3 force = evaluate(m_applied[index].force, time);
-  const SimTK::Vec3 torque = evaluate(m_applied[index].torque, time);
+  const ModelReadings::At here(m_readings, state);
+  const SimTK::Vec3 force = evaluate(m_applied[index].force, here);
+  const SimTK::Vec3 torque = evaluate(m_applied[index].torque, here);
   if (!force.isFinite() || !torque.isFinite()) {
     m_fault.raise(RunOutcome::failed,
-                  fmt::format("force {} at time {}: an expression has no finite value", from.name, time));
+                  fmt::format("force {} at time {}: an expression has no finite value", from.name, state.getTime()));
   }
   return {from.marker, from.reaction, axes * force, axes * torque};
 }

@@ -2,8 +2,7 @@
 
 #include <array>
 
-#include "solver/element_calls.h"
-#include "solver/expression.h"
+#include "solver/right_sides.h"
 
 namespace qvslv {
 
@@ -13,13 +12,17 @@ namespace qvslv {
 void apply_load(const Multibody& multibody, const SimTK::State& state, const AppliedLoad& load,
                 SimTK::Vector_<SimTK::SpatialVec>& body_forces);
 
-/// All forces from outside in one place: elements in file order, then applied forces. An evaluation depends on the
-/// state and on what the subroutines keep, which changes in their calls after accepted steps only.
+/// All forces from outside, and the rates of the equations, in one place. An evaluation depends on the state and on
+/// what changes after accepted steps only: what the subroutines keep, and derivatives of equations that are no states.
+///
+/// Order: variables; applied forces; elements that are forces or evaluated, in file order; right-hand sides.
 class EngineForces : public SimTK::Force::Custom::Implementation {
 public:
-  /// Throws ModelError for an applied force whose expressions cannot be compiled. The arguments outlive this.
-  EngineForces(const Multibody& multibody, ElementCalls& calls, EngineHost& host, Fault& fault);
+  /// Throws ModelError for expressions that cannot be compiled. The arguments outlive this.
+  EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, EngineHost& host,
+               Fault& fault);
 
+  void realizeTopology(SimTK::State& state) const override;
   void calcForce(const SimTK::State& state, SimTK::Vector_<SimTK::SpatialVec>& body_forces,
                  SimTK::Vector_<SimTK::Vec3>& particle_forces, SimTK::Vector& mobility_forces) const override;
   double calcPotentialEnergy(const SimTK::State&) const override { return 0; }
@@ -28,18 +31,21 @@ public:
 
 private:
   struct Components {
-    std::array<CompiledExpression, 3> force;
-    std::array<CompiledExpression, 3> torque;
+    std::array<StateExpression, 3> force;
+    std::array<StateExpression, 3> torque;
   };
 
+  void add_forces(const SimTK::State& state, SimTK::Vector_<SimTK::SpatialVec>& body_forces) const;
   AppliedLoad calc_applied(size_t index, const SimTK::State& state) const;
 
   const Multibody& m_multibody;
+  ModelReadings& m_readings;
   ElementCalls& m_calls;
   EngineHost& m_host;
   Fault& m_fault;
-  std::vector<size_t> m_force_elements;
+  std::vector<size_t> m_evaluated;  ///< elements
   std::vector<Components> m_applied;
+  RightSides m_right_sides;
   mutable long m_evaluations = 0;
 };
 

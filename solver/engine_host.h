@@ -7,18 +7,11 @@
 #include <vector>
 
 #include "solver/fault.h"
-#include "solver/multibody.h"
+#include "solver/load_table.h"
+#include "solver/model_readings.h"
 #include "solver/service_host.h"
 
 namespace qvslv {
-
-/// A force on a marker as it was last evaluated, in ground axes. `marker` and `reaction` index Model::markers.
-struct AppliedLoad {
-  int marker = k_none;
-  int reaction = k_none;
-  SimTK::Vec3 force = SimTK::Vec3(0);
-  SimTK::Vec3 torque = SimTK::Vec3(0);
-};
 
 /// The services of the engine: answers from the state of the call that is under way.
 class EngineHost : public ServiceHost {
@@ -26,7 +19,8 @@ public:
   using Report = std::function<void(const std::string&)>;
 
   /// @param report  told once per element about each kind of request that could not be answered
-  EngineHost(const Multibody& multibody, Fault& fault, Report report);
+  /// The other arguments outlive this.
+  EngineHost(const ModelReadings& readings, const Multibody& multibody, Fault& fault, Report report);
 
   /// A call of an element at a state (realized to Velocity or further); services answer from it while this lives.
   class Call {
@@ -40,8 +34,8 @@ public:
     EngineHost& m_host;
   };
 
-  /// Forces as last evaluated, elements of kind force first, then applied forces ("TFORCE").
-  std::vector<AppliedLoad>& loads() { return m_loads; }
+  /// Forces as last evaluated.
+  LoadTable& loads() { return m_loads; }
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char* name, const int* ids, int nids, double& value) override;
@@ -62,20 +56,30 @@ private:
     bool with_reference = false;
   };
 
+  bool rotation(const int* ids, int nids, double* values);
+  bool relation(const char* name, MarkerRelation kind, const int* ids, int nids, double* values);
+  bool force(const int* ids, int nids, double* values);
+  bool speed(const char* name, MarkerRelation kind, const int* ids, int nids, double& value);
+  bool variable_value(const int* ids, int nids, double& value);
+  bool equation_value(const char* name, int derivative, const int* ids, int nids, double& value);
+  bool force_magnitude(const int* ids, int nids, double& value);
   bool read_ids(const char* name, const int* ids, int nids, int most, Request& request);
-  int find_marker(int id) const;
-  SimTK::Vec3 force_on(const Request& request) const;
+  bool check_count(const char* name, int nids, int most);
   bool refuse(const char* service, const std::string& why);
   std::string place() const;
 
+  const ModelReadings& m_readings;
   const Multibody& m_multibody;
   Fault& m_fault;
   Report m_report;
-  std::vector<std::pair<int, int>> m_marker_of_id;  ///< sorted by id
-  std::vector<std::pair<int, int>> m_body_of_id;    ///< sorted by id
+  std::vector<std::pair<int, int>> m_marker_of_id;    ///< sorted by id
+  std::vector<std::pair<int, int>> m_body_of_id;      ///< sorted by id
+  std::vector<std::pair<int, int>> m_variable_of_id;  ///< sorted by id, and so the next two
+  std::vector<std::pair<int, int>> m_equation_of_id;
+  std::vector<std::pair<int, int>> m_spline_of_id;
   std::vector<std::pair<int, std::wstring>> m_strings;
   std::wstring m_path;
-  std::vector<AppliedLoad> m_loads;
+  LoadTable m_loads;
   std::set<std::pair<const Element*, std::string>> m_reported;
   const SimTK::State* m_state = nullptr;
   const Element* m_element = nullptr;

@@ -6,9 +6,9 @@
 
 namespace qvslv {
 
-/// The model's strings and elements written as the plain layer: valid TOML that, put in the place of the model
-/// file's [[string]] and [[element]] tables, makes the same model. Every entry of a `par` has its own line with its
-/// position, the id behind a name, and what it means.
+/// The model's strings, variables, equations, splines and elements written as the plain layer: valid TOML that, put in
+/// the place of the model file's tables of these kinds, makes the same model. Every entry of a `par` has its own line
+/// with its position, the id behind a name, and what it means.
 std::string expanded(const Model& model);
 
 }  // namespace qvslv

@@ -1,8 +1,8 @@
 #include "solver/expression.h"
 
-#include <muParser.h>
-
 #include <limits>
+
+#include "solver/expression_parser.h"
 
 namespace qvslv {
 
@@ -15,17 +15,42 @@ double cubic_step(double x, double x0, double h0, double x1, double h1) {
   return h0 + (h1 - h0) * s * s * (3.0 - 2.0 * s);
 }
 
-std::string problem_text(const std::string& expression, const mu::Parser::exception_type& error) {
-  std::string message = error.GetMsg();
-  while (!message.empty() && (message.back() == '\n' || message.back() == '.')) message.pop_back();
-  std::string text = "in the expression \"" + expression + "\": " + message;
-  if (!error.GetToken().empty() && message.find(error.GetToken()) == std::string::npos) {
-    text += " (at \"" + error.GetToken() + "\")";
-  }
-  return text;
+}  // namespace
+
+void define_common_names(mu::Parser& parser, const Expression& expression) {
+  parser.DefineConst("pi", 3.141592653589793);
+  parser.DefineFun("step", cubic_step);
+  if (!expression.parameters) return;
+  for (const auto& [name, value] : *expression.parameters) parser.DefineConst(name, value);
 }
 
-}  // namespace
+void refuse_assignment(const Expression& expression) {
+  const std::string& text = expression.text;
+  const std::string comparing = "=<>!";
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '=') continue;
+    const bool behind = i > 0 && comparing.find(text[i - 1]) != std::string::npos;
+    const bool before = i + 1 < text.size() && text[i + 1] == '=';
+    if (behind || before) continue;
+    throw ModelError(expression.at,
+                     "in the expression \"" + text + "\": nothing can be assigned to, not even `t`; equality is ==");
+  }
+}
+
+void evaluate_once(mu::Parser& parser, const Expression& shown) {
+  parser.Eval();
+  if (parser.GetNumResults() == 1) return;
+  throw ModelError(shown.at, "in the expression \"" + shown.text + "\": one value is needed, not " +
+                                 std::to_string(parser.GetNumResults()) + " separated by commas");
+}
+
+std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token) {
+  std::string said = message;
+  while (!said.empty() && (said.back() == '\n' || said.back() == '.')) said.pop_back();
+  std::string text = "in the expression \"" + expression + "\": " + said;
+  if (!token.empty() && said.find(token) == std::string::npos) text += " (at \"" + token + "\")";
+  return text;
+}
 
 struct CompiledExpression::Compiled {
   mu::Parser parser;
@@ -34,33 +59,16 @@ struct CompiledExpression::Compiled {
 };
 
 CompiledExpression::CompiledExpression(const Expression& expression) : m_compiled(std::make_unique<Compiled>()) {
-  constexpr double k_probe_time = 0.0;
   mu::Parser& parser = m_compiled->parser;
+  refuse_assignment(expression);
   try {
-    parser.DefineConst("pi", 3.141592653589793);
-    parser.DefineFun("step", cubic_step);
-    if (expression.parameters) {
-      for (const auto& [name, value] : *expression.parameters) parser.DefineConst(name, value);
-    }
+    define_common_names(parser, expression);
     parser.DefineVar("t", &m_compiled->time);
     parser.SetExpr(expression.text);
-    parser.Eval();  // the parser compiles, and so finds mistakes, at the first evaluation
+    evaluate_once(parser, expression);
     m_compiled->constant = parser.GetUsedVar().empty();
   } catch (const mu::Parser::exception_type& error) {
-    throw ModelError(expression.at, problem_text(expression.text, error));
-  }
-  if (parser.GetNumResults() != 1) {
-    throw ModelError(expression.at, "in the expression \"" + expression.text + "\": one value is needed, not " +
-                                        std::to_string(parser.GetNumResults()) + " separated by commas");
-  }
-  if (expression.text.find('=') != std::string::npos) {
-    // The parser knows assignments; to `t` they would change the clock. 12.5 is no value that a text can expect.
-    m_compiled->time = 12.5;
-    parser.Eval();
-    if (m_compiled->time != 12.5) {
-      throw ModelError(expression.at, "in the expression \"" + expression.text + "\": `t` cannot be assigned to");
-    }
-    m_compiled->time = k_probe_time;
+    throw ModelError(expression.at, parser_complaint(expression.text, error.GetMsg(), error.GetToken()));
   }
 }
 

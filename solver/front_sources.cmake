@@ -1,24 +1,46 @@
 # Model file, element layers, road maker: the part of the solver that stands before the engine.
 set(QVSLV_FRONT_SOURCES
+  current_file.cpp
+  element_hull.cpp
+  element_hull_mesh.cpp
+  element_hull_water.cpp
   element_layers.cpp
+  element_par.cpp
   element_soil.cpp
+  element_thruster.cpp
+  element_track.cpp
+  element_track_drive.cpp
   elements.cpp
   expand.cpp
+  hull_mesh.cpp
+  hull_mesh_file.cpp
+  hull_mesh_shapes.cpp
+  made_file.cpp
+  make_current.cpp
+  make_current_profile.cpp
   make_road.cpp
   make_road_heights.cpp
   make_road_settings.cpp
+  make_wave.cpp
+  make_wave_components.cpp
+  make_wave_settings.cpp
   model.cpp
   model_file.cpp
   model_file_bodies.cpp
   model_file_joints.cpp
   model_file_loads.cpp
+  model_file_states.cpp
+  model_file_water.cpp
   model_names.cpp
   model_parameters.cpp
   nearest_name.cpp
   road_check.cpp
   soil_presets.cpp
   subroutine_layouts.cpp
+  table_tokens.cpp
   toml_document.cpp
   toml_override.cpp
   toml_table.cpp
-  unit_names.cpp)
+  unit_names.cpp
+  water_check.cpp
+  wave_file.cpp)

@@ -1,12 +1,6 @@
 #include "solver/make_road.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <charconv>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <stdexcept>
 
 #include "solver/toml_table.h"
@@ -96,20 +90,6 @@ void append_triangles(std::string& text, int columns, int rows) {
   text += '\n';
 }
 
-[[noreturn]] void cannot_write(const std::string& path, int cause) {
-  throw std::runtime_error("cannot write " + path + ": " + std::strerror(cause));
-}
-
-void write_whole(const std::string& text, const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) cannot_write(path, errno);
-  int cause = std::fwrite(text.data(), 1, text.size(), file) == text.size() ? 0 : errno;
-  if (std::fclose(file) != 0 && cause == 0) cause = errno;
-  if (cause == 0) return;
-  std::remove(path.c_str());
-  cannot_write(path, cause);
-}
-
 }  // namespace
 
 std::string road_text(const RoadSettings& settings) {
@@ -127,15 +107,7 @@ std::string road_text(const RoadSettings& settings) {
 }
 
 void write_road_file(const RoadSettings& settings, const std::string& path) {
-  const std::string text = road_text(settings);
-  // Under another name first: a reader never meets half a road.
-  const std::string part = path + ".part" + std::to_string(getpid());
-  write_whole(text, part);
-  std::error_code failure;
-  std::filesystem::rename(part, path, failure);
-  if (!failure) return;
-  std::remove(part.c_str());
-  cannot_write(path, failure.value());
+  write_file_whole(road_text(settings), path);
 }
 
 }  // namespace qvslv

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "solver/made_file.h"
 #include "solver/model.h"
 #include "solver/soil_presets.h"
 
@@ -50,12 +51,7 @@ private:
 /// One line that tells all settings; holds no equals sign, so that it is a remark to readers of the file.
 std::string settings_line(const RoadSettings& settings);
 
-enum class RoadFileState {
-  missing,
-  current,   ///< made with these settings
-  outdated,  ///< made with other settings
-  foreign    ///< not made by write_road_file
-};
+using RoadFileState = MadeFileState;
 RoadFileState road_file_state(const std::string& path, const RoadSettings& settings);
 
 /// The file's text: what write_road_file writes.

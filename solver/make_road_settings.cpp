@@ -8,8 +8,6 @@ namespace qvslv {
 
 namespace {
 
-constexpr const char* k_mark = "MADE BY qvbrisk, ";
-
 const char* kind_name(RoadKind kind) {
   switch (kind) {
     case RoadKind::flat:
@@ -55,7 +53,7 @@ std::string mistake_in(const RoadSettings& s) {
 
 std::string settings_line(const RoadSettings& s) {
   const RoadSoil& soil = s.soil;
-  std::string text = std::string(k_mark) + "kind " + kind_name(s.kind) + ", size " + two(s.size_x, s.size_y) +
+  std::string text = std::string(k_made_mark) + "kind " + kind_name(s.kind) + ", size " + two(s.size_x, s.size_y) +
                      ", corner " + two(s.corner_x, s.corner_y) + ", spacing " + number_text(s.spacing) + ", height " +
                      number_text(s.height);
   if (s.kind == RoadKind::slope) text += ", grade " + number_text(s.grade);
@@ -74,7 +72,7 @@ RoadFileState road_file_state(const std::string& path, const RoadSettings& setti
   constexpr int k_head_lines = 5;
   std::string line;
   for (int i = 0; i < k_head_lines && std::getline(stream, line); ++i) {
-    if (line.rfind(k_mark, 0) != 0) continue;
+    if (line.rfind(k_made_mark, 0) != 0) continue;
     return line == settings_line(settings) ? RoadFileState::current : RoadFileState::outdated;
   }
   return RoadFileState::foreign;

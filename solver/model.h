@@ -33,8 +33,9 @@ constexpr Rotation k_identity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 constexpr int k_ground = -1;  ///< body index of the ground
 constexpr int k_none = -1;    ///< "no such index" for markers and joints
 
-/// A scalar function of time `t` (constants `pi` and those of [parameters] allowed), checked by the reader.
-/// Evaluated by CompiledExpression (solver/expression.h), which lists the functions.
+/// A scalar function of time `t` (constants `pi` and those of [parameters] allowed), checked by the reader. In
+/// variables, equations and applied forces also of variables, equations and marker quantities; in motions of time
+/// alone. solver/expression.h and solver/state_expression.h list the functions.
 struct Expression {
   std::string text = "0";
   FilePosition at;
@@ -110,6 +111,7 @@ struct Joint {
 };
 
 struct AppliedForce {
+  int id = 0;  ///< elements and applied forces are numbered together with bodies and markers
   std::string name;
   int marker = k_none;    ///< acts at this marker's origin
   int reaction = k_none;  ///< the opposite acts on this marker's body, at the same point; k_none: on nothing
@@ -126,8 +128,37 @@ struct StringEntity {
 };
 
 enum class ElementKind {
-  force,  ///< result 0-2 is a force on `marker`, 3-5 a torque about it, in the axes of `axes`
-  report  ///< result is only recorded
+  force,      ///< result 0-2 is a force on `marker`, 3-5 a torque about it, in the axes of `axes`
+  evaluated,  ///< called whenever forces are, in file order, but not applied: others read what it leaves behind
+  report      ///< result is only recorded
+};
+
+/// A value that subroutines ask for by its id ("VARVAL") and expressions by its name.
+struct Variable {
+  int id = 0;  ///< variables, equations and splines are each numbered from 1
+  std::string name;
+  Expression value;
+  FilePosition at;
+};
+
+/// A differential equation y' = f (order 1) or y'' = f (order 2). "DIF20", "DIF21" and "DIF22" are y, y' and y''.
+struct Equation {
+  int id = 0;
+  std::string name;
+  int order = 1;
+  Expression right_side;  ///< unless an element gives it
+  int element = k_none;   ///< index into Model::elements, of kind `evaluated`: f is its result 0
+  double value = 0;       ///< y at time 0
+  double rate = 0;        ///< y' at time 0 (order 2)
+  FilePosition at;
+};
+
+/// A curve through points, interpolated after Akima (1970): "AKISPL". x increases strictly.
+struct Spline {
+  int id = 0;
+  std::string name;
+  std::vector<double> x, y;
+  FilePosition at;
 };
 
 /// Where the points of a contact grid stand in a result array (for pictures); count 0: none.
@@ -145,6 +176,7 @@ struct ResultColumn {
 };
 
 struct Element {
+  int id = 0;  ///< see AppliedForce
   std::string name;
   std::string subroutine;  ///< exported name
   ElementKind kind = ElementKind::force;
@@ -191,6 +223,9 @@ struct Model {
   std::vector<Joint> joints;    ///< tree order: a joint's parent body is ground or hangs on an earlier joint
   std::vector<AppliedForce> forces;
   std::vector<StringEntity> strings;
+  std::vector<Variable> variables;  ///< a variable reads only those before it
+  std::vector<Equation> equations;
+  std::vector<Spline> splines;
   std::vector<Element> elements;  ///< file order
 };
 

@@ -86,6 +86,12 @@ void check_model(const Model& model) {
     require_finite(marker.position, "marker " + marker.name + ", position");
     require_rotation(marker.orientation, "marker " + marker.name + ": its axes");
   }
+  for (const Equation& equation : model.equations) {
+    require_finite(std::array<double, 2>{equation.value, equation.rate}, "equation " + equation.name + ", start");
+    if (equation.order != 1 && equation.order != 2) {
+      throw MultibodyError(fmt::format("equation {}: the order {} must be 1 or 2", equation.name, equation.order));
+    }
+  }
   for (const Joint& joint : model.joints) {
     require_finite(joint.position, "joint " + joint.name + ", start");
     require_finite(joint.velocity, "joint " + joint.name + ", start");

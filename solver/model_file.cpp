@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "solver/model_expressions.h"
 #include "solver/model_file_reading.h"
 #include "solver/nearest_name.h"
 #include "solver/road_check.h"
@@ -18,8 +19,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::vector<std::string> k_root_keys = {"title",  "simulation", "units", "gravity", "parameters", "body",
-                                              "marker", "joint",      "force", "string",  "road",       "element"};
+const std::vector<std::string> k_root_keys = {"title",    "simulation", "units",  "gravity", "parameters", "body",
+                                              "marker",   "joint",      "force",  "string",  "road",       "element",
+                                              "variable", "equation",   "spline", "wave",    "current"};
 
 void read_unit(const TableReader& table, const char* key, UnitQuantity quantity, std::string& name, double& factor) {
   if (!table.has(key)) return;
@@ -91,10 +93,16 @@ void read_root(const Value& document, Reading& reading) {
   read_bodies(root, reading);
   read_markers(root, reading);
   read_joints(root, reading);
+  read_variables(root, reading);
+  read_equations(root, reading);
+  read_splines(root, reading);
   read_forces(root, reading);
   read_strings(root, reading);
   read_roads(root, reading);
+  read_waves(root, reading);
+  read_currents(root, reading);
   read_elements(root, reading);
+  check_expressions(model);
 }
 
 /// Road files that are there already are looked into for what their reader would silently misunderstand.
@@ -137,17 +145,21 @@ std::string find_data_file(const std::string& name, const std::string& model_pat
 }
 
 std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
-                              const FilePosition& at) {
+                              const FilePosition& at, const std::string& table) {
   const std::string& model_path = reading.file.model.path;
   std::string path = find_data_file(name, model_path);
   if (!path.empty()) return path;
   const std::string folder = fs::absolute(model_path).parent_path().lexically_normal().string();
-  for (const RoadRecipe& road : reading.file.roads)
-    if (fs::path(road.path).lexically_normal() == (fs::path(model_path).parent_path() / name).lexically_normal())
-      return road.path;
+  const fs::path beside = (fs::path(model_path).parent_path() / name).lexically_normal();
+  const auto made = [&](const auto& recipes) {
+    for (const auto& recipe : recipes)
+      if (fs::path(recipe.path).lexically_normal() == beside) path = recipe.path;
+    return !path.empty();
+  };
+  if (made(reading.file.roads) || made(reading.file.waves) || made(reading.file.currents)) return path;
   throw ModelError(at, role + ": there is no file '" + name +
-                           "', neither in the current folder nor beside the model in " + folder +
-                           " (a [[road]] table could describe it)");
+                           "', neither in the current folder nor beside the model in " + folder + " (a [[" + table +
+                           "]] table could describe it)");
 }
 
 ModelFile read_model_text(const std::string& text, const std::string& path, const std::vector<std::string>& overrides) {
@@ -164,7 +176,7 @@ ModelFile read_model_file(const std::string& path, const std::vector<std::string
   return read_model_text(file_text(path), path, overrides);
 }
 
-std::vector<std::string> bring_roads_up_to_date(const ModelFile& file) {
+std::vector<std::string> bring_files_up_to_date(const ModelFile& file) {
   std::vector<std::string> lines;
   for (const RoadRecipe& road : file.roads) {
     const RoadFileState state = road_file_state(road.path, road.settings);
@@ -174,6 +186,7 @@ std::vector<std::string> bring_roads_up_to_date(const ModelFile& file) {
     write_road_file(road.settings, road.path);
     lines.push_back("made road " + road.path + " (" + std::to_string(triangle_count(road.settings)) + " triangles)");
   }
+  bring_water_up_to_date(file, lines);
   return lines;
 }
 

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "solver/make_current.h"
 #include "solver/make_road.h"
+#include "solver/make_wave.h"
 #include "solver/model.h"
 
 namespace qvslv {
@@ -15,10 +17,31 @@ struct RoadRecipe {
   RoadSettings settings;
 };
 
+/// The same for a WAVE and a CURRENT file.
+struct WaveRecipe {
+  std::string file, path;
+  WaveSettings settings;
+};
+struct CurrentRecipe {
+  std::string file, path;
+  CurrentSettings settings;
+};
+
+/// The whole mesh of a hull, for people.
+struct HullSummary {
+  std::string name;  ///< of the element
+  size_t nodes = 0, patches = 0;
+  double volume = 0, area = 0;
+  Vec3 center = {0, 0, 0};  ///< of the volume, in the mesh's frame
+};
+
 /// What a model file comes to.
 struct ModelFile {
   Model model;
-  std::vector<RoadRecipe> roads;      ///< to be made before a run, see bring_roads_up_to_date
+  std::vector<RoadRecipe> roads;  ///< to be made before a run, see bring_files_up_to_date
+  std::vector<WaveRecipe> waves;
+  std::vector<CurrentRecipe> currents;
+  std::vector<HullSummary> hulls;
   std::vector<std::string> warnings;  ///< what is suspicious but can be run
 };
 
@@ -30,10 +53,10 @@ ModelFile read_model_file(const std::string& path, const std::vector<std::string
 ModelFile read_model_text(const std::string& text, const std::string& path,
                           const std::vector<std::string>& overrides = {});
 
-/// Makes the roads that are missing or were made with other settings. A file of that name that was not made by
-/// `make road` is left alone. Returns one line per road that was made or left alone; throws std::runtime_error when
-/// a file cannot be written.
-std::vector<std::string> bring_roads_up_to_date(const ModelFile& file);
+/// Makes the roads, waves and currents that are missing or were made with other settings. A file of that name that was
+/// not made by `qvbrisk make` is left alone. Returns one line per file that was made or left alone; throws
+/// std::runtime_error when a file cannot be written.
+std::vector<std::string> bring_files_up_to_date(const ModelFile& file);
 
 /// The file as the library will find it: the name as given, then in the model's folder. Empty: in neither.
 std::string find_data_file(const std::string& name, const std::string& model_path);

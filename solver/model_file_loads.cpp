@@ -18,7 +18,7 @@ void read_components(const TableReader& table, const char* key, std::array<Expre
   const Value& value = table.value(key);
   if (value.kind != Value::Kind::list || value.list.size() != 3)
     table.fail(key, "a list of 3 numbers or expressions is expected, not " + described(value));
-  for (size_t i = 0; i < 3; ++i) components[i] = table.expression_of(value.list[i], key);
+  for (size_t i = 0; i < 3; ++i) components[i] = table.state_expression_of(value.list[i], key);
 }
 
 RoadKind road_kind(const std::string& word) {
@@ -86,6 +86,7 @@ void read_forces(const TableReader& root, Reading& reading) {
     AppliedForce force;
     force.at = table.at();
     const size_t number = reading.model().forces.size() + 1;
+    force.id = static_cast<int>(reading.model().markers.size() + number);
     force.name = table.text("name", "force_" + std::to_string(number));
     reading.forces.add(force.name, static_cast<int>(number) - 1,
                        table.has("name") ? table.position("name") : table.at());

@@ -19,6 +19,8 @@ public:
   /// A name the reader makes itself; may hold a dot, so that it never meets a user's.
   void add_internal(const std::string& name, int index) { indices_[name] = index; }
   bool has(const std::string& name) const { return indices_.count(name) != 0; }
+  /// The names that a file gave, in alphabetical order.
+  std::vector<std::string> known() const;
   /// Throws ModelError with the nearest name when there is none of this name. `role` says who asks.
   int find(const std::string& name, const std::string& role, const FilePosition& at) const;
 

@@ -127,12 +127,24 @@ void Parameters::unknown_name(const std::string& name, const std::string& text, 
 
 Expression Parameters::expression(const std::string& text, const FilePosition& at) const {
   check_names(text, at);
+  Expression expression = state_expression(text, at);
+  CompiledExpression checked(expression);
+  return expression;
+}
+
+Expression Parameters::state_expression(const std::string& text, const FilePosition& at) const {
   Expression expression;
   expression.text = text;
   expression.at = at;
   expression.parameters = values_;
-  CompiledExpression checked(expression);
   return expression;
+}
+
+void Parameters::check_name_is_free(const std::string& name, const std::string& what, const FilePosition& at) const {
+  if (contains(k_reserved, name))
+    throw ModelError(at, what + " '" + name + "': expressions use this name already; choose another");
+  if (values_->count(name) != 0)
+    throw ModelError(at, what + " '" + name + "': a parameter has this name; choose another");
 }
 
 double Parameters::number(const std::string& text, const FilePosition& at) const {

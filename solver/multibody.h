@@ -46,6 +46,7 @@ public:
   const SimTK::MultibodySystem& system() const { return m_system; }
   const SimTK::SimbodyMatterSubsystem& matter() const { return m_matter; }
   SimTK::GeneralForceSubsystem& forces() { return m_forces; }
+  const SimTK::GeneralForceSubsystem& forces() const { return m_forces; }
   const std::vector<BuiltJoint>& joints() const { return m_joints; }
   const PlacedMarker& marker(int index) const { return m_markers[static_cast<size_t>(index)]; }
   const SimTK::MobilizedBody& marker_body(int index) const { return m_matter.getMobilizedBody(marker(index).body); }

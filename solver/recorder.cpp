@@ -1,16 +1,21 @@
 #include "solver/recorder.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <set>
 #include <stdexcept>
 
 #include "solver/csv.h"
+#include "solver/hull_picture.h"
 #include "solver/recorder_columns.h"
 #include "solver/terrain.h"
 
 namespace qvslv {
 
 namespace {
+
+using Report = std::function<void(const std::string&)>;
 
 std::string string_text(const Model& model, int id) {
   for (const StringEntity& entity : model.strings) {
@@ -20,14 +25,14 @@ std::string string_text(const Model& model, int id) {
 }
 
 /// All roads of the model, each once, where their markers stand.
-TriangleMesh place_roads(const Engine& engine, const std::function<void(const std::string&)>& report) {
+TriangleMesh place_roads(const Engine& engine, const Report& report) {
   const Model& model = engine.multibody().model();
   TriangleMesh terrain;
   std::set<std::pair<int, int>> seen;
   for (const Element& element : model.elements) {
     if (element.road_string == 0 || !seen.emplace(element.road_string, element.road_marker).second) continue;
     const std::string name = string_text(model, element.road_string);
-    const auto file = find_road_file(name, model.path);
+    const auto file = find_model_data(name, model.path);
     const auto mesh = file ? read_road_mesh(*file) : std::nullopt;
     if (!mesh) {
       if (report) report("element " + element.name + ": no picture of the road " + name + ": it cannot be read");
@@ -41,19 +46,55 @@ TriangleMesh place_roads(const Engine& engine, const std::function<void(const st
   return terrain;
 }
 
+/// The water that a hull floats in: index into the recording's, k_none when its file cannot be read.
+int place_water(Recording& recording, const Hull& hull, const Report& report) {
+  const Model& model = *recording.model;
+  const Element& element = model.elements[static_cast<size_t>(hull.element)];
+  const std::string name = string_text(model, hull.wave_string);
+  const auto file = find_model_data(name, model.path);
+  auto wave = file ? read_wave_file(*file) : std::nullopt;
+  if (!wave) {
+    if (report) report("element " + element.name + ": no picture of the water " + name + ": it cannot be read");
+    return k_none;
+  }
+  wave->velocity.clear();
+  recording.waters.push_back({hull.water_marker, std::move(*wave)});
+  return static_cast<int>(recording.waters.size()) - 1;
+}
+
+/// Patch meshes of the model, each with its water.
+void place_hulls(Recording& recording, const Report& report) {
+  const Model& model = *recording.model;
+  std::map<std::pair<int, int>, int> waters;  // by string and marker
+  for (size_t i = 0; i < model.elements.size(); ++i) {
+    if (!is_hull(model.elements[i])) continue;
+    std::optional<Hull> hull = read_hull(model, static_cast<int>(i));
+    if (!hull) {
+      if (report) report("element " + model.elements[i].name + ": no picture of the hull: its par holds no whole mesh");
+      continue;
+    }
+    const auto [water, added] = waters.try_emplace({hull->wave_string, hull->water_marker}, k_none);
+    if (added) water->second = place_water(recording, *hull, report);
+    hull->water = water->second;
+    recording.hulls.push_back(std::move(*hull));
+  }
+}
+
 }  // namespace
 
-Recorder::Recorder(const Engine& engine, const std::string& folder,
-                   const std::function<void(const std::string&)>& report)
+Recorder::Recorder(const Engine& engine, const std::string& folder, const Report& report)
     : m_frame_step(engine.multibody().model().simulation.frame_step), m_csv_path(folder + "/results.csv") {
   const Model& model = engine.multibody().model();
   m_recording.model = &model;
   m_recording.terrain = place_roads(engine, report);
+  place_hulls(m_recording, report);
   m_recording.columns = result_columns(model);
   m_csv.open(m_csv_path, std::ios::trunc);
   m_csv << csv_line(m_recording.columns) << std::flush;
   if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
-  m_vtk = std::make_unique<VtkWriter>(model, folder, m_recording.terrain);
+  m_vtk = std::make_unique<VtkWriter>(m_recording, folder);
+  if (std::any_of(model.elements.begin(), model.elements.end(), is_belt))
+    m_contact_axes = std::make_unique<ContactAxes>(model, m_recording.terrain, find_up(model.gravity));
 }
 
 void Recorder::record(const Engine& engine) {
@@ -61,7 +102,7 @@ void Recorder::record(const Engine& engine) {
   m_csv << csv_line(m_recording.rows.back()) << std::flush;
   if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
   if (!frame_due(engine.time())) return;
-  m_recording.frames.push_back(calc_frame(engine));
+  m_recording.frames.push_back(calc_frame(engine, m_contact_axes.get()));
   m_vtk->write(m_recording.frames.back());
 }
 

@@ -8,6 +8,7 @@
 
 #include "solver/engine.h"
 #include "solver/recording.h"
+#include "solver/report_page/element_loads.h"
 #include "solver/vtk_writer.h"
 
 namespace qvslv {
@@ -17,7 +18,7 @@ namespace qvslv {
 class Recorder {
 public:
   /// Opens the files, which replace those of an earlier run, and places the roads. The engine is at its start.
-  /// @param report  told when a road cannot be drawn; may be empty
+  /// @param report  told when a road, a hull or a water cannot be drawn; may be empty
   Recorder(const Engine& engine, const std::string& folder, const std::function<void(const std::string&)>& report);
 
   /// The engine is at an output time: one row, and a frame when one is due.
@@ -36,6 +37,7 @@ private:
   std::ofstream m_csv;
   std::string m_csv_path;
   std::unique_ptr<VtkWriter> m_vtk;
+  std::unique_ptr<ContactAxes> m_contact_axes;  ///< for belts; null: the model has none
 };
 
 }  // namespace qvslv

@@ -46,6 +46,31 @@ BodyPose pose_of(const Engine& engine, size_t body) {
 
 void append(std::vector<double>& row, const SimTK::Vec3& v) { row.insert(row.end(), {v[0], v[1], v[2]}); }
 
+/// The force x of a belt's first point holds the whole contact area besides; the belt's sum tells that area, once a
+/// step has been taken.
+double area_in_first_force(const Engine& engine, const Element& belt) {
+  const Model& model = engine.multibody().model();
+  for (size_t i = 0; i < model.elements.size(); ++i) {
+    const Element& sum = model.elements[i];
+    if (sum.subroutine == "qvsoil_interaction_mtl_sum" && sum.par[0] == belt.par[1])
+      return engine.elements().result(i)[3];
+  }
+  return 0;
+}
+
+void turn_belt_forces(const Engine& engine, const Element& belt, const ContactAxes* axes, size_t first, Frame& frame) {
+  const SimTK::Rotation reference = engine.multibody().find_axes(engine.state(), belt.axes);
+  for (size_t k = first; k < frame.points.size(); ++k) {
+    ContactPointSample& point = frame.points[k];
+    Vec3& force = point.local_force;
+    if (k == first) force[0] -= area_in_first_force(engine, belt);
+    if (!point.in_contact()) force = {0, 0, 0};
+    const SimTK::Vec3 in_ground = reference * SimTK::Vec3(force[0], force[1], force[2]);
+    force = {in_ground[0], in_ground[1], in_ground[2]};
+    if (axes != nullptr) force = axes->force_along(point, force, frame);
+  }
+}
+
 void append_points(const Engine& engine, size_t element, std::vector<ContactPointSample>& points) {
   const Element& from = engine.multibody().model().elements[element];
   const std::vector<double>& result = engine.elements().result(element);
@@ -95,6 +120,11 @@ std::vector<std::string> result_columns(const Model& model) {
       columns.push_back(headed(element.name + "." + column.name, column.unit));
     }
   }
+  for (const Variable& variable : model.variables) columns.push_back(variable.name);
+  for (const Equation& equation : model.equations) {
+    columns.push_back(equation.name);
+    columns.push_back(equation.name + ".rate");
+  }
   columns.push_back(headed("kinetic_energy", units.energy));
   columns.push_back(headed("potential_energy", units.energy));
   return columns;
@@ -123,17 +153,29 @@ std::vector<double> calc_result_row(const Engine& engine) {
       row.push_back(engine.elements().result(i)[static_cast<size_t>(column.index)]);
     }
   }
+  const ModelReadings::At here(engine.readings(), state);
+  for (size_t i = 0; i < model.variables.size(); ++i) row.push_back(here.variable(static_cast<int>(i)));
+  for (size_t i = 0; i < model.equations.size(); ++i) {
+    row.push_back(here.equation(static_cast<int>(i), 0));
+    row.push_back(here.equation(static_cast<int>(i), 1));
+  }
   row.push_back(multibody.calc_kinetic_energy(state));
   row.push_back(multibody.calc_potential_energy(state));
   return row;
 }
 
-Frame calc_frame(const Engine& engine) {
+bool is_belt(const Element& element) { return element.subroutine == "qvsoil_interaction_mtl"; }
+
+Frame calc_frame(const Engine& engine, const ContactAxes* axes) {
   Frame frame;
   frame.time = engine.time();
   const Model& model = engine.multibody().model();
   for (size_t i = 0; i < model.bodies.size(); ++i) frame.body_poses.push_back(pose_of(engine, i));
-  for (size_t i = 0; i < model.elements.size(); ++i) append_points(engine, i, frame.points);
+  for (size_t i = 0; i < model.elements.size(); ++i) {
+    const size_t first = frame.points.size();
+    append_points(engine, i, frame.points);
+    if (is_belt(model.elements[i])) turn_belt_forces(engine, model.elements[i], axes, first, frame);
+  }
   return frame;
 }
 

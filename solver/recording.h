@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "solver/model.h"
+#include "solver/wave_file.h"
 
 namespace qvslv {
 
@@ -36,10 +37,28 @@ struct TriangleMesh {
   std::vector<std::array<int, 3>> triangles;  ///< indices into points
 };
 
+/// The patch mesh of a hydro force element.
+struct Hull {
+  int element = 0;       ///< index into Model::elements
+  int marker = 0;        ///< frame of the mesh, index into Model::markers
+  int water_marker = 0;  ///< likewise, frame of the water
+  int wave_string = 0;   ///< id of the string that names its WAVE file
+  int water = k_none;    ///< index into Recording::waters, k_none: its WAVE file cannot be read
+  TriangleMesh mesh;     ///< looks outwards
+};
+
+/// Water as a WAVE file has it: its surface over x of a marker's frame whose z points up.
+struct Water {
+  int marker = 0;  ///< index into Model::markers
+  WaveFile wave;   ///< without its velocities
+};
+
 /// A run as it can be drawn and plotted afterwards: what the recorder wrote to files, in memory.
 struct Recording {
   const Model* model = nullptr;
   TriangleMesh terrain;  ///< all roads, in ground axes as at the start
+  std::vector<Hull> hulls;
+  std::vector<Water> waters;
   std::vector<Frame> frames;
   std::vector<std::string> columns;       ///< headers of results.csv
   std::vector<std::vector<double>> rows;  ///< one per output time

@@ -20,6 +20,7 @@ extern const std::string_view color_map_js;
 extern const std::string_view camera_js;
 extern const std::string_view body_shapes_js;
 extern const std::string_view terrain_js;
+extern const std::string_view afloat_js;
 extern const std::string_view replay_js;
 extern const std::string_view player_js;
 extern const std::string_view header_js;
@@ -53,7 +54,7 @@ std::string scripts() {
   using namespace page_files;
   std::string text;
   for (const std::string_view script : {three_js, chart_js, page_data_js, color_map_js, camera_js, body_shapes_js,
-                                        terrain_js, replay_js, player_js, header_js, plots_js, main_js}) {
+                                        terrain_js, afloat_js, replay_js, player_js, header_js, plots_js, main_js}) {
     text += "<script>\n";
     text += script;
     text += "</script>\n";

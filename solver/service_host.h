@@ -20,9 +20,15 @@ public:
   ///   "RVEL"    w_m - w_r
   ///   "AM"      R_r^T R_m, column by column; axes that express it have no meaning, a third id is only looked up
   ///   "TFORCE"  sum of the forces of elements and applied forces that act at marker m minus those that react on it,
-  ///             from their latest evaluation; with a reference marker only those between m and r
+  ///             from their latest evaluation; with a reference marker only those between m and r. When m is the id of
+  ///             an element or applied force: its force on its own marker
   virtual bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) = 0;
-  /// sysfnc: one value. "VM" and "WM" are the magnitudes of "TVEL" and "RVEL" of one or two ids.
+  /// sysfnc: one value.
+  ///   "VM", "WM"  magnitudes of "TVEL" and "RVEL" of one or two ids
+  ///   "FM"        magnitude of "TFORCE" of one or two ids; with the ground marker as the second, of all forces at m
+  ///   "VARVAL"    the variable with this id; when there is none, the equation's value y
+  ///   "DIF20", "DIF21", "DIF22"  y, y' and y'' of the equation with this id; those that are no states (y' of order 1,
+  ///               y'' of either) as of the last accepted step
   virtual bool scalar_quantity(const char* name, const int* ids, int nids, double& value) = 0;
   /// get_string_s
   virtual bool string_entity(int id, std::wstring& text) = 0;
@@ -32,9 +38,9 @@ public:
   virtual void stop(const char* message) = 0;
   /// THROW_ERROR; the host takes ownership of the texts (array new)
   virtual void throw_error(const char* title, int count, char** messages) = 0;
-  /// AKISPL
+  /// AKISPL: value (order 0), first or second derivative of a spline; z is 0
   virtual bool spline(double x, double z, int id, int order, double& value) = 0;
-  /// GTUNTS
+  /// GTUNTS: length, mass, time, force and angle of the model's units in SI; the names may be left as they are
   virtual bool units(double scale[5], void* names[5]) = 0;
   /// get_mass
   virtual bool mass(int id, double& value) = 0;

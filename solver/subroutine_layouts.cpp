@@ -6,8 +6,9 @@ namespace qvslv {
 
 namespace {
 
-constexpr ParKind N = ParKind::number, M = ParKind::marker, F = ParKind::file, U = ParKind::unused,
-                  X = ParKind::foreign;
+constexpr ParKind N = ParKind::number, M = ParKind::marker, O = ParKind::other_marker, F = ParKind::file,
+                  V = ParKind::variable, E = ParKind::equation, S = ParKind::spline, L = ParKind::force,
+                  U = ParKind::unused;
 constexpr int k_not_from_par = -1;
 
 int counted(const std::vector<double>& par, size_t position) {
@@ -49,9 +50,18 @@ void add_balls(const std::vector<double>& par, std::vector<ParSlot>& slots) {
   for (int i = 0; i < counted(par, 1); ++i) slots.push_back({N, numbered("diameter of ball ", i, " [length]")});
 }
 
-/// The WAVE file of a thrust is only opened when the wave switch is on.
+/// The WAVE file of a thrust is only opened when the wave switch is on; spline and equation are asked for as the mode
+/// tells.
 void add_wave_string(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  slots.push_back({static_cast<int>(par[13]) == 1 ? F : U, "string: WAVE file (read when par[13] is 1)"});
+  const double mode = par[6], wave_switch = par[13];
+  if (!(mode >= 3 && mode < 4)) slots[7].kind = U;
+  if (mode >= 1 && mode < 2) slots[9].kind = U;
+  slots.push_back({wave_switch >= 1 && wave_switch < 2 ? F : U, "string: WAVE file (read when par[13] is 1)"});
+}
+
+/// The value is that of a variable, the derivative that of an equation.
+void decide_velocity_slot(const std::vector<double>& par, std::vector<ParSlot>& slots) {
+  if (par[0] >= 1 && par[0] < 2) slots[2].kind = V;
 }
 
 template <int length>
@@ -101,7 +111,7 @@ SubroutineLayout soil_layout() {
 
 SubroutineLayout track_layout() {
   return {"qvsoil_interaction_mtl",
-          ElementKind::report,
+          ElementKind::evaluated,
           {{N, "track index (0)"},
            {N, "number of the road, from 0"},
            {F, "string: RDF road file"},
@@ -113,7 +123,7 @@ SubroutineLayout track_layout() {
            {N, "belt width [length]"},
            {N, "contact points along each span"},
            {N, "contact points across the belt"},
-           {X, "variable: belt speed"},
+           {V, "variable: belt speed"},
            {N, "number of nodes"},
            {U, "read, not used"}},
           add_track_nodes,
@@ -128,14 +138,14 @@ SubroutineLayout track_eom_layout() {
           ElementKind::report,
           {{N, "track index (0)"},
            {U, "read, not used"},
-           {X, "variable of the driving state"},
+           {V, "variable: driving input (its rate is that of the equation of this id)"},
            {N, "divisor of the right-hand side (inertia)"},
-           {N, "divisor of the variable's value (radius or ratio)"},
+           {N, "divisor of the driving input (radius or ratio)"},
            {N, "number of the road, from 0"},
-           {X, "first force, first id"},
-           {X, "first force, second id"},
-           {X, "second force, first id"},
-           {X, "second force, second id"},
+           {L, "first force: its id, or the marker it acts at"},
+           {O, "first force: marker it reacts on, 0 for any"},
+           {L, "second force: its id, or the marker it acts at"},
+           {O, "second force: marker it reacts on, 0 for any"},
            {N, "coefficient of the soil shear"},
            {N, "coefficient of the resistance"},
            {U, "not read"},
@@ -187,7 +197,7 @@ SubroutineLayout hull_report_layout() {
            {M, "body marker"},
            {M, "water marker"},
            {U, "not read"},
-           {X, "force element whose z component is reported"},
+           {L, "force whose z component is reported"},
            {M, "marker of that force"},
            {U, "not read"},
            {U, "not read"},
@@ -211,9 +221,9 @@ SubroutineLayout thrust_layout() {
            {M, "second marker, stored only"},
            {M, "water marker: frame of the WAVE file"},
            {N, "mode: 1 variable, 2 feedback zero with the variable, 3 feedback limited by a spline, other feedback"},
-           {X, "spline (mode 3)"},
-           {X, "variable"},
-           {X, "differential equation"},
+           {S, "spline (mode 3)"},
+           {V, "variable"},
+           {E, "differential equation (all modes but 1)"},
            {N, "gain of the first derivative"},
            {N, "gain of the second derivative"},
            {N, "gain of the state"},
@@ -236,21 +246,24 @@ std::vector<SubroutineLayout> made_layouts() {
   SubroutineLayout balls =
       report_layout("qvballplacing_report", {{U, "not read"}, {N, "number of balls"}}, ball_result);
   balls.add_counted_slots = add_balls;
+  SubroutineLayout velocity = report_layout(
+      "qvsoil_mtl_velocity", {{N, "mode: 1 value, other derivative"}, {N, "factor"}, {E, "equation or variable"}},
+      fixed_length<1>);
+  velocity.add_counted_slots = decide_velocity_slot;
   return {
       balls,
       hull_layout(),
       hull_report_layout(),
       track_layout(),
       track_eom_layout(),
-      report_layout("qvsoil_mtl_velocity", {{N, "mode: 1 value, other derivative"}, {N, "factor"}, {X, "variable"}},
-                    fixed_length<1>),
+      velocity,
       report_layout("qvsoil_shearforce_mtl", {track, road}, fixed_length<6>),
       report_layout("qvsoil_normalforce_mtl", {track, {N, "node, from 0"}, road}, fixed_length<6>),
       report_layout("qvsoil_interaction_mtl_sum", {road, track}, fixed_length<4>),
       soil_layout(),
       report_layout("qvsoil_interaction_Sum", {road}, fixed_length<4>),
       report_layout("qvsoil_error_velocity",
-                    {{U, "not read"}, {M, "vehicle marker"}, {M, "reference marker"}, {X, "variable: commanded speed"}},
+                    {{U, "not read"}, {M, "vehicle marker"}, {M, "reference marker"}, {V, "variable: commanded speed"}},
                     fixed_length<1>),
       thrust_layout()};
 }

@@ -9,12 +9,16 @@ namespace qvslv {
 
 /// What an entry of a parameter list is, for checks and for people.
 enum class ParKind {
-  number,  ///< a value, index, count or switch
-  marker,  ///< id of a marker
-  body,    ///< id of a body
-  file,    ///< id of a string that names a file, which must be there
-  unused,  ///< not read
-  foreign  ///< id of an entity that only another host has (variable, differential equation, spline)
+  number,        ///< a value, index, count or switch
+  marker,        ///< id of a marker
+  other_marker,  ///< the same, or 0 for none
+  body,          ///< id of a body
+  file,          ///< id of a string that names a file, which must be there
+  variable,      ///< id of a variable; where none has it, of an equation, whose value is then read
+  equation,      ///< id of a differential equation
+  spline,        ///< id of a spline
+  force,         ///< id of an element or applied force, or of a marker for the sum of the forces there
+  unused         ///< not read
 };
 
 struct ParSlot {
@@ -28,7 +32,8 @@ struct SubroutineLayout {
   const char* name;
   ElementKind kind;                  ///< what an element of it is unless the file says otherwise
   std::vector<ParSlot> fixed_slots;  ///< entries that every list has
-  /// Entries that follow, as counts among the fixed ones tell. Null: none.
+  /// Adds the entries that follow, as counts among the fixed ones tell, and sets the kinds of those whose use a switch
+  /// decides. Null: none.
   void (*add_counted_slots)(const std::vector<double>& par, std::vector<ParSlot>& slots);
   int (*result_length)(const std::vector<double>& par);
   int marker_par, axes_par, reaction_par;  ///< positions in par that the defaults come from, or -1

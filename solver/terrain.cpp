@@ -89,7 +89,7 @@ std::optional<TriangleMesh> read_road_mesh(const std::string& path) {
   return mesh;
 }
 
-std::optional<std::string> find_road_file(const std::string& name, const std::string& model_path) {
+std::optional<std::string> find_model_data(const std::string& name, const std::string& model_path) {
   if (std::ifstream(name)) return name;
   const std::string beside = model_path.substr(0, model_path.rfind('/') + 1) + name;
   if (std::ifstream(beside)) return beside;

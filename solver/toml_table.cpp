@@ -143,6 +143,13 @@ Expression TableReader::expression_of(const Value& found, const std::string& key
 
 Expression TableReader::expression(const std::string& key) const { return expression_of(value(key), key); }
 
+Expression TableReader::state_expression_of(const Value& found, const std::string& key) const {
+  if (found.kind == Value::Kind::text) return parameters_->state_expression(found.text, found.at);
+  return parameters_->state_expression(number_text(number_of(found, key)), found.at);
+}
+
+Expression TableReader::state_expression(const std::string& key) const { return state_expression_of(value(key), key); }
+
 TableReader TableReader::table(const std::string& key, std::vector<std::string> known) const {
   return TableReader(value(key), named(key), *parameters_, std::move(known));
 }

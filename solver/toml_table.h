@@ -44,6 +44,9 @@ public:
   /// A number or a text, as an expression of time.
   Expression expression(const std::string& key) const;
   Expression expression_of(const Value& value, const std::string& key) const;
+  /// The same, of states too: not checked before the whole file is read.
+  Expression state_expression(const std::string& key) const;
+  Expression state_expression_of(const Value& value, const std::string& key) const;
   double number_of(const Value& value, const std::string& key) const;
   /// The table under a key, or the tables of a list of tables (called by their names in messages).
   TableReader table(const std::string& key, std::vector<std::string> known) const;

@@ -8,6 +8,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "solver/hull_picture.h"
+#include "solver/marker_pose.h"
 #include "solver/shape_mesh.h"
 #include "solver/terrain.h"
 
@@ -92,26 +94,26 @@ private:
   fmt::memory_buffer m_text;
 };
 
-Rotation rotation_of(const std::array<double, 4>& q) {
-  const double w = q[0], x = q[1], y = q[2], z = q[3];
-  return {1 - 2 * (y * y + z * z), 2 * (x * y + w * z),     2 * (x * z - w * y),
-          2 * (x * y - w * z),     1 - 2 * (x * x + z * z), 2 * (y * z + w * x),
-          2 * (x * z + w * y),     2 * (y * z - w * x),     1 - 2 * (x * x + y * y)};
-}
-
 /// Frames of an earlier, longer run would stay behind and belong to no index.
 void remove_earlier_frames(const std::string& folder) {
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     const std::string name = entry.path().filename().string();
-    const bool ours = name.rfind("bodies_", 0) == 0 || name.rfind("points_", 0) == 0 || name == "terrain.vtp";
+    bool ours = name == "terrain.vtp";
+    for (const char* part : {"bodies_", "points_", "hulls_", "water_"}) ours = ours || name.rfind(part, 0) == 0;
     if (ours && entry.path().extension() == ".vtp") std::filesystem::remove(entry.path());
   }
 }
 
 }  // namespace
 
-VtkWriter::VtkWriter(const Model& model, std::string folder, const TriangleMesh& terrain)
-    : m_model(model), m_folder(std::move(folder)), m_has_terrain(!terrain.triangles.empty()), m_has_points(false) {
+VtkWriter::VtkWriter(const Recording& recording, std::string folder)
+    : m_recording(recording),
+      m_folder(std::move(folder)),
+      m_has_terrain(!recording.terrain.triangles.empty()),
+      m_has_points(false),
+      m_reaches(recording.waters.size()) {
+  const Model& model = *recording.model;
+  const TriangleMesh& terrain = recording.terrain;
   std::filesystem::create_directories(m_folder + "/frames");
   remove_earlier_frames(m_folder + "/frames");
   for (const Body& body : model.bodies) m_shapes.push_back(shape_mesh(body.shape));
@@ -137,6 +139,14 @@ void VtkWriter::write(const Frame& frame) {
   if (m_has_points) {
     parts.push_back(fmt::format("frames/points_{:06}.vtp", m_frames));
     write_points(frame, parts.back());
+  }
+  if (!m_recording.hulls.empty()) {
+    parts.push_back(fmt::format("frames/hulls_{:06}.vtp", m_frames));
+    write_hulls(frame, parts.back());
+  }
+  if (!m_recording.waters.empty()) {
+    parts.push_back(fmt::format("frames/water_{:06}.vtp", m_frames));
+    write_water(frame, parts.back());
   }
   if (m_has_terrain) parts.push_back("frames/terrain.vtp");
   index_frame(frame.time, parts);
@@ -174,6 +184,46 @@ void VtkWriter::write_points(const Frame& frame, const std::string& name) {
   file.scalars("normal_force", "Float64", n, [&](size_t k) { return p[k].local_force[2]; });
   file.scalars("in_contact", "Int32", n, [&](size_t k) { return p[k].in_contact() ? 1 : 0; });
   file.scalars("element", "Int32", n, [&](size_t k) { return p[k].element; });
+  file.end("PointData");
+  write_file(name, file.finish());
+}
+
+void VtkWriter::write_hulls(const Frame& frame, const std::string& name) {
+  TriangleMesh all;
+  std::vector<double> depth;       // per node
+  std::vector<int> wet, elements;  // per patch
+  for (const Hull& hull : m_recording.hulls) {
+    const Water* water = hull.water == k_none ? nullptr : &m_recording.waters[static_cast<size_t>(hull.water)];
+    const HullState state = calc_hull_state(*m_recording.model, hull, water, frame);
+    append_mesh(all, {state.points, hull.mesh.triangles}, k_identity, {0, 0, 0});
+    depth.insert(depth.end(), state.depth.begin(), state.depth.end());
+    wet.insert(wet.end(), state.wet.begin(), state.wet.end());
+    elements.resize(all.triangles.size(), hull.element);
+  }
+  PolyData file(all.points, all.triangles, false);
+  file.begin("PointData");
+  file.scalars("depth", "Float64", depth.size(), [&](size_t k) { return depth[k]; });
+  file.end("PointData");
+  file.begin("CellData");
+  file.scalars("wet", "Int32", wet.size(), [&](size_t k) { return wet[k]; });
+  file.scalars("element", "Int32", elements.size(), [&](size_t k) { return elements[k]; });
+  file.end("CellData");
+  write_file(name, file.finish());
+}
+
+void VtkWriter::write_water(const Frame& frame, const std::string& name) {
+  TriangleMesh all;
+  std::vector<double> elevations;
+  for (size_t k = 0; k < m_recording.waters.size(); ++k) {
+    const Water& water = m_recording.waters[k];
+    widen(m_reaches[k], m_recording, k, frame);
+    const WaterStrip strip = choose_strip(water, m_reaches[k], k_water_columns);
+    append_mesh(all, sheet_mesh(*m_recording.model, water, strip, frame), k_identity, {0, 0, 0});
+    for (const double x : strip.x) elevations.insert(elevations.end(), 2, find_level(water, frame.time, x));
+  }
+  PolyData file(all.points, all.triangles, false);
+  file.begin("PointData");
+  file.scalars("elevation", "Float64", elevations.size(), [&](size_t k) { return elevations[k]; });
   file.end("PointData");
   write_file(name, file.finish());
 }

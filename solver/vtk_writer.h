@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "solver/recording.h"
+#include "solver/water_surface.h"
 
 namespace qvslv {
 
@@ -14,12 +15,16 @@ namespace qvslv {
 ///   frames/points_000000.vtp ...  contact points with sinkage, dynamic_sinkage, local_force (shear 1, shear 2,
 ///   normal),
 ///                                 force, normal_force, in_contact, element; written when an element has points
-///   frames.pvd                    the index over time: parts bodies, points, terrain
+///   frames/hulls_000000.vtp ...   patch meshes of hydro force elements; nodes carry `depth` under the water, cells
+///                                 `wet` and `element` (index in the model's order)
+///   frames/water_000000.vtp ...   the waters' surfaces around the hulls; nodes carry `elevation`
+///   frames.pvd                    the index over time: parts bodies, points, hulls, water, terrain
 /// The index is complete after every frame. Throws std::runtime_error when a file cannot be written.
 class VtkWriter {
 public:
+  /// @param recording  with its model, terrain, hulls and waters; outlives this
   /// @param folder  of the run; frames/ is made inside
-  VtkWriter(const Model& model, std::string folder, const TriangleMesh& terrain);
+  VtkWriter(const Recording& recording, std::string folder);
 
   void write(const Frame& frame);
 
@@ -29,14 +34,17 @@ public:
 private:
   void write_bodies(const Frame& frame, const std::string& name);
   void write_points(const Frame& frame, const std::string& name);
+  void write_hulls(const Frame& frame, const std::string& name);
+  void write_water(const Frame& frame, const std::string& name);
   void index_frame(double time, const std::vector<std::string>& parts);
   void write_file(const std::string& name, const std::string& text);
 
-  const Model& m_model;
+  const Recording& m_recording;
   std::string m_folder;
   std::vector<TriangleMesh> m_shapes;  ///< one per body, empty where it has none
   bool m_has_terrain;
   bool m_has_points;
+  std::vector<WaterReach> m_reaches;  ///< so far, one per water
   std::ofstream m_index;
   std::streampos m_index_end;  ///< before the closing tags
   long m_frames = 0;

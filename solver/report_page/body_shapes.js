@@ -34,6 +34,14 @@ const bodyShapes = (() => {
     return flat;
   }
 
+  // Half the extents along the body's axes.
+  function halfSize(shape) {
+    const half = new THREE.Vector3();
+    if (shape.kind === 'box') return half.fromArray(shape.size).multiplyScalar(0.5);
+    half.setScalar(shape.radius);
+    return shape.kind === 'sphere' ? half : half.setComponent(shape.axis, shape.length / 2);
+  }
+
   // Half the greatest extent; 0 without a shape.
   function reach(shape) {
     if (!shape) return 0;
@@ -59,5 +67,5 @@ const bodyShapes = (() => {
     mesh.add(edges, ghost(geometry, colors[index % colors.length]));
     return mesh;
   }
-  return { make, reach, colors };
+  return { make, reach, halfSize, colors };
 })();

@@ -4,6 +4,7 @@ const colorMap = (() => {
   const table = (text) => text.split(' ').map((hex) => [0, 2, 4].map((k) => parseInt(hex.substr(k, 2), 16) / 255));
   const maps = {
     viridis: table('440154 482173 433e85 38588c 2d708e 25858e 1e9b8a 2ab07f 52c569 86d549 c2df23 fde725'),
+    water: table('3f86ad 5b9fc1 7bb6d1 9fcde0 c8e4ee'),
     earth: table('5f6f6a 76806f 8f9178 a8a284 bfb292 d2c3a4 e2d4b9 efe5d0'),
   };
   function color(name, value) {
@@ -32,5 +33,20 @@ const colorMap = (() => {
     box.append(head, bar, marks);
     return box;
   }
-  return { color, legend };
+  // Colours that stand for a thing each.
+  function key(title, entries) {
+    const box = document.createElement('div'), head = document.createElement('b'), line = document.createElement('div');
+    box.className = 'legend';
+    head.textContent = title;
+    line.className = 'swatches';
+    for (const [paint, text] of entries) {
+      const item = document.createElement('span'), swatch = document.createElement('i');
+      swatch.style.background = paint;
+      item.append(swatch, document.createTextNode(text));
+      line.append(item);
+    }
+    box.append(head, line);
+    return box;
+  }
+  return { color, legend, key };
 })();

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <map>
 
+#include "solver/marker_pose.h"
+
 namespace qvslv {
 
 namespace {
@@ -19,44 +21,6 @@ Vec3 unit(const Vec3& v) {
   const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
   if (!(length > 0)) return {0, 0, 0};
   return {v[0] / length, v[1] / length, v[2] / length};
-}
-
-Vec3 rotated(const Rotation& axes, const Vec3& v) {
-  Vec3 out{};
-  for (size_t row = 0; row < 3; ++row) {
-    for (size_t column = 0; column < 3; ++column) out[row] += axes[3 * column + row] * v[column];
-  }
-  return out;
-}
-
-/// v turned by a unit quaternion w, x, y, z.
-Vec3 rotated(const std::array<double, 4>& q, const Vec3& v) {
-  const Vec3 axis = {q[1], q[2], q[3]};
-  const Vec3 once = cross(axis, v);
-  const Vec3 twice = cross(axis, once);
-  Vec3 out = v;
-  for (size_t c = 0; c < 3; ++c) out[c] += 2 * (q[0] * once[c] + twice[c]);
-  return out;
-}
-
-/// A vector of a marker's axes in ground axes.
-Vec3 from_marker_axes(const Model& model, int marker, const Frame& frame, const Vec3& v) {
-  if (marker == k_none) return v;
-  const Marker& at = model.markers[static_cast<size_t>(marker)];
-  const Vec3 in_body = rotated(at.orientation, v);
-  return at.body == k_ground ? in_body : rotated(frame.body_poses[static_cast<size_t>(at.body)].quaternion, in_body);
-}
-
-Vec3 marker_place(const Model& model, int marker, const Frame& frame) {
-  if (marker == k_none) return {0, 0, 0};
-  const Marker& at = model.markers[static_cast<size_t>(marker)];
-  if (at.body == k_ground) return at.position;
-  const auto body = static_cast<size_t>(at.body);
-  Vec3 from_center{};
-  for (size_t c = 0; c < 3; ++c) from_center[c] = at.position[c] - model.bodies[body].center[c];
-  Vec3 place = rotated(frame.body_poses[body].quaternion, from_center);
-  for (size_t c = 0; c < 3; ++c) place[c] += frame.body_poses[body].position[c];
-  return place;
 }
 
 Vec3 center_of_pressure(const Frame& frame, int element, const Vec3& without_points) {
@@ -78,16 +42,27 @@ Vec3 center_of_pressure(const Frame& frame, int element, const Vec3& without_poi
 ContactAxes::ContactAxes(const Model& model, const TriangleMesh& terrain, const UpAxis& up)
     : m_model(model), m_terrain(terrain, up) {}
 
-Vec3 ContactAxes::force_in_ground(const ContactPointSample& point, const Frame& frame) const {
+std::array<Vec3, 3> ContactAxes::directions(const ContactPointSample& point, const Frame& frame) const {
   const Element& element = m_model.elements[static_cast<size_t>(point.element)];
   const Vec3 normal = m_terrain.find_normal(point.position);
   const Vec3 y = from_marker_axes(m_model, element.marker, frame, {0, 1, 0});
   const Vec3 shear_1 = unit(cross(y, normal));
-  const Vec3 shear_2 = unit(cross(normal, shear_1));
+  return {shear_1, unit(cross(normal, shear_1)), normal};
+}
+
+Vec3 ContactAxes::force_in_ground(const ContactPointSample& point, const Frame& frame) const {
+  const std::array<Vec3, 3> along = directions(point, frame);
   Vec3 force{};
-  for (size_t c = 0; c < 3; ++c) {
-    force[c] = point.local_force[0] * shear_1[c] + point.local_force[1] * shear_2[c] + point.local_force[2] * normal[c];
-  }
+  for (size_t k = 0; k < 3; ++k)
+    for (size_t c = 0; c < 3; ++c) force[c] += point.local_force[k] * along[k][c];
+  return force;
+}
+
+Vec3 ContactAxes::force_along(const ContactPointSample& point, const Vec3& in_ground, const Frame& frame) const {
+  const std::array<Vec3, 3> along = directions(point, frame);
+  Vec3 force{};
+  for (size_t k = 0; k < 3; ++k)
+    for (size_t c = 0; c < 3; ++c) force[k] += in_ground[c] * along[k][c];
   return force;
 }
 
@@ -118,7 +93,7 @@ std::vector<ElementLoad> ElementLoads::find_loads(const Frame& frame,
   for (size_t k = 0; k < m_elements.size(); ++k) {
     const Element& element = m_model.elements[static_cast<size_t>(m_elements[k])];
     ElementLoad load;
-    load.place = center_of_pressure(frame, m_elements[k], marker_place(m_model, element.marker, frame));
+    load.place = center_of_pressure(frame, m_elements[k], find_marker_place(m_model, element.marker, frame));
     if (row != rows.end() && (*row)[0] == frame.time) {
       Vec3 force{};
       for (size_t c = 0; c < 3; ++c) force[c] = (*row)[m_columns[k][c]];

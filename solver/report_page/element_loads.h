@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,9 @@
 
 namespace qvslv {
 
-/// Turns the forces of contact points, known along shear 1, shear 2 and the normal, into ground axes. The normal is
-/// that of the terrain, shear 1 runs along (y axis of the element's marker) x normal, shear 2 along normal x shear 1.
+/// Turns the forces of contact points, known along shear 1, shear 2 and the normal, into ground axes and back. The
+/// normal is that of the terrain, shear 1 runs along (y axis of the element's marker) x normal, shear 2 along normal x
+/// shear 1.
 class ContactAxes {
 public:
   /// Model and terrain outlive this.
@@ -17,7 +19,13 @@ public:
 
   Vec3 force_in_ground(const ContactPointSample& point, const Frame& frame) const;
 
+  /// The reverse: along shear 1, shear 2 and the normal of a point, of a force in ground axes.
+  Vec3 force_along(const ContactPointSample& point, const Vec3& in_ground, const Frame& frame) const;
+
 private:
+  /// Shear 1, shear 2 and the normal, in ground axes.
+  std::array<Vec3, 3> directions(const ContactPointSample& point, const Frame& frame) const;
+
   const Model& m_model;
   TerrainLookup m_terrain;
 };

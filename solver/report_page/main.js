@@ -58,6 +58,14 @@
       byId('terrain-mesh').onchange = (e) => { terrain.setMesh(e.target.checked); replay.request(); };
       byId('terrain-grid').onchange = (e) => { terrain.setGrid(e.target.checked); replay.request(); };
     }
+    byId('afloat-options').hidden = !replay.afloat;
+    if (replay.afloat) {
+      const { afloat } = replay;
+      byId('water-sheet').parentElement.hidden = !afloat.hasSheet;
+      byId('hull-paint').onchange = (e) => { afloat.setPainted(e.target.checked); replay.refresh(); };
+      byId('hull-net').onchange = (e) => { afloat.setNet(e.target.checked); replay.request(); };
+      byId('water-sheet').onchange = (e) => { afloat.setSheet(e.target.checked); replay.request(); };
+    }
     byId('names').onchange = () => replay.request();
     byId('paths').onchange = (e) => replay.setPaths(e.target.checked);
     byId('clear-bodies').onchange = (e) => replay.setClearBodies(e.target.checked);

@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 
+#include "solver/report_page/afloat_data.h"
 #include "solver/report_page/base64.h"
 #include "solver/report_page/element_loads.h"
+#include "solver/report_page/page_parts.h"
 #include "solver/report_page/terrain_lookup.h"
 #include "solver/unit_names.h"
 
@@ -16,21 +18,6 @@ namespace qvslv {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// The page in the making: JSON, and arrays beside it.
-struct PageParts {  // NOLINT(bugprone-exception-escape): the JSON library's move is not marked noexcept
-  Json json;
-  std::string arrays;
-
-  template <class Number>
-  void add(const char* name, const char* type, const std::vector<Number>& values) {
-    json["arrays"][name] = {{"type", type}, {"length", values.size()}};
-    arrays += fmt::format("<script type=\"text/plain\" id=\"array-{}\">", name);
-    append_base64(values.data(), values.size() * sizeof(Number), arrays);
-    arrays += "</script>\n";
-  }
-  void note(const std::string& text) { json["notes"].push_back(text); }
-};
 
 std::string symbol(UnitQuantity quantity, const std::string& name) {
   const UnitName* unit = find_unit(quantity, name);
@@ -164,7 +151,8 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
   const UpAxis up = find_up(model.gravity);
   const ContactAxes axes(model, recording.terrain, up);
   const ElementLoads loads(model, recording.columns);
-  size_t bytes = 0;
+  AfloatData afloat(recording, origin);
+  size_t bytes = recording.frames.size() * base64_length(afloat.frame_bytes());
   for (const Frame& frame : recording.frames) {
     bytes += base64_length(8 + 28 * frame.body_poses.size() + 34 * touching(frame) + 24 * loads.elements().size());
   }
@@ -180,6 +168,7 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
     out.times.push_back(frame.time);
     append_poses(out, frame, origin);
     append_points(out, frame, axes, origin);
+    afloat.append(frame);
     for (const ElementLoad& load : loads.find_loads(frame, recording.rows)) {
       append(out.loads, load.place, origin);
       append(out.loads, load.force);
@@ -193,6 +182,7 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
   page.add("points", "f32", out.points);
   page.add("point_elements", "u16", out.elements);
   page.add("loads", "f32", out.loads);
+  afloat.add_to(page);
 }
 
 void add_rows(PageParts& page, const Recording& recording, size_t budget) {

@@ -15,9 +15,15 @@ namespace qvslv {
 ///   points            f32 8 per point: place, force on the body in ground axes, depth (positive), normal force
 ///   point_elements    u16 1 per point
 ///   loads             f32 6 per frame and force element: where it acts, force in ground axes
+///   hull_nodes        f32 3 per node, about the centre of mass of the hull's body, in its axes
+///   hull_patches      u32 3 per patch, node indices of its hull
+///   hull_wet          u8  1 bit per patch of all hulls, lowest first; whole bytes per frame
+///   water_x           f32 1 per column of a water's sheet, along the water marker's x axis
+///   water_levels      f32 1 per frame and column
 ///   row_times         f64 1 per row                columns            f32 one column after the other, without time
 ///
-/// Places are relative to `origin`, so that single precision does for a model far from the ground's origin.
+/// Those of hulls and waters are there when the model has hulls. Places are relative to `origin`, so that single
+/// precision does for a model far from the ground's origin.
 std::string page_data(const Model& model, const Recording& recording, const RunRecord& record,
                       const ReportLimits& limits);
 

@@ -3,7 +3,7 @@
 const page = (() => {
   const data = JSON.parse(document.getElementById('page-data').textContent);
 
-  const kinds = { f32: Float32Array, f64: Float64Array, u32: Uint32Array, u16: Uint16Array };
+  const kinds = { f32: Float32Array, f64: Float64Array, u32: Uint32Array, u16: Uint16Array, u8: Uint8Array };
   const arrays = {};
   for (const [name, info] of Object.entries(data.arrays)) {
     const text = atob(document.getElementById('array-' + name).textContent);
@@ -45,6 +45,13 @@ const page = (() => {
   for (const body of data.bodies) {
     const v = ['vx', 'vy', 'vz'].map((q) => columnByName.get(body.name + '.' + q));
     if (v.every(Boolean)) derive(body.name, 'speed', v[0].unit, (k) => Math.hypot(v[0].values[k], v[1].values[k], v[2].values[k]));
+  }
+  // Reports of hulls give angles from 0 to 360: about the upright they would jump.
+  for (const element of data.elements.filter((e) => e.subroutine === 'qvhydro_report')) {
+    for (const quantity of ['roll', 'pitch']) {
+      const angle = columnByName.get(element.name + '.' + quantity);
+      if (angle) derive(element.name, quantity + '_signed', angle.unit, (k) => angle.values[k] > 180 ? angle.values[k] - 360 : angle.values[k]);
+    }
   }
   const kinetic = columnByName.get('kinetic_energy'), potential = columnByName.get('potential_energy');
   if (kinetic && potential) derive('', 'total_energy', kinetic.unit, (k) => kinetic.values[k] + potential.values[k]);

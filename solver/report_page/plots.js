@@ -208,18 +208,23 @@ function makePlots() {
     // A sum over one element repeats it: shown once.
     const owned = (kind, test, most = 8) => columns.filter((c) => kindOf(c.owner) === kind && test(c)).reduce(
       (chosen, c) => kind === 'element' && chosen.some((other) => same(other, c)) ? chosen : [...chosen, c], []).slice(0, most);
-    const force = (c) => /^force_[xyz]$/.test(c.quantity) && changes(c);
+    const runs = (owner, subroutine) => data.elements.some((e) => e.name === owner && subroutine.test(e.subroutine));
+    const isAfloat = (owner) => runs(owner, /^qvhydro_/);
+    const force = (c) => /^force_[xyz]$/.test(c.quantity) && !runs(c.owner, /^qvhydro_report$/) && changes(c);
     const wanted = [
       ['Height of bodies', owned('body', (c) => c.quantity === upName)],
       ['Speed of bodies', owned('body', (c) => c.quantity === 'speed')],
       ['Vertical force of elements', owned('element', (c) => force(c) && c.quantity === 'force_' + upName)],
+      ['Roll and pitch', owned('element', (c) => /^(roll|pitch)_signed$/.test(c.quantity))],
+      ['Height of check points over the water frame', owned('element', (c) => isAfloat(c.owner) && /^point_\d+_height$/.test(c.quantity))],
+      ['Submerged volume', owned('element', (c) => c.quantity === 'submerged_volume' && changes(c))],
       ['Horizontal force of elements', owned('element', (c) => force(c) && c.quantity !== 'force_' + upName)],
       ['Contact area', owned('element', (c) => /area/.test(c.quantity) && changes(c))],
       ['Energies of the whole model', owned('whole model', (c) => /energy/.test(c.quantity))],
     ];
     for (const [name, chosen] of wanted) if (chosen.length) addChart(name, chosen);
     // Elements that report something else: one plot each, of the unit that most columns have.
-    const others = owned('element', (c) => !/^(force|torque|moment)_|area/.test(c.quantity) && changes(c), 64);
+    const others = owned('element', (c) => !/^(force|torque|moment)_|area/.test(c.quantity) && !isAfloat(c.owner) && changes(c), 64);
     for (const owner of [...new Set(others.map((c) => c.owner))].slice(0, 4)) {
       const mine = others.filter((c) => c.owner === owner), count = (unit) => mine.filter((c) => c.unit === unit).length;
       const unit = mine.map((c) => c.unit).reduce((best, next) => count(next) > count(best) ? next : best);

@@ -19,7 +19,8 @@ function makeReplay() {
   const placeOf = (frame, body, out = new THREE.Vector3()) => out.fromArray(arrays.poses, 7 * (frame * bodies + body));
   const turnOf = (frame, body, out = new THREE.Quaternion()) => out.fromArray(arrays.poses, 7 * (frame * bodies + body) + 3);
   const finite = (v) => Number.isFinite(v.x + v.y + v.z);  // a run may end in values that are none
-  const reach = data.bodies.map((b) => bodyShapes.reach(b.shape));
+  const afloat = makeAfloat();
+  const reach = data.bodies.map((b, k) => Math.max(bodyShapes.reach(b.shape), afloat ? afloat.reach(k) : 0));
 
   function centroid(frame) {
     const sum = new THREE.Vector3(), p = new THREE.Vector3();
@@ -38,7 +39,9 @@ function makeReplay() {
     widest = Math.max(widest, spread(k));
     for (let b = 0; b < bodies; ++b) {
       const p = placeOf(k, b);
-      if (finite(p)) bounds.union(new THREE.Box3(p.clone().subScalar(reach[b]), p.clone().addScalar(reach[b])));
+      if (!finite(p)) continue;
+      if (afloat && afloat.covers(b, data.bodies[b].shape)) afloat.enclose(bounds, b, p, turnOf(k, b));
+      else bounds.union(new THREE.Box3(p.clone().subScalar(reach[b]), p.clone().addScalar(reach[b])));
     }
   }
   const travel = centroid(page.frames - 1).distanceTo(centroid(0));
@@ -72,12 +75,14 @@ function makeReplay() {
   const gridStep = page.niceStep(Math.max(1.6 * largest, 0.01 * ground, 1e-9));
   const terrain = makeTerrain(runMost.depth, gridStep);
   const axisSize = largest || 0.05 * bounds.getSize(new THREE.Vector3()).length() || 1;
-  const shapes = data.bodies.map((b, k) => bodyShapes.make(b.shape, k, axisSize));
+  const shapes = data.bodies.map((b, k) => afloat && afloat.covers(k, b.shape) ? new THREE.Group() : bodyShapes.make(b.shape, k, axisSize));
   shapes.forEach((shape) => scene.add(shape));
+  if (afloat) afloat.attach(scene, shapes);
   scene.add(new THREE.HemisphereLight(0xffffff, 0xa39d92, 0.85));
   const sun = new THREE.DirectionalLight(0xffffff, 0.52);
   scene.add(sun, sun.target);
-  if (terrain) scene.add(terrain.mesh); else scene.add(makeFloor());
+  if (terrain) scene.add(terrain.mesh);
+  else if (!afloat || !afloat.hasSheet) scene.add(makeFloor());
 
   // Without a terrain: a grid under the lowest place of the run.
   function makeFloor() {
@@ -94,6 +99,7 @@ function makeReplay() {
     return floor;
   }
   if (terrain) byId('scale').textContent = 'grid ' + page.withUnit(gridStep, data.units.length);
+  else if (afloat && afloat.hasSheet) byId('scale').textContent = 'grid on the water ' + page.withUnit(afloat.step, data.units.length);
 
   const paths = data.bodies.map((_, b) => {
     const places = new Float32Array(3 * page.frames);
@@ -162,7 +168,7 @@ function makeReplay() {
   }
 
   // --- one moment ----------------------------------------------------------------------------------------------
-  const arrowLength = () => 1.6 * (largest || axisSize) * state.arrowScale;
+  const arrowLength = () => (afloat ? 1.1 : 1.6) * (largest || axisSize) * state.arrowScale;
 
   function showBodies(frame, next, fraction) {
     for (let b = 0; b < bodies; ++b) {
@@ -210,7 +216,7 @@ function makeReplay() {
       const length = loadMost > 0 ? 1.5 * arrowLength() * size / loadMost : 0;
       arrow.visible = state.resultants && length > 0.02 * arrowLength();
       if (!arrow.visible) return;
-      const thick = 0.03 * (largest || axisSize), tip = Math.min(0.45 * length, 4.5 * thick);
+      const thick = Math.min(0.03 * (largest || axisSize), afloat ? 0.1 * length : Infinity), tip = Math.min(0.45 * length, 4.5 * thick);
       arrow.position.fromArray(arrays.loads, at).add(drift(data.load_elements[i], frame));
       arrow.quaternion.setFromUnitVectors(new THREE.Vector3(0, 1, 0), f.divideScalar(size));
       shaft.scale.set(thick, length - tip, thick);
@@ -222,6 +228,7 @@ function makeReplay() {
     const box = byId('legends');
     box.textContent = '';
     const kind = state.pointColor, tracked = byId('terrain-color').value === 'trace' && terrain && terrain.hasTrack;
+    if (afloat && afloat.isPainted()) box.append(colorMap.key('Patches of the hulls', [[afloatColors.wet, 'under water'], [afloatColors.dry, 'above it']]));
     if (pointCount && kind !== 'none') {
       const same = kind === 'depth' && state.pointRange === 'run' && tracked;
       box.append(colorMap.legend(pointTitle[kind][0] + (same ? ', points and track' : ''), 'viridis', 0, top || runMost[kind], pointTitle[kind][1]));
@@ -253,7 +260,7 @@ function makeReplay() {
     if (now && finite(now)) {
       orbit.target.copy(now);
       const radius = state.follow === 'all' ? widest : reach[Number(state.follow)] || axisSize;
-      orbit.distance = distanceFor(2.1 * radius);
+      orbit.distance = distanceFor((afloat ? 3 : 2.1) * radius);  // of what floats, the water around it is seen too
     } else {
       bounds.getCenter(orbit.target);
       orbit.distance = distanceFor(0.62 * bounds.getSize(new THREE.Vector3()).length() + 0.3 * largest);
@@ -298,6 +305,7 @@ function makeReplay() {
     const top = showPoints(frame);
     showLoads(frame);
     if (terrain) terrain.show(frame);
+    if (afloat) afloat.show(frame, next, fraction);
     if (state.pointRange === 'frame' || !byId('legends').childElementCount) showLegends(top);
     follow();
     request();
@@ -337,10 +345,11 @@ function makeReplay() {
   state.follow = travel > 1.2 * widest && bodies ? (bodies === 1 ? '0' : 'all') : 'free';
   show(arrays.frame_times[0]);
   fit();
-  return { show, set, look, refresh, request, describe, picture, terrain, state, hasPoints: pointCount > 0, hasLoads: loads > 0 && loadMost > 0,
+  return { show, set, look, refresh, request, describe, picture, terrain, afloat, state, hasPoints: pointCount > 0, hasLoads: loads > 0 && loadMost > 0,
            setPaths: (shown) => { paths.forEach((line) => { line.visible = shown; }); request(); },
            setClearBodies: (clear) => {
              shapes.forEach(({ material }) => { if (material && material.color) Object.assign(material, { transparent: clear, opacity: clear ? 0.35 : 1, depthWrite: !clear, needsUpdate: true }); });
+             if (afloat) afloat.setClear(clear);
              request();
            } };
 }

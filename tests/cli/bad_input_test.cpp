@@ -1,23 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <sstream>
-
-#include "solver/model_file.h"
 #include "tests/cli/base_model.h"
+#include "tests/cli/mistake.h"
 
 namespace {
 
 using testing::HasSubstr;
-
-/// One mistake: a passage of the base model, what it was turned into, and the first line of what the user sees.
-/// docs/bad-input.md shows the same rows.
-struct mistake {
-  const char* why;
-  const char* from;
-  const char* to;
-  const char* message;
-};
 
 // clang-format off
 const mistake k_mistakes[] = {
@@ -47,7 +35,7 @@ const mistake k_mistakes[] = {
     // Numbers and expressions
     {"An expression that breaks off", "\"m0*sin(t)\"", "\"m0*sin(t\"", "model.toml:67:13: in the expression \"m0*sin(t\": Missing parenthesis (at \")\")"},
     {"A misspelt parameter in an expression", "mass = \"2*m0\"", "mass = \"2*m1\"", "model.toml:32:8: in the expression \"2*m1\": 'm1' is no parameter, constant or function; did you mean 'm0'?"},
-    {"A misspelt function", "\"m0*sin(t)\"", "\"m0*sinus(t)\"", "model.toml:67:13: in the expression \"m0*sinus(t)\": 'sinus' is no parameter, constant or function; did you mean 'sin'?"},
+    {"A misspelt function", "\"m0*sin(t)\"", "\"m0*sinus(t)\"", "model.toml:67:13: in the expression \"m0*sinus(t)\": there is no function 'sinus'; did you mean 'sin'?"},
     {"A number that depends on time", "mass = \"2*m0\"", "mass = \"2*t\"", "model.toml:32:8: in the expression \"2*t\": a number is expected here, it cannot depend on the time t"},
     {"A number that is none", "mass = \"2*m0\"", "mass = \"1/(m0-12)\"", "model.toml:32:8: in the expression \"1/(m0-12)\": the value is not a finite number"},
     {"A parameter that depends on itself", "f = 0.5", "f = \"rate/2\"", "model.toml:14:8: parameter 'rate' depends on itself (rate, f)"},
@@ -124,31 +112,6 @@ const override_mistake k_override_mistakes[] = {
 };
 // clang-format on
 
-std::string message_of(const std::string& text, const std::vector<std::string>& overrides) {
-  try {
-    qvslv::read_model_text(text, "model.toml", overrides);
-  } catch (const qvslv::ModelError& error) {
-    return error.what();
-  }
-  return "no mistake was found";
-}
-
-/// The first line, without the folder the test happens to run in.
-std::string comparable(std::string message) {
-  message = message.substr(0, message.find('\n'));
-  const size_t folder = message.find("beside the model in ");
-  if (folder == std::string::npos) return message;
-  const size_t begin = folder + std::string("beside the model in ").size(), end = message.find(" (", begin);
-  return message.replace(begin, end - begin, "<folder>");
-}
-
-std::string page() {
-  std::ifstream stream(QVBRISK_BAD_INPUT_PAGE);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
 TEST(BadInput, BaseModelItselfHasNoMistake) { EXPECT_EQ(message_of(k_base_model, {}), "no mistake was found"); }
 
 TEST(BadInput, EveryMistakeIsNamedAtItsPlace) {
@@ -166,12 +129,7 @@ TEST(BadInput, MistakenOverridePointsAtTheOption) {
 }
 
 TEST(BadInput, PageShowsEveryMistakeAndItsMessage) {
-  const std::string text = page();
-  const auto in_table = [](const std::string& message) {
-    std::string cell;
-    for (const char c : message) cell += c == '|' ? std::string("\\|") : std::string(1, c);
-    return cell;
-  };
+  const std::string text = bad_input_page();
   for (const mistake& row : k_mistakes) {
     EXPECT_THAT(text, HasSubstr(std::string("| ") + row.why + " |"));
     EXPECT_THAT(text, HasSubstr("`" + in_table(row.message) + "`"));

@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Runs a copy of an example (it makes its road beside the model) and hands over its table.
+/// Runs a copy of an example (it makes its roads and waves beside the model) and hands over its table.
 ResultTable results_of(const std::string& example, const std::vector<std::string>& more = {}) {
   const fs::path folder = fresh_folder();
   fs::copy(fs::path(QVBRISK_EXAMPLES) / example / "model.toml", folder / "model.toml");
@@ -93,6 +93,173 @@ TEST(Example, BallsFallAndSpinWithTheEnergiesOfRigidSpheres) {
       EXPECT_NEAR(table[head + ".rotational_energy [J]"][i], rotational, 1e-6 * (1 + rotational)) << ball.name;
     }
   }
+}
+
+/// Mean over the rows of a table from a time on, by trapezia.
+double time_mean_from(const std::vector<double>& time, const std::vector<double>& values, double from) {
+  double sum = 0, duration = 0;
+  for (size_t i = 1; i < time.size(); ++i) {
+    if (time[i - 1] < from) continue;
+    sum += 0.5 * (values[i] + values[i - 1]) * (time[i] - time[i - 1]);
+    duration += time[i] - time[i - 1];
+  }
+  return sum / duration;
+}
+
+size_t row_at(const std::vector<double>& time, double t) {
+  return static_cast<size_t>(std::find_if(time.begin(), time.end(), [&](double at) { return at >= t - 1e-9; }) -
+                             time.begin());
+}
+
+TEST(Example, BargeFloatsOnTheMeanAndItsLineHoldsTheDrag) {
+  const ResultTable table = results_of("barge_in_waves");
+  const std::vector<double>&time = table["time [s]"], &line = table["line_force"];
+  constexpr double k_mass = 234 * 1025.0, k_weight = k_mass * 9.81, k_grown = 15;  // [kg] [N] [s]
+  const size_t first = row_at(time, k_grown);
+  const auto gain = [&](const char* speed) {  // mean force that the change of speed stands for
+    return k_mass * (table[speed].back() - table[speed][first]) / (time.back() - time[first]);
+  };
+  // Momentum over the whole time in the waves: lift carries the weight and the line's small pull downwards, drag and
+  // line balance. The rows resolve waves of 5 s, and peaks of drag half a second wide, by steps of 0.1 s.
+  EXPECT_NEAR(time_mean_from(time, table["hull.force_z [N]"], k_grown), k_weight + gain("barge.vz [m/s]"),
+              1e-3 * k_weight);
+  const double pull = time_mean_from(time, line, k_grown);
+  EXPECT_NEAR(-time_mean_from(time, table["hull.force_x [N]"], k_grown), pull - gain("barge.vx [m/s]"), 0.05 * pull);
+  // The line pulls with its stretch, from the fairlead to the buoy at x = 40, and never pushes. The report's first row
+  // is that of the set-up call, zeros.
+  int slack = 0;
+  for (size_t i = 1; i < time.size(); ++i) {
+    const double x = 40 - table["hull_report.point_0_x [m]"][i], y = table["hull_report.point_0_y [m]"][i];
+    const double stretch = std::sqrt(x * x + y * y + std::pow(table["hull_report.point_0_z [m]"][i], 2)) - 28;
+    EXPECT_NEAR(line[i], 20e3 * std::max(0.0, stretch), 1e-3) << "at " << time[i];
+    slack += line[i] == 0 ? 1 : 0;
+    EXPECT_NEAR(table["hull_report.mass_centre_x [m]"][i], table["barge.x [m]"][i], 1e-9);
+  }
+  EXPECT_GT(slack, 10);
+}
+
+// Pressure on the raked bow, friction on bottom and sides: the example's page does the sum. The waterline runs through
+// patches, whose upper corners have no drag: a few per cent.
+TEST(Example, BargeInCalmWaterPullsAtItsLineWithTheDragOfTheCurrent) {
+  const ResultTable table = results_of("barge_in_waves", {"--set", "wave.sea.Hs=0.001"});
+  constexpr double k_rho = 1025, k_stream = 0.8, k_friction = 0.5 * k_rho * 0.004;
+  const double along_normal = 0.6 * k_stream;
+  const double drag =
+      0.5 * k_rho * along_normal * along_normal * 20 * 0.6 + k_friction * k_stream * k_stream * (144 + 2 * 29.25);
+  EXPECT_NEAR(time_mean_from(table["time [s]"], table["line_force"], 15), drag, 0.05 * drag);
+  EXPECT_NEAR(table["hull.submerged_volume [m^3]"].back(), 234, 0.5);
+}
+
+TEST(Example, BoatKeepsItsSpeedAndLosesItsThrustOutOfTheWater) {
+  const ResultTable table = results_of("boat_with_thruster");
+  const std::vector<double>&time = table["time [s]"], &thrust = table["thruster.force_x [N]"];
+  // The wave once it has grown, linear theory in deep water, running towards -x; its table has 20 points to a length
+  // and to a period, so it is off by 2.5 % at most.
+  constexpr double k_amplitude = 0.375, k_pi = 3.141592653589793, k_omega = 2 * k_pi / 2.8;
+  constexpr double k_wave_number = k_omega * k_omega / 9.81, k_limit = 1900 + 0.5 * (2300 - 1900) + 20;  // [N]
+  int on = 0, off = 0;
+  for (size_t i = row_at(time, 40); i < time.size(); ++i) {
+    const double x = table["hull_report.point_0_x [m]"][i] + 20, z = table["hull_report.point_0_height [m]"][i];
+    const double over = k_amplitude * std::cos(k_wave_number * x + k_omega * time[i]) - z;
+    EXPECT_LT(thrust[i], k_limit);
+    if (over < -0.03 * k_amplitude) {
+      EXPECT_EQ(thrust[i], 0) << "over the water at " << time[i];
+      ++off;
+    } else if (over > 0.03 * k_amplitude) {
+      EXPECT_GT(std::fabs(thrust[i]), 0) << "in the water at " << time[i];
+      ++on;
+    }
+  }
+  EXPECT_GT(off, 80);  // of 400
+  EXPECT_GT(on, 200);
+  // The integral makes up for what is lost: the error's mean is 0, up to what its integral changed by.
+  const double duration = time.back() - 40;
+  const std::vector<double>& integral = table["thruster_error"];
+  EXPECT_NEAR(time_mean_from(time, table["thruster_error.rate"], 40),
+              (integral.back() - integral[row_at(time, 40)]) / duration, 2e-3);
+  EXPECT_NEAR(integral.back(), integral[row_at(time, 40)], 0.02 * duration);
+}
+
+TEST(Example, BoatInCalmWaterComesToTheSpeedOrderedWithTheThrustOfItsDrag) {
+  const ResultTable table = results_of("boat_with_thruster", {"--set", "wave.sea.height=0.001"});
+  EXPECT_NEAR(table["boat.vx [m/s]"].back(), 2.5, 1e-3);
+  EXPECT_NEAR(table["thruster.force_x [N]"].back(), -table["hull.drag_force_x [N]"].back(), 10);
+}
+
+/// The box of the capsize test: a rectangle of beam b and depth h, its centre of mass `below` the middle, water cutting
+/// the area b T off at any heel.
+struct heeled_box {
+  double b = 2, h = 1.2, T = 0.6, below = 0.1;  // [m]
+
+  /// Area under water and its first moment over y, of the rectangle turned by `heel` with its middle at height `up`.
+  std::pair<double, double> under_water(double heel, double up) const {
+    const double c = std::cos(heel), s = std::sin(heel);
+    const double corners[4][2] = {{-b / 2, -h / 2}, {b / 2, -h / 2}, {b / 2, h / 2}, {-b / 2, h / 2}};
+    std::vector<std::pair<double, double>> cut;
+    for (int i = 0; i < 4; ++i) {
+      const auto turned = [&](const double* p) { return std::pair{p[0] * c - p[1] * s, p[0] * s + p[1] * c + up}; };
+      const auto [y0, z0] = turned(corners[i]);
+      const auto [y1, z1] = turned(corners[(i + 1) % 4]);
+      if (z0 <= 0) cut.emplace_back(y0, z0);
+      if ((z0 < 0) != (z1 < 0)) cut.emplace_back(y0 + (y1 - y0) * z0 / (z0 - z1), 0.0);
+    }
+    double area = 0, moment = 0;
+    for (size_t i = 0; i < cut.size(); ++i) {
+      const auto [y0, z0] = cut[i];
+      const auto [y1, z1] = cut[(i + 1) % cut.size()];
+      area += (y0 * z1 - y1 * z0) / 2;
+      moment += (y0 * z1 - y1 * z0) * (y0 + y1) / 6;
+    }
+    return {area, moment};
+  }
+
+  /// Righting lever, positive where it turns the box back.
+  double lever(double heel) const {
+    double low = -2, high = 2;  // of the middle's height
+    for (int i = 0; i < 100; ++i) (under_water(heel, (low + high) / 2).first > b * T ? low : high) = (low + high) / 2;
+    const auto [area, moment] = under_water(heel, low);
+    return below * std::sin(heel) - moment / area;
+  }
+
+  double wall_sided_lever(double heel) const {
+    const double BM = b * b / (12 * T), GM = T / 2 + BM - (h / 2 - below), t = std::tan(heel);
+    return std::sin(heel) * (GM + 0.5 * BM * t * t);
+  }
+};
+
+// The turning box rises and sinks by its weight alone; what its displacement is off by meanwhile, the lever is too.
+TEST(Example, TurnedBoxHasTheRightingLeversOfTheFormulaAndOfTheExactCut) {
+  const ResultTable table = results_of("capsize_test");
+  const heeled_box box;
+  constexpr double k_pi = 3.141592653589793, k_deck_edge = 0.5404;  // atan(0.6) [rad]
+  for (size_t i = 0; i < table.rows(); ++i) {
+    const double heel = table["turn.angle [rad]"][i], lever = table["box_report.lever_y [m]"][i];
+    EXPECT_NEAR(heel, table["time [s]"][i] * k_pi / 180, 1e-9);
+    EXPECT_NEAR(lever, std::fabs(box.lever(heel)), 1e-4) << "heel " << heel;
+    if (heel < k_deck_edge) {
+      EXPECT_NEAR(lever, box.wall_sided_lever(heel), 1e-4) << "heel " << heel;
+    }
+    EXPECT_NEAR(table["box.submerged_volume [m^3]"][i], 4 * box.b * box.T, 2e-3) << "heel " << heel;
+  }
+}
+
+TEST(Example, PushedBoxHeelsToTheLeverGivenAndCapsizesPastTheGreatest) {
+  const ResultTable table = results_of("capsize_test");
+  const heeled_box box;
+  const std::vector<double>&time = table["time [s]"], &heel = table["push.angle [rad]"];
+  double greatest = 0;
+  for (int degree = 0; degree < 90; ++degree)
+    greatest = std::max(greatest, box.lever(degree * 3.141592653589793 / 180));
+  for (size_t i = 0; i < time.size(); ++i) {
+    const double given = table["heeling_lever"][i];
+    if (time[i] > 1 && time[i] < 110) {
+      EXPECT_NEAR(box.lever(heel[i]), given, 0.01 * greatest) << "at " << time[i];
+    }
+    if (given < 0.99 * greatest && time[i] < 120) {
+      EXPECT_LT(heel[i], 0.8) << "at " << time[i];
+    }
+  }
+  EXPECT_NEAR(heel.back(), 3.141592653589793, 0.02);  // upside down, where it is stable again
 }
 
 }  // namespace

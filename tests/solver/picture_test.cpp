@@ -4,8 +4,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "solver/hull_picture.h"
+#include "solver/marker_pose.h"
 #include "solver/shape_mesh.h"
 #include "solver/terrain.h"
+#include "solver/water_surface.h"
 #include "tests/solver/test_model.h"
 
 namespace {
@@ -96,6 +99,246 @@ TEST(RoadMesh, IsNothingForFilesWithoutOne) {
   for (const char* text : {"", "NUMBER_OF_NODES", "NUMBER_OF_NODES = -5\nNUMBER_OF_ELEMENTS = 1e300\n",
                            "NUMBER_OF_NODES = 3\n1 0 0 0\n"}) {
     EXPECT_FALSE(read_road_mesh(road_file(text)).has_value()) << "\"" << text << "\"";
+  }
+}
+
+// --- hulls and water -----------------------------------------------------------------------------------------------
+
+/// A ball on a body and the sea it floats in; both frames stand askew.
+struct FloatingBall {
+  TestModel built{1, 1};
+  EvenSurface surface{0.3, 0.2, -0.5};
+  Recording recording;
+  Frame frame;
+  int water_marker, hull_marker;
+
+  FloatingBall() {
+    built.add_body("ball", 1, {1, 1, 1});
+    built.body(0).center = {0.5, 0, -0.25};
+    water_marker = built.add_marker(k_ground, {-20, 3, 7}, product(turn(2, 0.7), turn(0, 0.2)));
+    hull_marker = built.add_marker(0, {1, 2, 3}, turn(1, 0.4));
+    const auto& markers = built.model.markers;
+    const int water_id = markers[static_cast<size_t>(water_marker)].id;
+    const int hull_id = markers[static_cast<size_t>(hull_marker)].id;
+    const TriangleMesh mesh = shape_mesh({ShapeKind::sphere, {0, 0, 0}, 2, 0, 1});
+    built.add_element("hull", "qvhydro_force", ElementKind::force, hull_par(water_id, hull_id, 1, mesh), 34);
+    recording.model = &built.model;
+    recording.waters.push_back({water_marker, surface.wave(4, 41, 1)});
+    recording.hulls.push_back(*read_hull(built.model, 0));
+    recording.hulls[0].water = 0;
+    frame.time = 1.5;
+    place_middle({18, 1.25, surface.at(frame.time, 18)});
+  }
+  FloatingBall(const FloatingBall&) = delete;
+  FloatingBall& operator=(const FloatingBall&) = delete;
+
+  /// Puts the middle of the ball at a place of the water's frame, the body turned about x by 0.9.
+  void place_middle(const Vec3& afloat) {
+    const Vec3 to_middle = rotate(turn(0, 0.9), Vec3{1, 2, 3} - built.model.bodies[0].center);
+    const Vec3 middle = Vec3{-20, 3, 7} + rotate(product(turn(2, 0.7), turn(0, 0.2)), afloat);
+    frame.body_poses = {{middle - to_middle, {std::cos(0.45), std::sin(0.45), 0, 0}}};
+  }
+  Vec3 afloat(const Vec3& point) const {
+    return rotate(transposed(product(turn(2, 0.7), turn(0, 0.2))), point - Vec3{-20, 3, 7});
+  }
+  HullState state() const { return calc_hull_state(built.model, recording.hulls[0], &recording.waters[0], frame); }
+};
+
+TEST(HullPicture, NodesLieWhereTheirMarkerCarriesThem) {
+  const FloatingBall ball;
+  const HullState state = ball.state();
+  ASSERT_EQ(state.points.size(), ball.recording.hulls[0].mesh.points.size());
+  const Vec3 middle = {18, 1.25, ball.surface.at(1.5, 18)};
+  for (size_t k = 0; k < state.points.size(); ++k) EXPECT_NEAR(norm(ball.afloat(state.points[k]) - middle), 2, 1e-12);
+  // The pole of the mesh tells the axes: the marker's z, turned by 0.4 about y and 0.9 about x.
+  const Vec3 pole = state.points[state.points.size() - 2], opposite = state.points.back();
+  expect_near(rotate(turn(0, 0.9), {std::sin(0.4), 0, std::cos(0.4)}), 0.25 * (pole - opposite), 1e-12);
+}
+
+TEST(HullPicture, DepthIsTheHeightOfTheSurfaceOverANode) {
+  const FloatingBall ball;
+  const HullState state = ball.state();
+  for (size_t k = 0; k < state.points.size(); ++k) {
+    const Vec3 p = ball.afloat(state.points[k]);
+    EXPECT_NEAR(state.depth[k], ball.surface.at(1.5, p[0]) - p[2], 1e-11);
+  }
+}
+
+TEST(HullPicture, PatchesAreWetWhereTheirMiddleIsUnderWater) {
+  const FloatingBall ball;
+  const HullState state = ball.state();
+  const auto& triangles = ball.recording.hulls[0].mesh.triangles;
+  size_t wet = 0;
+  for (size_t k = 0; k < triangles.size(); ++k) {
+    double depth = 0;  // the surface is even: the depth of the middle is the mean of the corners'
+    for (const int node : triangles[k]) depth += state.depth[static_cast<size_t>(node)] / 3;
+    if (std::abs(depth) < 1e-9) continue;
+    EXPECT_EQ(state.wet[k], depth > 0) << "patch " << k;
+    wet += state.wet[k] ? 1 : 0;
+  }
+  // The middle of the ball is on the surface: half of the patches, but for those that the surface cuts.
+  EXPECT_NEAR(static_cast<double>(wet), 0.5 * static_cast<double>(triangles.size()), 2.0 * k_round_sides);
+}
+
+TEST(HullPicture, IsDryBeyondTheTable) {
+  struct Case {
+    const char* why;
+    double x;
+    bool wet;
+  };
+  for (const Case& c : {Case{"deep under the last columns", 37, true},
+                        {"behind the last column", 43, false},
+                        {"before the first column", -3, false}}) {
+    FloatingBall ball;
+    ball.place_middle({c.x, 0, -50});
+    const HullState state = ball.state();
+    for (const bool wet : state.wet) EXPECT_EQ(wet, c.wet) << c.why;
+    for (const double depth : state.depth) EXPECT_EQ(depth != 0, c.wet) << c.why;
+  }
+  const FloatingBall ball;
+  const HullState state = calc_hull_state(ball.built.model, ball.recording.hulls[0], nullptr, ball.frame);
+  for (const bool wet : state.wet) EXPECT_FALSE(wet) << "no water is known";
+}
+
+TEST(HullPicture, WaterBelowXZeroBearsNothing) {
+  FloatingBall ball;
+  for (double& x : ball.recording.waters[0].wave.x) x -= 20;
+  EXPECT_FALSE(is_over(ball.recording.waters[0], -1e-9));
+  EXPECT_TRUE(is_over(ball.recording.waters[0], 0));
+  EXPECT_TRUE(is_over(ball.recording.waters[0], 20));
+  EXPECT_FALSE(is_over(ball.recording.waters[0], 20.1));
+}
+
+TEST(HullPicture, IsNothingForParametersThatHoldNoWholeMesh) {
+  FloatingBall ball;
+  std::vector<double>& par = ball.built.model.elements[0].par;
+  const std::vector<double> good = par;
+  ASSERT_TRUE(read_hull(ball.built.model, 0).has_value());
+  for (const size_t length :
+       {size_t{0}, size_t{6}, size_t{20}, size_t{21}, size_t{22}, good.size() / 2, good.size() - 1}) {
+    par.assign(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length));
+    EXPECT_FALSE(read_hull(ball.built.model, 0).has_value()) << length << " of " << good.size();
+  }
+  const std::pair<size_t, double> faults[] = {{20, -1}, {20, 1e300}, {20, std::nan("")}, {5, 77}, {6, 77}};
+  for (const auto& [place, value] : faults) {
+    par = good;
+    par[place] = value;
+    EXPECT_FALSE(read_hull(ball.built.model, 0).has_value()) << "par[" << place << "] = " << value;
+  }
+}
+
+TEST(HullPicture, LeavesOutPatchesOfNodesThatAreNotThere) {
+  FloatingBall ball;
+  std::vector<double>& par = ball.built.model.elements[0].par;
+  const size_t patches = ball.recording.hulls[0].mesh.triangles.size();
+  par[par.size() - 1] = par[20] + 1;
+  par[par.size() - 4] = -1;
+  EXPECT_EQ(read_hull(ball.built.model, 0)->mesh.triangles.size(), patches - 2);
+}
+
+TEST(HullPicture, TheNumberBehindTheLastNodeIsTheOrigin) {
+  FloatingBall ball;
+  const TriangleMesh& mesh = ball.recording.hulls[0].mesh;
+  std::vector<double>& par = ball.built.model.elements[0].par;
+  par[par.size() - 1] = par[20];
+  const TriangleMesh found = read_hull(ball.built.model, 0)->mesh;
+  EXPECT_EQ(found.triangles.size(), mesh.triangles.size());
+  ASSERT_EQ(found.points.size(), mesh.points.size() + 1);
+  expect_near({0, 0, 0}, found.points[static_cast<size_t>(found.triangles.back()[2])], 0);
+}
+
+TEST(WaterSurface, ReachIsThePlanThatHullsTakeUpInTheWatersFrame) {
+  FloatingBall ball;
+  WaterReach reach;
+  widen(reach, ball.recording, 0, ball.frame);
+  ball.place_middle({25, -6, 0});
+  widen(reach, ball.recording, 0, ball.frame);
+  ball.frame.body_poses[0].position[1] = std::nan("");
+  widen(reach, ball.recording, 0, ball.frame);
+  // Polygons in the ball of radius 2 stay inside it by at most 1 - cos(half a side), here along both circles.
+  const double slack = 2 * 2 * (1 - std::cos(k_pi / k_round_sides));
+  const double expected[4] = {18 - 2, -6 - 2, 25 + 2, 1.25 + 2};
+  const double found[4] = {reach.box.low[0], reach.box.low[1], reach.box.high[0], reach.box.high[1]};
+  for (size_t k = 0; k < 4; ++k) EXPECT_NEAR(found[k], expected[k], slack) << k;
+  EXPECT_NEAR(reach.length, std::hypot(4, 4), 2 * slack) << "of the ball alone, not of its way";
+}
+
+TEST(WaterSurface, StripIsTheWholeTableWhereThatIsSmall) {
+  const FloatingBall ball;
+  const WaterReach reach = {{{10, -1}, {13, 3}, false}, 5};
+  const WaterStrip strip = choose_strip(ball.recording.waters[0], reach, 41);
+  EXPECT_EQ(strip.x, ball.recording.waters[0].wave.x);
+  EXPECT_DOUBLE_EQ(strip.y_low, -1 - 5);
+  EXPECT_DOUBLE_EQ(strip.y_high, 3 + 5);
+}
+
+TEST(WaterSurface, StripOfALongTableCoversTheHullsWithFewColumns) {
+  struct Case {
+    const char* why;
+    double low, high, from, to;  // of the hulls, and of the table
+  };
+  constexpr double spacing = 0.5;
+  constexpr size_t columns = 4001, most = 100;
+  const Case cases[] = {{"a short hull amid the table gets all the columns there are", 999, 1001, 975.25, 1024.75},
+                        {"at the start", 0, 2, 0, 49.5},
+                        {"at the end", 1998, 2000, 1950.5, 2000},
+                        {"off the table", -500, -400, 0, 49.5},
+                        {"long hulls get three of their lengths and a wider spacing", 900, 1000, 600, 1300},
+                        {"hulls longer than the table", -100, 2100, 0, 2000}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    const Water water = {0, EvenSurface{}.wave(1, columns, spacing)};
+    const WaterStrip strip = choose_strip(water, {{{c.low, 0}, {c.high, 0}, false}, c.high - c.low}, most);
+    EXPECT_LE(strip.x.size(), most + 1);
+    EXPECT_GT(strip.x.size(), most / 2);
+    EXPECT_NEAR(strip.x.front(), c.from, spacing);
+    EXPECT_NEAR(strip.x.back(), c.to, spacing);
+    for (size_t k = 0; k < strip.x.size(); ++k) {
+      EXPECT_EQ(std::fmod(strip.x[k], spacing), 0) << "a column of the table";
+      EXPECT_TRUE(k == 0 || strip.x[k - 1] < strip.x[k]);
+    }
+  }
+}
+
+TEST(WaterSurface, SheetLiesOnTheSurfaceAndLooksUp) {
+  const FloatingBall ball;
+  const Water& water = ball.recording.waters[0];
+  const WaterStrip strip = choose_strip(water, {{{10, -1}, {13, 3}, false}, 5}, 41);
+  const TriangleMesh sheet = sheet_mesh(ball.built.model, water, strip, ball.frame);
+  ASSERT_EQ(sheet.points.size(), 2 * strip.x.size());
+  double area = 0;
+  for (const Vec3& point : sheet.points) {
+    const Vec3 p = ball.afloat(point);
+    EXPECT_NEAR(p[2], ball.surface.at(1.5, p[0]), 1e-11);
+  }
+  for (const auto& t : sheet.triangles) {
+    const auto corner = [&](size_t k) { return ball.afloat(sheet.points[static_cast<size_t>(t[k])]); };
+    const Vec3 twice = cross(corner(1) - corner(0), corner(2) - corner(0));
+    EXPECT_GT(twice[2], 0);
+    area += norm(twice) / 2;
+  }
+  EXPECT_NEAR(area, 40 * std::hypot(1, ball.surface.slope) * 14, 1e-9);
+}
+
+TEST(WaterSurface, HoldsOutOnTablesThatMakeNoSense) {
+  WaveFile one;
+  one.time = {0};
+  one.x = {5};
+  one.elevation = {{2}};
+  WaveFile unsorted = EvenSurface{}.wave(1, 6, 1);
+  std::swap(unsorted.x[0], unsorted.x[4]);
+  unsorted.x[5] = 0;
+  WaveFile left = EvenSurface{}.wave(1, 6, 1);
+  for (double& x : left.x) x -= 50;
+  const FloatingBall ball;
+  for (const WaveFile& wave : {one, unsorted, left}) {
+    const Water water = {ball.water_marker, wave};
+    for (const double x : {-60.0, 0.0, 3.0, 99.0}) {
+      const WaterStrip strip = choose_strip(water, {{{x, 0}, {x + 1, 1}, false}, 1.5}, 3);
+      EXPECT_LE(strip.x.size(), 4U);
+      const TriangleMesh sheet = sheet_mesh(ball.built.model, water, strip, ball.frame);
+      EXPECT_EQ(sheet.points.size(), 2 * strip.x.size());
+    }
   }
 }
 

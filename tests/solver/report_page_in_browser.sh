@@ -14,11 +14,14 @@ cp "$model" "$folder/model.toml"
 cd "$folder"
 "$command" run model.toml --out results --quiet
 
-# A copy that looks at its own pictures: the number of colours in the 3D view and in each plot.
+# A copy that looks at its own pictures: the number of colours in the 3D view and in each plot, and whether hiding the
+# water changes the view.
 probe='<script>
 addEventListener("error", (event) => { document.body.dataset.error = event.message; });
 const colors = (canvas) => new Set(new Uint32Array(canvas.getContext("2d").getImageData(0, 0, canvas.width, canvas.height).data.buffer)).size;
+const urls = [];
 savePicture = (url) => {
+  if (urls.push(url) > 1) return;
   const image = new Image();
   image.onload = () => {
     const copy = document.createElement("canvas");
@@ -31,10 +34,14 @@ savePicture = (url) => {
 };
 document.getElementById("play").click();
 document.getElementById("back").click();
-for (const id of ["arrows", "terrain-mesh", "terrain-clear", "clear-bodies"]) document.getElementById(id).click();
+for (const id of ["arrows", "terrain-mesh", "terrain-clear", "clear-bodies", "hull-net"]) document.getElementById(id).click();
 document.querySelector("#column-list input").click();
 document.getElementById("new-plot").click();
 document.getElementById("picture").click();
+document.getElementById("water-sheet").click();
+document.getElementById("picture").click();
+document.body.dataset.water = urls[0] === urls[1] ? "no" : "yes";
+document.getElementById("hull-paint").click();
 document.body.dataset.plotColors = Math.min(...[...document.querySelectorAll(".plot canvas")].map(colors));
 </script>'
 awk -v probe="$probe" '{ if ($0 == "</body>") print probe; print }' results/report.html > probed.html
@@ -54,4 +61,7 @@ value() { echo "$body" | sed -n "s/.*data-$1=\"\([^\"]*\)\".*/\1/p"; }
 view=$(value view-colors) plots=$(value plot-colors)
 [ "${view:-0}" -gt 200 ] || fail "the 3D view has ${view:-0} colours: nothing is drawn"
 [ "${plots:-0}" -gt 5 ] || fail "a plot has ${plots:-0} colours: nothing is drawn"
+wanted=no
+if grep -q '^type = "hull"' model.toml; then wanted=yes; fi
+[ "$(value water)" = "$wanted" ] || fail "water in the 3D view: $(value water), not $wanted"
 echo "3D view: $view colours; plots: $plots or more"

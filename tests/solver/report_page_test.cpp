@@ -13,9 +13,11 @@
 #include <set>
 
 #include "qvbrisk/services.h"
+#include "solver/hull_picture.h"
 #include "solver/report_page/base64.h"
 #include "solver/report_page/element_loads.h"
 #include "solver/report_page/terrain_lookup.h"
+#include "solver/shape_mesh.h"
 #include "tests/solver/test_hook.h"
 #include "tests/solver/test_model.h"
 
@@ -364,6 +366,113 @@ TEST(ReportPage, IsWrittenForARunThatNeverStarted) {
   EXPECT_EQ(data_of(page)["run"]["outcome"], "failed");
   EXPECT_TRUE(array<double>(page, "frame_times").empty());
   EXPECT_TRUE(array<double>(page, "row_times").empty());
+}
+
+// --- hulls and water -----------------------------------------------------------------------------------------------
+
+/// A box of edge 1 as a hull, in a sea that rises evenly.
+struct SeaCase : PageCase {
+  EvenSurface surface{0.25, 0.125, 0.5};
+
+  SeaCase() {
+    const TriangleMesh mesh = shape_mesh(built.body(0).shape);
+    Element& hull = built.model.elements[0];
+    hull.subroutine = "qvhydro_force";
+    hull.par = hull_par(k_ground_id, 1, 1, mesh);
+    recording.model = &built.model;
+    recording.hulls.push_back(*read_hull(built.model, 0));
+    recording.hulls[0].water = 0;
+    recording.waters.push_back({0, surface.wave(8, 33, 0.5)});
+  }
+};
+
+/// Bit k of a frame: patch k is under water.
+std::vector<bool> bits(const std::vector<std::uint8_t>& bytes, size_t first, size_t count) {
+  std::vector<bool> out;
+  for (size_t k = 0; k < count; ++k) out.push_back((bytes[first + k / 8] >> k % 8 & 1) != 0);
+  return out;
+}
+
+TEST(ReportPage, HoldsHullsAboutTheCentreOfMassAndWhichPatchesAreWet) {
+  SeaCase c;
+  c.built.body(0).center = {0.5, 0, 0};
+  c.add_frame(0, {{4, 0, 5}, {1, 0, 0, 0}});
+  c.add_frame(1, {{4, 0, 1}, {std::cos(0.4), 0, std::sin(0.4), 0}});
+  c.add_frame(2, {{4, 0, -5}, {1, 0, 0, 0}});
+  const int marker = c.built.add_marker(0, {0.5, 2, 0}, turn(2, k_pi / 2));
+  c.recording.hulls[0].marker = marker;
+  const std::string page = c.page();
+  const nlohmann::json hulls = data_of(page)["hulls"];
+  ASSERT_EQ(hulls.size(), 1U);
+  EXPECT_EQ(hulls[0]["body"], 0);
+  EXPECT_EQ(hulls[0]["element"], 0);
+  const auto nodes = array<float>(page, "hull_nodes");
+  const auto patches = array<std::uint32_t>(page, "hull_patches");
+  ASSERT_EQ(nodes.size(), 3U * hulls[0]["nodes"].get<size_t>());
+  ASSERT_EQ(patches.size(), 3U * hulls[0]["patches"].get<size_t>());
+  const TriangleMesh& mesh = c.recording.hulls[0].mesh;
+  for (size_t k = 0; k < mesh.points.size(); ++k) {
+    const Vec3 expected = {-mesh.points[k][1], 2 + mesh.points[k][0], mesh.points[k][2]};
+    expect_near(expected, {nodes[3 * k], nodes[3 * k + 1], nodes[3 * k + 2]}, 1e-6);
+  }
+  EXPECT_EQ(patches[4], static_cast<std::uint32_t>(mesh.triangles[1][1]));
+
+  const auto wet = array<std::uint8_t>(page, "hull_wet");
+  ASSERT_EQ(wet.size(), 3U * 2) << "12 patches take 2 bytes of each frame";
+  EXPECT_EQ(bits(wet, 0, 12), std::vector<bool>(12, false)) << "high over the water";
+  EXPECT_EQ(bits(wet, 2, 12),
+            calc_hull_state(c.built.model, c.recording.hulls[0], &c.recording.waters[0], c.recording.frames[1]).wet);
+  EXPECT_EQ(bits(wet, 4, 12), std::vector<bool>(12, true)) << "deep under it";
+}
+
+TEST(ReportPage, HoldsTheWatersSurfaceAtEachFrame) {
+  SeaCase c;
+  const double half = std::sqrt(0.5);
+  c.recording.waters[0].marker = c.built.add_marker(k_ground, {1, 2, 3}, turn(2, k_pi / 2));
+  c.add_frame(0, {{1, 10, 3}, {1, 0, 0, 0}});
+  c.add_frame(1.5, {{1, 12, 3}, {half, 0, 0, half}});
+  const std::string page = c.page();
+  const nlohmann::json data = data_of(page), water = data["waters"].at(0);
+  EXPECT_EQ(water["body"], k_ground);
+  EXPECT_EQ(water["columns"], 33);
+  for (size_t k = 0; k < 3; ++k) {
+    EXPECT_EQ(water["place"][k].get<double>() + data["origin"][k].get<double>(), static_cast<double>(k + 1));
+  }
+  EXPECT_NEAR(water["axes"][1].get<double>(), 1, 1e-15) << "its x axis is the ground's y axis";
+  // In the water's frame the box goes from x = 8 to 10 and stays at y = 0; its plan is 1 x 1 at any time.
+  const double reach = std::hypot(1, 1);
+  EXPECT_NEAR(water["y"][0].get<double>(), -0.5 - reach, 1e-12);
+  EXPECT_NEAR(water["y"][1].get<double>(), 0.5 + reach, 1e-12);
+  const auto x = array<float>(page, "water_x"), levels = array<float>(page, "water_levels");
+  ASSERT_EQ(x.size(), 33U);
+  ASSERT_EQ(levels.size(), 2U * 33);
+  for (size_t k = 0; k < 33; ++k) {
+    EXPECT_EQ(x[k], 0.5F * static_cast<float>(k));
+    EXPECT_EQ(levels[k], static_cast<float>(c.surface.at(0, x[k])));
+    EXPECT_EQ(levels[33 + k], static_cast<float>(c.surface.at(1.5, x[k])));
+  }
+}
+
+TEST(ReportPage, CountsHullsAndWaterInItsBudget) {
+  SeaCase c;
+  for (int k = 0; k <= 64; ++k) c.add_frame(0.125 * k);
+  ReportLimits limits;
+  limits.frame_bytes = 4000;  // a frame has 33 levels and two bytes of patches, next to the 60 bytes of the others
+  const std::string page = c.page(limits);
+  const size_t frames = array<double>(page, "frame_times").size();
+  EXPECT_EQ(array<float>(page, "water_levels").size(), frames * 33);
+  EXPECT_EQ(array<std::uint8_t>(page, "hull_wet").size(), frames * 2);
+  EXPECT_LE(static_cast<double>(frames - 1) * (60 + 4 * 33 + 2) * 4 / 3, 1.2 * 4000);
+  EXPECT_GT(frames, 8U);
+}
+
+TEST(ReportPage, HoldsNothingOfHullsForAModelWithoutThem) {
+  PageCase c;
+  c.add_frame(0);
+  const std::string page = c.page();
+  EXPECT_TRUE(data_of(page)["hulls"].empty());
+  EXPECT_EQ(page.find("array-hull"), std::string::npos);
+  EXPECT_EQ(page.find("array-water"), std::string::npos);
 }
 
 // --- bounds --------------------------------------------------------------------------------------------------------

@@ -7,6 +7,8 @@
 #include <sstream>
 
 #include "solver/csv.h"
+#include "solver/shape_mesh.h"
+#include "solver/wave_file.h"
 #include "tests/solver/test_hook.h"
 #include "tests/solver/test_model.h"
 
@@ -257,6 +259,109 @@ TEST(Frames, ShowTheRoadWhereItsMarkerStands) {
   ASSERT_EQ(points.size(), 9u);
   for (size_t k = 0; k < 9; ++k) EXPECT_NEAR(points[k], expected[k], 1e-12);
   EXPECT_NE(read_text(out.folder + "/frames.pvd").find("frames/terrain.vtp"), std::string::npos);
+}
+
+/// The falling box as a hull of its own shape in a sea at rest at z = 2.5 that ends at x = 10.
+TestModel box_at_sea(const std::string& folder) {
+  TestModel built = falling_box(0.2, 0.1);
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder + "/calm.wave") << wave_text(EvenSurface{2.5, 0, 0}.wave(1, 11, 1), "");
+  built.model.path = folder + "/model.toml";
+  built.model.strings.push_back({9, "wave", "calm.wave"});
+  const std::vector<double> par = hull_par(k_ground_id, 1, 9, shape_mesh(built.body(0).shape));
+  built.add_element("hull", "qvhydro_force", ElementKind::force, par, 34).marker = 1;
+  return built;
+}
+
+TEST(Frames, ShowHullsWithTheirDepthAndTheWater) {
+  const std::string folder = test_folder();
+  const TestModel built = box_at_sea(folder);
+  const Script script([](const HookCall&) {});
+  RunOptions options;
+  options.out_folder = folder + "/out";
+  const TestRun out = run(built, options);
+  EXPECT_TRUE(out.told.empty());
+
+  const std::string hull = read_text(out.folder + "/frames/hulls_000001.vtp");
+  xml_elements(hull);
+  const std::vector<double> nodes = array(hull, "Points"), depth = array(hull, "depth");
+  ASSERT_EQ(nodes.size(), 3U * 8);
+  ASSERT_EQ(depth.size(), 8U);
+  const double height = 3 - 5 * 0.1 * 0.1;  // fallen freely for 0.1
+  for (size_t k = 0; k < 8; ++k) {
+    EXPECT_NEAR(std::abs(nodes[3 * k + 2] - height), 3, 1e-8);
+    EXPECT_EQ(depth[k], 2.5 - nodes[3 * k + 2]);
+  }
+  // Under water: the bottom, and of each side the triangle that has two corners there.
+  const std::vector<double> wet = array(hull, "wet");
+  EXPECT_EQ(wet.size(), 12U);
+  EXPECT_EQ(std::count(wet.begin(), wet.end(), 1), 2 + 4);
+  EXPECT_EQ(array(hull, "element"), std::vector<double>(12, 0));
+
+  const std::string water = read_text(out.folder + "/frames/water_000001.vtp");
+  xml_elements(water);
+  EXPECT_EQ(array(water, "elevation"), std::vector<double>(22, 2.5));
+  const std::vector<double> points = array(water, "Points");
+  ASSERT_EQ(points.size(), 3U * 22);
+  const double edge = std::hypot(2, 4);  // one reach of the box beyond it on either side
+  for (size_t k = 0; k < 22; ++k) {
+    const size_t column = k / 2;
+    const double expected[3] = {static_cast<double>(column), k % 2 == 0 ? 0 - edge : 4 + edge, 2.5};
+    for (size_t c = 0; c < 3; ++c) EXPECT_NEAR(points[3 * k + c], expected[c], 1e-9) << k;
+  }
+}
+
+TEST(Frames, ListHullsAndWaterInTheIndexAndReplaceThoseOfAnEarlierRun) {
+  const std::string folder = test_folder();
+  TestModel built = box_at_sea(folder);
+  const Script script([](const HookCall&) {});
+  RunOptions options;
+  options.out_folder = folder + "/out";
+  run(built, options);
+  const std::string index = read_text(options.out_folder + "/frames.pvd");
+  EXPECT_EQ(xml_elements(index)["DataSet"], 3 * 3);
+  for (const char* file : {"hulls_000000.vtp", "hulls_000002.vtp", "water_000000.vtp", "water_000002.vtp"}) {
+    EXPECT_NE(index.find(std::string("file=\"frames/") + file), std::string::npos) << file;
+    EXPECT_TRUE(std::filesystem::exists(options.out_folder + "/frames/" + file)) << file;
+  }
+  built.model.elements.clear();
+  run(built, options);
+  EXPECT_FALSE(std::filesystem::exists(options.out_folder + "/frames/hulls_000000.vtp"));
+  EXPECT_FALSE(std::filesystem::exists(options.out_folder + "/frames/water_000000.vtp"));
+}
+
+TEST(Frames, HullsInOneSeaShareItsSheet) {
+  const std::string folder = test_folder();
+  TestModel built = box_at_sea(folder);
+  const Element first = built.model.elements[0];
+  built.model.elements.push_back(first);
+  built.model.elements[1].name = "second";
+  const Script script([](const HookCall&) {});
+  RunOptions options;
+  options.out_folder = folder + "/out";
+  run(built, options);
+  EXPECT_EQ(array(read_text(options.out_folder + "/frames/hulls_000000.vtp"), "wet").size(), 24U);
+  EXPECT_EQ(array(read_text(options.out_folder + "/frames/water_000000.vtp"), "elevation").size(), 22U);
+}
+
+TEST(Frames, AHullOrAWaterThatCannotBeDrawnIsToldAndTheRunGoesOn) {
+  const std::string folder = test_folder();
+  TestModel built = box_at_sea(folder);
+  built.model.strings[0].text = "nowhere.wave";
+  built.model.elements.push_back(built.model.elements[0]);
+  built.model.elements[1].name = "torn";
+  built.model.elements[1].par.pop_back();
+  const Script script([](const HookCall&) {});
+  RunOptions options;
+  options.out_folder = folder + "/out";
+  const TestRun out = run(built, options);
+  EXPECT_EQ(out.summary.outcome, RunOutcome::finished);
+  ASSERT_EQ(out.told.size(), 2U);
+  EXPECT_EQ(out.told[0], "element hull: no picture of the water nowhere.wave: it cannot be read");
+  EXPECT_EQ(out.told[1], "element torn: no picture of the hull: its par holds no whole mesh");
+  const std::vector<double> wet = array(read_text(out.folder + "/frames/hulls_000000.vtp"), "wet");
+  EXPECT_EQ(wet, std::vector<double>(12, 0));
+  EXPECT_FALSE(std::filesystem::exists(out.folder + "/frames/water_000000.vtp"));
 }
 
 TEST(Frames, ARoadThatCannotBeDrawnIsToldAndTheRunGoesOn) {

@@ -223,8 +223,8 @@ TEST(Services, AllTenAreFoundByAPluginThatWasLoadedAtRunTime) {
   built.model.strings.push_back({77, "road", "road.rdf"});
   built.add_element("asks", "all_services", ElementKind::report, {1, 77}, 12);
   const TestRun out = run_to_end(built);
-  // Splines and units are refused by the engine, all others answered.
-  const double flags[8] = {0, 0, 0, 0, 1, 1, 0, 0};
+  // The model has no spline; all others are answered.
+  const double flags[8] = {0, 0, 0, 0, 1, 0, 0, 0};
   for (int k = 0; k < 8; ++k) EXPECT_EQ(out.last("asks.r" + std::to_string(k)), flags[k]) << "service " << k;
   EXPECT_EQ(out.last("asks.r8"), 8) << "length of road.rdf";
   EXPECT_EQ(out.last("asks.r9"), 16) << "length of the model's path";
@@ -274,7 +274,7 @@ TEST(Services, QuantitiesThatAreNotGivenSetTheFlag) {
   built.add_element("asks", "scripted", ElementKind::report, {}, 1);
   const Script script([&](const HookCall& call) {
     const int id = 1;
-    for (const char* name : {"VARVAL", "DIF20", "DIF21", "DIF22", "FM", "NONSENSE"}) {
+    for (const char* name : {"VARVAL", "DIF20", "DIF21", "DIF22", "NONSENSE"}) {
       double value = -7;
       int err = 0;
       sysfnc(call.handle, name, &id, 1, &value, &err);
@@ -287,7 +287,7 @@ TEST(Services, QuantitiesThatAreNotGivenSetTheFlag) {
     EXPECT_NE(err, 0) << "no room for three values";
   });
   const TestRun out = run_to_end(built);
-  EXPECT_EQ(out.told.size(), 7u) << "each kind of request is told once";
+  EXPECT_EQ(out.told.size(), 6u) << "each kind of request is told once";
 }
 
 TEST(Services, ForceOnAMarkerSumsElementsAndAppliedForcesWithTheirReactions) {

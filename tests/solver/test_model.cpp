@@ -57,6 +57,30 @@ Rotation from_quaternion(double w, double x, double y, double z) {
   return out;
 }
 
+WaveFile EvenSurface::wave(double last_time, size_t columns, double spacing) const {
+  WaveFile wave;
+  wave.time = {0, last_time};
+  for (size_t k = 0; k < columns; ++k) wave.x.push_back(spacing * static_cast<double>(k));
+  for (const double time : wave.time) {
+    wave.elevation.emplace_back();
+    for (const double x : wave.x) wave.elevation.back().push_back(at(time, x));
+    wave.velocity.emplace_back(columns, rate);
+  }
+  return wave;
+}
+
+std::vector<double> hull_par(int water_id, int body_id, int wave_string, const TriangleMesh& mesh) {
+  std::vector<double> par(21, 0);
+  par[5] = water_id;
+  par[6] = body_id;
+  par[7] = wave_string;
+  par[20] = static_cast<double>(mesh.points.size());
+  for (const Vec3& p : mesh.points) par.insert(par.end(), p.begin(), p.end());
+  par.push_back(static_cast<double>(mesh.triangles.size()));
+  for (const auto& t : mesh.triangles) par.insert(par.end(), t.begin(), t.end());
+  return par;
+}
+
 Expression expression(const std::string& text) { return {text, {"test", 1, 1}, nullptr}; }
 
 TestModel::TestModel(double end_time, double output_step) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "solver/model.h"
+#include "solver/recording.h"
 #include "solver/run.h"
 
 /// Models made in place, and runs of them read back from their files.
@@ -48,6 +49,17 @@ struct TestModel {
   qvslv::Element& add_element(const std::string& name, const std::string& subroutine, qvslv::ElementKind kind,
                               const std::vector<double>& par, int result_length);
 };
+
+/// A surface that rises evenly along x and over time: reading between rows and columns is exact on it.
+struct EvenSurface {
+  double level = 0, slope = 0, rate = 0;
+  double at(double time, double x) const { return level + slope * x + rate * time; }
+  /// As a WAVE file with times 0 and `last_time` and `columns` positions from 0 on.
+  qvslv::WaveFile wave(double last_time, size_t columns, double spacing) const;
+};
+
+/// Parameters of a hydro force whose mesh is given; the rest of them 0.
+std::vector<double> hull_par(int water_id, int body_id, int wave_string, const qvslv::TriangleMesh& mesh);
 
 qvslv::Expression expression(const std::string& text);
 

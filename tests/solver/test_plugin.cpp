@@ -11,6 +11,12 @@ PLUGIN_EXPORT void scripted(void* handle, double time, double* par, int npar, in
   solver_test_hook(handle, time, par, npar, difflag, iflag, result);
 }
 
+/// The same under the name by which hulls are known, so that their pictures can be tested without the sea.
+PLUGIN_EXPORT void qvhydro_force(void* handle, double time, double* par, int npar, int difflag, int iflag,
+                                 double* result) {
+  solver_test_hook(handle, time, par, npar, difflag, iflag, result);
+}
+
 /// Spring and damper between the origins of two markers, unstretched length 0:
 /// par = marker, reference marker, ground marker, stiffness, damping; result = force on the marker in ground axes.
 PLUGIN_EXPORT void spring_damper(void* handle, double, double* par, int, int, int, double* result) {

@@ -1,0 +1,91 @@
+#include "cli/check_water.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "cli/commands.h"
+#include "solver/table_tokens.h"
+#include "solver/water_check.h"
+
+namespace qvcli {
+
+namespace {
+
+std::string text_of(const std::string& file, const char* kind) {
+  std::string text;
+  if (!qvslv::read_whole_file(file, text)) throw UsageError(std::string("there is no ") + kind + " file " + file);
+  return text;
+}
+
+int conclude(const std::string& file, const std::vector<qvslv::WaterFinding>& found) {
+  bool refused = false;
+  for (const qvslv::WaterFinding& finding : found) {
+    const std::string place = finding.line > 0 ? ":" + std::to_string(finding.line) : "";
+    std::fprintf(stderr, "%s: %s%s: %s\n", finding.refused ? "error" : "warning", file.c_str(), place.c_str(),
+                 finding.text.c_str());
+    refused = refused || finding.refused;
+  }
+  if (refused) return k_bad_input;
+  std::printf(found.empty() ? "ok\n" : "can be read; see the warnings\n");
+  return k_done;
+}
+
+struct Range {
+  double least, most;
+};
+
+Range range_of(const std::vector<std::vector<double>>& table) {
+  Range range{table.front().front(), table.front().front()};
+  for (const std::vector<double>& row : table) {
+    const auto [least, most] = std::minmax_element(row.begin(), row.end());
+    range = {std::min(range.least, *least), std::max(range.most, *most)};
+  }
+  return range;
+}
+
+}  // namespace
+
+int check_wave(const std::string& file) {
+  const qvslv::WaveCheck check = qvslv::check_wave_text(text_of(file, "WAVE"));
+  if (check.wave) {
+    const qvslv::WaveFile& wave = *check.wave;
+    const Range elevation = range_of(wave.elevation), velocity = range_of(wave.velocity);
+    std::printf("%s: %zu times from %g to %g, %zu positions from %g to %g\n", file.c_str(), wave.time.size(),
+                wave.time.front(), wave.time.back(), wave.x.size(), wave.x.front(), wave.x.back());
+    std::printf("  elevation %g to %g, vertical velocity %g to %g\n", elevation.least, elevation.most, velocity.least,
+                velocity.most);
+  }
+  return conclude(file, check.found);
+}
+
+void tell_current_table(const char* name, const qvslv::CurrentTable& table) {
+  if (table.key.empty()) return;
+  std::printf("  along %s: %zu point%s", name, table.key.size(), table.key.size() == 1 ? "" : "s");
+  const auto [least, most] = std::minmax_element(table.value.begin(), table.value.end());
+  if (table.key.size() == 1 && !table.over_x()) {
+    std::printf(", speed %g everywhere\n", *least);
+  } else {
+    std::printf(" over %s from %g to %g, speed %g to %g, %s\n", table.over_x() ? "x" : "y", table.key.front(),
+                table.key.back(), *least, *most, table.over_x() ? "0 outside" : "held outside");
+  }
+}
+
+int check_current(const std::string& file) {
+  const qvslv::CurrentCheck check = qvslv::check_current_text(text_of(file, "CURRENT"));
+  std::printf("%s:\n", file.c_str());
+  tell_current_table("x", check.current.along_x);
+  tell_current_table("y", check.current.along_y);
+  return conclude(file, check.found);
+}
+
+void tell_water_of(const qvslv::ModelFile& file) {
+  for (const qvslv::WaveRecipe& wave : file.waves)
+    if (qvslv::wave_file_state(wave.path, wave.settings) != qvslv::MadeFileState::current)
+      std::printf("  wave %s: a run makes it first (%d times, %d positions)\n", wave.path.c_str(),
+                  qvslv::time_rows(wave.settings), qvslv::columns_along_x(wave.settings));
+  for (const qvslv::CurrentRecipe& current : file.currents)
+    if (qvslv::current_file_state(current.path, current.settings) != qvslv::MadeFileState::current)
+      std::printf("  current %s: a run makes it first\n", current.path.c_str());
+}
+
+}  // namespace qvcli
