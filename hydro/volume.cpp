@@ -112,29 +112,30 @@ QV_IN_LOOPS pieces whole(const vec& q0, const vec& q1, const vec& q2, double lev
   return column;
 }
 
-/// What the level does to a triangle.
-enum class pattern { out_of_water, one_corner_under, one_corner_out, whole };
+/// What the level does to a triangle, and which corner it parts from the others.
+struct cutting {
+  enum kind { out_of_water, one_corner_under, one_corner_out, whole } kind = out_of_water;
+  int corner = 0;
+};
 
-pattern find_pattern(const double* const q[3], double level) {
+cutting find_cutting(const double* const q[3], double level) {
   int above = 0, below = 0, not_above = 0;
+  int one_above = 0, one_below = 0;
   for (int i = 0; i < 3; ++i) {
-    above += q[i][2] > level;
-    below += q[i][2] < level;
+    if (q[i][2] > level) ++above, one_above = i;
+    if (q[i][2] < level) ++below, one_below = i;
     not_above += q[i][2] <= level;
   }
-  if (not_above == 3) return pattern::whole;
-  if (above == 1 && not_above == 2) return pattern::one_corner_out;
-  if (above == 2 && below == 1) return pattern::one_corner_under;
-  return pattern::out_of_water;  // or standing on it with one corner
+  if (not_above == 3) return {cutting::whole, 0};
+  if (above == 1 && not_above == 2) return {cutting::one_corner_out, one_above};
+  if (above == 2 && below == 1) return {cutting::one_corner_under, one_below};
+  return {};  // out of the water, or standing on it with one corner
 }
 
 /// The column of a triangle that the level cuts.
-pieces cut_column(pattern kind, const double* const q[3], double level) {
-  const bool wanted_above = kind == pattern::one_corner_out;
-  int k = 0;
-  while (wanted_above ? !(q[k][2] > level) : !(q[k][2] < level)) ++k;
-  const vec a = at(q[k]), b = at(q[(k + 1) % 3]), c = at(q[(k + 2) % 3]);
-  if (!wanted_above) return cut_to_one_corner(a, b, c, level);
+pieces cut_column(const cutting& how, const double* const q[3], double level) {
+  const vec a = at(q[how.corner]), b = at(q[(how.corner + 1) % 3]), c = at(q[(how.corner + 2) % 3]);
+  if (how.kind == cutting::one_corner_under) return cut_to_one_corner(a, b, c, level);
   return c.z > b.z ? cut_at_one_corner(a, c, b, level) : cut_at_one_corner(a, b, c, level);
 }
 
@@ -154,17 +155,17 @@ void Calculation_Area(const double* a, const double* b, const double* c, double&
 water_column find_column(double x_first, double x_last, const double* q0, const double* q1, const double* q2,
                          double facing, double level) {
   const double* const q[3] = {q0, q1, q2};
-  const pattern kind = beyond(x_first, x_last, q) ? pattern::out_of_water : find_pattern(q, level);
+  const cutting how = beyond(x_first, x_last, q) ? cutting() : find_cutting(q, level);
   const double sign = sign_of(facing);
-  if (kind == pattern::out_of_water || sign == 0.0) return {};
-  const pieces found = kind == pattern::whole ? whole(at(q0), at(q1), at(q2), level) : cut_column(kind, q, level);
+  if (how.kind == cutting::out_of_water || sign == 0.0) return {};
+  const pieces found = how.kind == cutting::whole ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
   return {sign * found.volume, {sign * found.moment.x, sign * found.moment.y, sign * found.moment.z}};
 }
 
 void column_block::add(double x_first, double x_last, const double* const q[3], double facing, double level) {
-  const pattern kind = beyond(x_first, x_last, q) ? pattern::out_of_water : find_pattern(q, level);
+  const cutting how = beyond(x_first, x_last, q) ? cutting() : find_cutting(q, level);
   const double sign = sign_of(facing);
-  if (kind == pattern::out_of_water || sign == 0.0) {
+  if (how.kind == cutting::out_of_water || sign == 0.0) {
     nothing_somewhere_ = true;
     return;
   }
@@ -174,8 +175,8 @@ void column_block::add(double x_first, double x_last, const double* const q[3], 
   }
   sign_[i] = sign;
   level_[i] = level;
-  if (kind == pattern::whole) return;
-  const pieces found = cut_column(kind, q, level);
+  if (how.kind == cutting::whole) return;
+  const pieces found = cut_column(how, q, level);
   cuts_[cut_count_++] = {i, {found.volume, {found.moment.x, found.moment.y, found.moment.z}}};
 }
 
