@@ -1,6 +1,5 @@
 #include "solver/element_track.h"
 
-#include <cctype>
 #include <cmath>
 #include <filesystem>
 

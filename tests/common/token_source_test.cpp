@@ -6,7 +6,7 @@
 #include <random>
 #include <sstream>
 
-#include "support/temporary_folder.h"
+#include "fuzz/memory_file.h"
 
 // The tokens of a file against formatted stream extraction: the same values, the same end, and nothing after the first
 // token that is not what was asked for.
@@ -15,7 +15,9 @@ namespace {
 class Tokens {
 public:
   explicit Tokens(const std::string& text) : stream_(text), source_(file_) {
-    EXPECT_TRUE(file_.open(folder_.write("tokens", text)));
+    memory_.write(text.data(), text.size());
+    const std::wstring path = memory_.path();
+    EXPECT_TRUE(file_.open(std::string(path.begin(), path.end())));
   }
 
   /// Asks both for the next token of a kind; false when they differ.
@@ -39,7 +41,7 @@ public:
   qv::token_source& source() { return source_; }
 
 private:
-  qvtest::TemporaryFolder folder_;
+  memory_file memory_;
   qv::data_file file_;
   std::istringstream stream_;
   qv::token_source source_;

@@ -9,11 +9,12 @@
 #include "qvbrisk/subroutines.h"
 
 // Every text that parameters, files and states can provoke, letter for letter, and what follows a fault. This program
-// stands between the library and the service "sysary", to raise exceptions there.
+// stands between the library and three services, to raise exceptions and to answer with lengths that cannot be.
 
 namespace {
 
 const char* g_thrown = nullptr;
+int g_string_length = 0, g_path_length = 0;  // said instead of the true one unless 0
 
 }  // namespace
 
@@ -22,6 +23,18 @@ void __real_sysary(void* handle, const char* name, const int* ids, int nids, dou
 void __wrap_sysary(void* handle, const char* name, const int* ids, int nids, double* values, int* count, int* err) {
   if (g_thrown != nullptr) throw std::runtime_error(g_thrown);
   __real_sysary(handle, name, ids, nids, values, count, err);
+}
+
+void __real_get_string_s(void* handle, int id, int* length, wchar_t* text, int* err);
+void __wrap_get_string_s(void* handle, int id, int* length, wchar_t* text, int* err) {
+  __real_get_string_s(handle, id, length, text, err);
+  if (g_string_length != 0) *length = g_string_length;
+}
+
+void __real_GET_QVSPATH_S(void* handle, int* length, wchar_t* path, int* err);
+void __wrap_GET_QVSPATH_S(void* handle, int* length, wchar_t* path, int* err) {
+  __real_GET_QVSPATH_S(handle, length, path, err);
+  if (g_path_length != 0) *length = g_path_length;
 }
 }
 
@@ -256,6 +269,24 @@ TEST(FilesThatFailed, AreSaidOnEveryLaterCallWithForcesOfZero) {
             k_hydro + "Failded to open CURREWNT file. HYDRO FORCE ID = " + std::to_string(scene.parameters.id));
   EXPECT_THAT(call_with(scene, scene.parameters.list()), Each(0.0));
   EXPECT_EQ(scene.take_report(), failed_before(scene));
+}
+
+TEST(TextsOfTheHost, MustHaveALengthThatTheirBufferHolds) {
+  for (const int length : {-1, 1025}) {
+    HydroScene scene(box_hull(2, 2, 2));
+    g_string_length = length;
+    EXPECT_THAT(scene.call(), Each(0.0));
+    g_string_length = 0;
+    EXPECT_EQ(scene.take_report(),
+              k_hydro + "The length of string 21 is " + std::to_string(length) + "; it must lie between 0 and 1024.");
+    HydroScene elsewhere(box_hull(2, 2, 2));
+    elsewhere.host.strings[k_wave_string] = L"no such file";
+    g_path_length = length;
+    EXPECT_THAT(elsewhere.call(), Each(0.0));
+    g_path_length = 0;
+    EXPECT_EQ(elsewhere.take_report(), k_hydro + "The length of the model file's path is " + std::to_string(length) +
+                                           "; it must lie between 0 and 1024.");
+  }
 }
 
 TEST(StandardExceptions, AreReportedBehindThePrefixOfTheForceAndOfTheReport) {

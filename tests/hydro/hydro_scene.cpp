@@ -38,6 +38,7 @@ std::string temporary_path(const std::string& name) {
 
 std::string write_file(const std::string& name, const std::string& text) {
   std::string path = temporary_path(name);
+  std::filesystem::remove(path);  // some file systems wait for the disk when a file is written over
   std::ofstream file(path, std::ios::binary);
   file << text;
   if (!file.flush()) std::abort();

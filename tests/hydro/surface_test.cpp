@@ -169,6 +169,16 @@ TEST(EndsOfTheTable, EndTheNodeLoopAndLaterNodesCountWithElevationZero) {
   }
 }
 
+TEST(EndsOfTheTable, LeaveANodeAtTheLastPositionOrBeforeZeroWithoutDrag) {
+  const std::pair<double, int> places[] = {{50.0, 3}, {99.0, 2}, {98.5, 3}, {100.0, 0}, {-1e-9, 0}, {0.0, 3}};
+  for (const auto& [x, wet_nodes] : places) {
+    HydroScene scene(one_patch({0, 0, 0}, {0, 1, 0}, {1, 0, 0}), calm_water(100.0));
+    scene.place({x - 100.0, 0.0, -1.0}, rotation({1, 0, 0}, 0.0));
+    scene.move({0, 0, -2});
+    EXPECT_NEAR(scene.forces().normal_drag[2], wet_nodes * (0.5 / 3) * 0.5 * 4, 1e-14) << x;
+  }
+}
+
 TEST(NodeOrder, DecidesTheLevelOfAPatchThatIsPartlyDry) {
   // In water at 3 the corner at 4 is dry: it counts with its elevation, those listed after it with 0.
   const qvref::v3 dry = {0, 0, 4}, a = {0, 3, 0}, b = {3, 0, 0};

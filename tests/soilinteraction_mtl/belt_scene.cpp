@@ -118,8 +118,8 @@ std::string BeltScene::report_with(std::size_t parameter, double value, int ifla
 std::string BeltScene::take_report() { return report_of(host); }
 
 double BeltScene::point(int row, int column, std::size_t entry) const {
-  const auto number = static_cast<std::size_t>(row * parameters.n_lat + column);
-  return result_.at(4 + 8 * number + entry);
+  const int number = row * parameters.n_lat + column;
+  return result_.at(4 + 8 * static_cast<std::size_t>(number) + entry);
 }
 
 std::vector<double> BeltScene::shear_sum(int iflag) {
@@ -159,6 +159,7 @@ std::string report_of(ScriptedHost& host) {
 
 std::vector<circle> level_circles(int count, double step, double radius, double bottom) {
   std::vector<circle> circles;
+  circles.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) circles.push_back({i * step, bottom + radius, radius});
   return circles;
 }
