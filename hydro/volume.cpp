@@ -114,7 +114,7 @@ QV_IN_LOOPS pieces whole(const vec& q0, const vec& q1, const vec& q2, double lev
 
 /// What the level does to a triangle, and which corner it parts from the others.
 struct cutting {
-  enum kind { out_of_water, one_corner_under, one_corner_out, whole } kind = out_of_water;
+  enum kind { out_of_water, one_corner_under, one_corner_out, under_water } kind = out_of_water;
   int corner = 0;
 };
 
@@ -126,7 +126,7 @@ cutting find_cutting(const double* const q[3], double level) {
     if (q[i][2] < level) ++below, one_below = i;
     not_above += q[i][2] <= level;
   }
-  if (not_above == 3) return {cutting::whole, 0};
+  if (not_above == 3) return {cutting::under_water, 0};
   if (above == 1 && not_above == 2) return {cutting::one_corner_out, one_above};
   if (above == 2 && below == 1) return {cutting::one_corner_under, one_below};
   return {};  // out of the water, or standing on it with one corner
@@ -158,7 +158,7 @@ water_column find_column(double x_first, double x_last, const double* q0, const 
   const cutting how = beyond(x_first, x_last, q) ? cutting() : find_cutting(q, level);
   const double sign = sign_of(facing);
   if (how.kind == cutting::out_of_water || sign == 0.0) return {};
-  const pieces found = how.kind == cutting::whole ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
+  const pieces found = how.kind == cutting::under_water ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
   return {sign * found.volume, {sign * found.moment.x, sign * found.moment.y, sign * found.moment.z}};
 }
 
@@ -175,7 +175,7 @@ void column_block::add(double x_first, double x_last, const double* const q[3], 
   }
   sign_[i] = sign;
   level_[i] = level;
-  if (how.kind == cutting::whole) return;
+  if (how.kind == cutting::under_water) return;
   const pieces found = cut_column(how, q, level);
   cuts_[cut_count_++] = {i, {found.volume, {found.moment.x, found.moment.y, found.moment.z}}};
 }

@@ -50,15 +50,21 @@ void Engine::make_integrator() {
     m_integrator = std::make_unique<SimTK::SemiExplicitEulerIntegrator>(m_multibody.system(), simulation.step);
   } else {
     m_integrator = std::make_unique<SimTK::RungeKuttaMersonIntegrator>(m_multibody.system());
-    m_integrator->setAccuracy(simulation.accuracy);
-    if (simulation.end_time > 0) m_integrator->setMinimumStepSize(k_smallest_step * simulation.end_time);
-    if (simulation.max_step > 0) m_integrator->setMaximumStepSize(simulation.max_step);
+    if (simulation.integrator == Integrator::runge_kutta_fixed) {
+      m_integrator->setFixedStepSize(simulation.step);
+    } else {
+      m_integrator->setAccuracy(simulation.accuracy);
+      if (simulation.end_time > 0) m_integrator->setMinimumStepSize(k_smallest_step * simulation.end_time);
+      if (simulation.max_step > 0) m_integrator->setMaximumStepSize(simulation.max_step);
+    }
   }
   m_integrator->setReturnEveryInternalStep(true);
   m_integrator->setAllowInterpolation(false);
 }
 
 const SimTK::State& Engine::state() const { return m_integrator ? m_integrator->getAdvancedState() : m_initial; }
+
+long Engine::rejected_steps() const { return m_integrator ? m_integrator->getNumErrorTestFailures() : 0; }
 
 bool Engine::step(double limit) {
   if (m_fault.raised()) return false;

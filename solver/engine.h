@@ -37,6 +37,7 @@ public:
   double time() const { return state().getTime(); }
   double last_step() const { return m_last_step; }
   long steps() const { return m_steps; }
+  long rejected_steps() const;  ///< by error control: what followed began again at an earlier time
   long evaluations() const { return m_forces->evaluations(); }
 
   const Fault& fault() const { return m_fault; }

@@ -2,6 +2,18 @@
 
 namespace qvslv {
 
+const char* integrator_name(Integrator integrator) {
+  switch (integrator) {
+    case Integrator::runge_kutta_fixed:
+      return "runge-kutta-fixed";
+    case Integrator::semi_explicit_euler:
+      return "semi-explicit";
+    case Integrator::runge_kutta_merson:
+      break;
+  }
+  return "runge-kutta-merson";
+}
+
 namespace {
 
 std::string placed(const FilePosition& at, const std::string& text) {

@@ -193,7 +193,9 @@ struct Element {
   FilePosition at;
 };
 
-enum class Integrator { runge_kutta_merson, semi_explicit_euler };
+/// Only the first controls its error: it may reject a step and go back in time.
+enum class Integrator { runge_kutta_merson, runge_kutta_fixed, semi_explicit_euler };
+const char* integrator_name(Integrator integrator);  ///< as model files have it
 
 struct Simulation {
   double end_time = 0;

@@ -67,7 +67,7 @@ void check_simulation(const Simulation& simulation) {
   require_finite(std::array<double, 6>{simulation.end_time, simulation.output_step, simulation.frame_step,
                                        simulation.accuracy, simulation.step, simulation.max_step},
                  "simulation");
-  if (simulation.integrator == Integrator::semi_explicit_euler) {
+  if (simulation.integrator != Integrator::runge_kutta_merson) {
     if (!(simulation.step > 0)) {
       throw MultibodyError(fmt::format("simulation: the fixed step {} must be above 0", simulation.step));
     }

@@ -72,13 +72,13 @@ void read_simulation(const TableReader& root, Reading& reading) {
   simulation.step = table.positive("step", 0);
   simulation.max_step = table.positive("max_step", 0);
   if (simulation.accuracy >= 1) table.fail("accuracy", "must be less than 1 (1e-4 is a good start)");
-  const std::string integrator = table.has("integrator")
-                                     ? table.choice("integrator", {"runge-kutta-merson", "semi-explicit"})
-                                     : "runge-kutta-merson";
-  if (integrator == "semi-explicit") {
-    simulation.integrator = Integrator::semi_explicit_euler;
-    if (!table.has("step")) table.fail("integrator", "the semi-explicit integrator needs a 'step' as well");
-  }
+  const std::string integrator =
+      table.has("integrator") ? table.choice("integrator", {"runge-kutta-merson", "runge-kutta-fixed", "semi-explicit"})
+                              : "runge-kutta-merson";
+  if (integrator == "semi-explicit") simulation.integrator = Integrator::semi_explicit_euler;
+  if (integrator == "runge-kutta-fixed") simulation.integrator = Integrator::runge_kutta_fixed;
+  const bool fixed = simulation.integrator != Integrator::runge_kutta_merson;
+  if (fixed && !table.has("step")) table.fail("integrator", "the " + integrator + " integrator needs a 'step' as well");
 }
 
 void read_root(const Value& document, Reading& reading) {

@@ -37,11 +37,11 @@ Json versions() {
 
 Json settings(const Model& model) {
   const Simulation& s = model.simulation;
-  const bool fixed = s.integrator == Integrator::semi_explicit_euler;
+  const bool fixed = s.integrator != Integrator::runge_kutta_merson;
   Json json = {{"end_time", s.end_time},
                {"output_step", s.output_step},
                {"frame_step", s.frame_step > 0 ? s.frame_step : s.output_step},
-               {"integrator", fixed ? "semi-explicit" : "runge-kutta-merson"}};
+               {"integrator", integrator_name(s.integrator)}};
   if (fixed) {
     json["step"] = s.step;
   } else {

@@ -3,6 +3,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <ctime>
@@ -12,6 +13,7 @@
 #include "solver/engine.h"
 #include "solver/recorder.h"
 #include "solver/report_page.h"
+#include "solver/water_surface.h"
 
 namespace qvslv {
 
@@ -90,10 +92,24 @@ private:
     } catch (const std::exception& error) {
       finish(RunOutcome::failed, error.what());
     }
+    warn_about_rejected_steps(engine);
     m_summary.time = engine.time();
     m_summary.steps = engine.steps();
     m_summary.evaluations = engine.evaluations();
     for (const std::string& file : m_recorder->files()) m_summary.files.push_back(file);
+  }
+
+  /// Water that was looked up once is not looked up at an earlier time again: after a step that is tried anew it stays
+  /// ahead until the time has caught up.
+  void warn_about_rejected_steps(const Engine& engine) {
+    const std::vector<Water>& waters = m_recorder->recording().waters;
+    if (engine.rejected_steps() == 0 || std::none_of(waters.begin(), waters.end(), is_moving)) return;
+    tell(fmt::format(
+        "warning: the integrator tried {} of {} steps again with a smaller one; after that the waves stand ahead of "
+        "the "
+        "time for a moment. For the exact sea take integrator = \"runge-kutta-fixed\" with a step, or a max_step so "
+        "small that this line goes away",
+        engine.rejected_steps(), engine.steps()));
   }
 
   void advance(Engine& engine, Recorder& recorder) {

@@ -36,6 +36,14 @@ bool is_over(const Water& water, double x) {
   return x >= std::max(0.0, water.wave.x.front()) && x <= water.wave.x.back();
 }
 
+bool is_moving(const Water& water) {
+  const auto moves = [](const std::vector<double>& row) {
+    return std::any_of(row.begin(), row.end(), [](double value) { return value != 0; });
+  };
+  return std::any_of(water.wave.elevation.begin(), water.wave.elevation.end(), moves) ||
+         std::any_of(water.wave.velocity.begin(), water.wave.velocity.end(), moves);
+}
+
 double find_level(const Water& water, double time, double x) { return water.wave.elevation_at(time, x); }
 
 void PlanBox::add(double x, double y) {

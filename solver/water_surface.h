@@ -7,6 +7,9 @@ namespace qvslv {
 /// Whether there is water at an x of the water marker's frame: on the table, and not below 0, where loads end.
 bool is_over(const Water& water, double x);
 
+/// Whether the water ever leaves its rest.
+bool is_moving(const Water& water);
+
 /// Height of the surface over the water marker's x-y plane. Beyond the table in time or place its border is held.
 double find_level(const Water& water, double time, double x);
 

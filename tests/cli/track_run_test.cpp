@@ -120,9 +120,9 @@ TEST(TrackRun, PicturesShowTheBeltWhereItIsHoweverItsReferenceIsTurned) {
   ASSERT_EQ(sinkage.size(), 11u * 3u);
   double shear_1 = 0, shear_2 = 0, normal = 0;
   for (size_t k = 0; k < sinkage.size(); ++k) {
-    const double row = static_cast<double>(k / 3), column = static_cast<double>(k % 3);
-    EXPECT_NEAR(place[3 * k], -1 + 0.2 * row, 1e-12);
-    EXPECT_NEAR(place[3 * k + 1], -0.2 + 0.2 * column, 1e-12);
+    const size_t row = k / 3, column = k % 3;
+    EXPECT_NEAR(place[3 * k], -1 + 0.2 * static_cast<double>(row), 1e-12);
+    EXPECT_NEAR(place[3 * k + 1], -0.2 + 0.2 * static_cast<double>(column), 1e-12);
     EXPECT_NEAR(place[3 * k + 2], run["guide.travel [m]"].back(), 1e-12);
     EXPECT_NEAR(sinkage[k], place[3 * k + 2], 1e-12);
     shear_1 += local[3 * k];
@@ -156,7 +156,6 @@ TEST(TrackRun, TorqueTurnsIntoTheMomentumOfVehicleAndSprocket) {
     const double expected = start + (k_torque - resistance) * run["time [s]"][i];
     EXPECT_NEAR(k_radius * k_mass * speed + k_inertia * rate, expected, 1e-9 * k_torque);
     EXPECT_NEAR(run["belt_belt_speed"][i], k_radius * rate, 1e-12);
-    // The first row of a report is that of the set-up call.
     EXPECT_NEAR(run["belt_belt.speed [m/s]"][i], k_radius * rate, 1e-12);
     EXPECT_EQ(run["belt_turn.derivative"][i], rate) << "the rate answers under the id of the torque";
     EXPECT_EQ(run["belt_turn.variable"][i], k_torque);

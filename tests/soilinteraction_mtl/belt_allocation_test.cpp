@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "qvbrisk/subroutines.h"
 #include "soilinteraction/allocation_control.h"
 #include "soilinteraction_mtl/belt_scene.h"
@@ -235,6 +237,27 @@ TEST(TrackFaultWithoutMemory, IsReportedWithoutAText) {
   track.call(0);
   EXPECT_STREQ(track.host.first_message,
                "SOILINTERACTION MTL ERROR : The grid count along a span (parameter 9) is 1; it must be at least 2.");
+}
+
+/// A call with a parameter that is no number, whose first allocation, that of the fault's text, fails.
+std::string said_without_memory(FrugalTrackHost& host, subroutine_to_call subroutine) {
+  double par[15] = {}, result[6] = {};
+  par[0] = std::numeric_limits<double>::quiet_NaN();
+  host.last_count = -1;
+  {
+    const allocation_watch watch(0, 0);
+    subroutine(static_cast<qvslv::ServiceHost*>(&host), 0.0, par, 15, 0, 2, result);
+  }
+  return std::to_string(host.last_count) + " " + host.first_message;
+}
+
+TEST(TrackStandardExceptions, OfTheStateEquationsHavePrefixesOfTheirOwnAndThoseOfTheOutputsNoText) {
+  FrugalTrackHost host;
+  EXPECT_EQ(said_without_memory(host, qvsoil_mtl_eom), "1 SOILINTERACTION MTL(EOM) ERROR : std::bad_alloc");
+  EXPECT_EQ(said_without_memory(host, qvsoil_mtl_velocity), "1 SOILINTERACTION MTL(VELOCITY) ERROR : std::bad_alloc");
+  for (const subroutine_to_call output : {qvsoil_shearforce_mtl, qvsoil_normalforce_mtl, qvsoil_interaction_mtl_sum}) {
+    EXPECT_EQ(said_without_memory(host, output), "0 ") << "they have no handler of their own";
+  }
 }
 
 }  // namespace

@@ -166,6 +166,39 @@ TEST(SemiExplicitEuler, ShortensAStepToReachAnOutputTime) {
   EXPECT_EQ(out.summary.steps, 12) << "0.1 0.1 0.05 four times";
 }
 
+TEST(FixedRungeKutta, TakesTheStepsItWasGivenWhateverTheForceAndNeverGoesBack) {
+  TestModel built(1.0, 0.25);
+  built.model.simulation.integrator = Integrator::runge_kutta_fixed;
+  built.model.simulation.step = 0.1;
+  built.add_body("ball", 1, {1, 1, 1});
+  built.add_element("kick", "scripted", ElementKind::force, {}, 6).marker = 1;
+  double farthest = 0;
+  const Script script([&](const HookCall& call) {
+    EXPECT_GE(call.time, farthest);
+    farthest = std::max(farthest, call.time);
+    call.result[0] = call.time < 0.33 ? 0 : 1e4;  // what error control would reject
+  });
+  const TestRun out = run_to_end(built);
+  EXPECT_EQ(out.summary.steps, 12) << "0.1 0.1 0.05 four times";
+}
+
+TEST(FixedRungeKutta, ConvergesWithTheFourthPowerOfItsStep) {
+  const auto error_of = [](double step) {
+    TestModel built(2.0, 2.0);
+    built.model.simulation.integrator = Integrator::runge_kutta_fixed;
+    built.model.simulation.step = step;
+    built.add_body("ball", 1, {1, 1, 1});
+    AppliedForce spring;
+    spring.marker = 1;
+    spring.force[0].text = "cos(3*t)";
+    built.model.forces.push_back(spring);
+    return std::abs(run_to_end(built).last("ball.x") - (1 - std::cos(6.0)) / 9);
+  };
+  const double coarse = error_of(0.2), fine = error_of(0.1);
+  EXPECT_GT(coarse / fine, 12);
+  EXPECT_LT(coarse / fine, 20);
+}
+
 TEST(MaximumStep, BoundsEveryStep) {
   TestModel built(1.0, 1.0);
   built.model.simulation.max_step = 0.05;
