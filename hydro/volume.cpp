@@ -158,7 +158,8 @@ water_column find_column(double x_first, double x_last, const double* q0, const 
   const cutting how = beyond(x_first, x_last, q) ? cutting() : find_cutting(q, level);
   const double sign = sign_of(facing);
   if (how.kind == cutting::out_of_water || sign == 0.0) return {};
-  const pieces found = how.kind == cutting::under_water ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
+  const pieces found =
+      how.kind == cutting::under_water ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
   return {sign * found.volume, {sign * found.moment.x, sign * found.moment.y, sign * found.moment.z}};
 }
 
