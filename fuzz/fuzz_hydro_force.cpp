@@ -10,6 +10,7 @@
 #include <limits>
 #include <vector>
 
+#include "fuzz/any_number.h"
 #include "fuzz/water_host.h"
 #include "hydro/hydro_force.h"
 #include "qvbrisk/subroutines.h"
@@ -32,38 +33,6 @@ const char* const k_files[] = {
     "",
 };
 constexpr std::size_t k_number_of_files = sizeof k_files / sizeof *k_files;
-
-/// Numbers that matter, small ones, and anything else.
-double any_number(FuzzedDataProvider& in) {
-  static const double k_special[] = {0.0,
-                                     -0.0,
-                                     1.0,
-                                     -1.0,
-                                     1e-200,
-                                     2147483647.0,
-                                     2147483648.0,
-                                     -2147483649.0,
-                                     1e300,
-                                     -1e300,
-                                     1e-320,
-                                     std::numeric_limits<double>::infinity(),
-                                     -std::numeric_limits<double>::infinity(),
-                                     std::numeric_limits<double>::quiet_NaN()};
-  switch (in.ConsumeIntegralInRange<int>(0, 3)) {
-    case 0:
-      return in.PickValueInArray(k_special);
-    case 1:
-      return in.ConsumeIntegralInRange<int>(-4, 20) / 4.0;
-    case 2:
-      return in.ConsumeFloatingPointInRange<double>(-1.5, 6.5);
-    default: {
-      const auto bits = in.ConsumeIntegral<std::uint64_t>();
-      double value;
-      std::memcpy(&value, &bits, sizeof value);
-      return value;
-    }
-  }
-}
 
 /// Tame: bodies that stand in the waves at `place`. Wild: any answer, or none.
 class fuzzed_host : public water_host {
@@ -104,7 +73,7 @@ private:
   void change(double* values, int count) {
     if (!wild) return;
     for (int c = 0; c < count; ++c)
-      if (in_.ConsumeBool()) values[c] = any_number(in_);
+      if (in_.ConsumeBool()) values[c] = any_number(in_, -1.5, 6.5);
   }
 
   FuzzedDataProvider& in_;
@@ -124,19 +93,21 @@ std::vector<double> hull_parameters(FuzzedDataProvider& in) {
   par[7] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(k_number_of_files));
   par[8] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(k_number_of_files));
   for (int changes = in.ConsumeIntegralInRange<int>(0, 2); changes > 0; --changes) {
-    par[in.ConsumeIntegralInRange<std::size_t>(0, 19)] = any_number(in);
+    par[in.ConsumeIntegralInRange<std::size_t>(0, 19)] = any_number(in, -1.5, 6.5);
   }
   const bool any = in.ConsumeBool();
-  const double nodes = capped(any ? any_number(in) : in.ConsumeIntegralInRange<int>(0, k_most_nodes), k_most_nodes);
+  const double nodes =
+      capped(any ? any_number(in, -1.5, 6.5) : in.ConsumeIntegralInRange<int>(0, k_most_nodes), k_most_nodes);
   par.push_back(nodes);
   for (std::size_t i = 0; i < 3 * whole_count(nodes); ++i) {
-    par.push_back(any ? any_number(in) : in.ConsumeIntegralInRange<int>(-8, 8) / 4.0);
+    par.push_back(any ? any_number(in, -1.5, 6.5) : in.ConsumeIntegralInRange<int>(-8, 8) / 4.0);
   }
   const double patches =
-      capped(any ? any_number(in) : in.ConsumeIntegralInRange<int>(0, k_most_patches), k_most_patches);
+      capped(any ? any_number(in, -1.5, 6.5) : in.ConsumeIntegralInRange<int>(0, k_most_patches), k_most_patches);
   par.push_back(patches);
   for (std::size_t i = 0; i < 3 * whole_count(patches); ++i) {
-    par.push_back(any ? any_number(in) : in.ConsumeIntegralInRange<int>(0, static_cast<int>(whole_count(nodes))));
+    par.push_back(any ? any_number(in, -1.5, 6.5)
+                      : in.ConsumeIntegralInRange<int>(0, static_cast<int>(whole_count(nodes))));
   }
   par.resize(22 + 3 * k_most_nodes + 3 * k_most_patches);
   return par;
@@ -167,9 +138,9 @@ void step_hull(FuzzedDataProvider& in, fuzzed_host& host, double time, int iflag
 void step_report(FuzzedDataProvider& in, fuzzed_host& host, int iflag) {
   std::vector<double> par = {0, 0, 5, 4, 0, 3, 4, 0, 0, 0, 0, 2};
   par[1] = in.ConsumeIntegralInRange<int>(0, 3);
-  if (in.ConsumeBool()) par[in.ConsumeIntegralInRange<std::size_t>(0, 11)] = any_number(in);
+  if (in.ConsumeBool()) par[in.ConsumeIntegralInRange<std::size_t>(0, 11)] = any_number(in, -1.5, 6.5);
   par[11] = capped(par[11], k_most_points);
-  for (int i = 0; i < k_most_points; ++i) par.push_back(in.ConsumeBool() ? i : any_number(in));
+  for (int i = 0; i < k_most_points; ++i) par.push_back(in.ConsumeBool() ? i : any_number(in, -1.5, 6.5));
   call(qvhydro_report, host, par, 0.0, iflag, 18 + 4 * whole_count(par[11]));
 }
 
@@ -178,7 +149,7 @@ void step_thrust(FuzzedDataProvider& in, fuzzed_host& host, double time, int ifl
   par[0] = in.ConsumeIntegralInRange<int>(0, 2);
   par[6] = in.ConsumeIntegralInRange<int>(0, 4);
   par[14] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(k_number_of_files));
-  if (in.ConsumeBool()) par[in.ConsumeIntegralInRange<std::size_t>(0, 14)] = any_number(in);
+  if (in.ConsumeBool()) par[in.ConsumeIntegralInRange<std::size_t>(0, 14)] = any_number(in, -1.5, 6.5);
   call(qvsoil_thrustforce, host, par, time, iflag, 6);
   call(qvsoil_error_velocity, host, par, time, iflag, 1);
 }
@@ -195,7 +166,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     host.wild = in.ConsumeIntegralInRange<int>(0, 2) == 0;
     host.place[0] = in.ConsumeFloatingPointInRange<double>(-1.0, 7.0);
     host.place[2] = in.ConsumeFloatingPointInRange<double>(-1.0, 1.0);
-    const double time = in.ConsumeBool() ? in.ConsumeFloatingPointInRange<double>(-1.0, 3.0) : any_number(in);
+    const double time =
+        in.ConsumeBool() ? in.ConsumeFloatingPointInRange<double>(-1.0, 3.0) : any_number(in, -1.5, 6.5);
     const int iflag = in.ConsumeIntegralInRange<int>(-1, 3);
     switch (in.ConsumeIntegralInRange<int>(0, 5)) {
       case 0:

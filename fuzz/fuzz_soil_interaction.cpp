@@ -8,7 +8,8 @@
 #include <cstring>
 #include <limits>
 
-#include "fuzz/memory_file.h"
+#include "fuzz/any_number.h"
+#include "fuzz/soil_roads.h"
 #include "solver/service_host.h"
 
 // The module itself, so that its state can be taken back to the start for every input.
@@ -28,69 +29,6 @@ namespace {
 
 constexpr int k_largest_grid = 64;  // along and across: what the result array has room for
 
-std::string flat_road(const char* soil_type, int last_triangle) {
-  std::string text = std::string("SOIL_TYPE=") + soil_type +
-                     "\nNORMAL_PRESSURE=BEKKER\nCOHESIVE_COEFF=5000\nFRICTIONAL_COEFF=1e6\nSINKAGE_EXPONENT=0.7\n"
-                     "COHESION=1700\nSENSITIVITY=1.5\nMAX_SHEAR_DISP=0.025\nFRICTION_ANGLE=29\nCOEFFICIENT_DS=0.1\n"
-                     "CRITICAL_PRESSUR=2e4\nEXPONENT_PR=0.8\nEXPONENT_SD=0.5\nNUMBER_OF_NODES=25\n";
-  for (int i = 0; i < 25; ++i) {
-    text += std::to_string(i + 1) + " " + std::to_string(i / 5) + " " + std::to_string(i % 5) + " " +
-            std::to_string(0.1 * ((i * 7) % 3)) + "\n";
-  }
-  text += "\nNUMBER_OF_ELEMENTS=" + std::to_string(last_triangle) + "\n";
-  for (int k = 0; k < last_triangle; ++k) {
-    const int a = (k / 2) / 4 * 5 + (k / 2) % 4 + 1;
-    text += k % 2 == 0 ? std::to_string(a) + " " + std::to_string(a + 5) + " " + std::to_string(a + 6) + " 0\n"
-                       : std::to_string(a) + " " + std::to_string(a + 6) + " " + std::to_string(a + 1) + " 0\n";
-  }
-  return text;
-}
-
-/// Flat, with a hole, hard, extreme heights, and three that cannot be read.
-const std::string k_roads[] = {
-    flat_road("LOAM", 32),
-    flat_road("LOAM", 17),
-    flat_road("CONCRETE", 32),
-    "SINKAGE_EXPONENT=-1\nNUMBER_OF_NODES=3\n1 0 0 1e300\n2 4 0 -1e300\n3 0 4 1\n\nNUMBER_OF_ELEMENTS=1\n1 2 3 0\n",
-    "NUMBER_OF_NODES=4\n1 0 0 0\n2 1 0 0\n3 0 1 0\n4 1e9 1e9 0\n\nNUMBER_OF_ELEMENTS=1\n1 2 3 0\n",
-    "LENGTH='CUBIT'\n",
-    "",
-};
-constexpr std::size_t k_number_of_roads = sizeof k_roads / sizeof *k_roads;
-
-/// Numbers that matter, small ones, and anything else.
-double any_number(FuzzedDataProvider& in) {
-  static const double k_special[] = {0.0,
-                                     -0.0,
-                                     1e-8,
-                                     5e-9,
-                                     4.0,
-                                     -1.0,
-                                     2147483647.0,
-                                     2147483648.0,
-                                     -2147483649.0,
-                                     1e300,
-                                     -1e300,
-                                     1e-320,
-                                     std::numeric_limits<double>::infinity(),
-                                     -std::numeric_limits<double>::infinity(),
-                                     std::numeric_limits<double>::quiet_NaN()};
-  switch (in.ConsumeIntegralInRange<int>(0, 3)) {
-    case 0:
-      return in.PickValueInArray(k_special);
-    case 1:
-      return in.ConsumeIntegralInRange<int>(-4, 20) / 4.0;
-    case 2:
-      return in.ConsumeFloatingPointInRange<double>(-0.5, 4.5);
-    default: {
-      const auto bits = in.ConsumeIntegral<std::uint64_t>();
-      double value;
-      std::memcpy(&value, &bits, sizeof value);
-      return value;
-    }
-  }
-}
-
 class FuzzedHost : public qvslv::ServiceHost {
 public:
   explicit FuzzedHost(FuzzedDataProvider& in) : in_(in) {}
@@ -107,19 +45,14 @@ public:
     if (std::strcmp(name, "TDISP") == 0 && ids[0] != 5) values[0] = values[1] = 2.0, values[2] = -depth;
     if (wild) {
       for (int c = 0; c < count; ++c)
-        if (in_.ConsumeBool()) values[c] = any_number(in_);
+        if (in_.ConsumeBool()) values[c] = any_number(in_, -0.5, 4.5);
     }
     return true;
   }
   bool scalar_quantity(const char*, const int*, int, double&) override { return false; }
   bool string_entity(int id, std::wstring& text) override {
-    static memory_file files[k_number_of_roads];
-    static const bool written = [] {
-      for (std::size_t i = 0; i < k_number_of_roads; ++i) files[i].write(k_roads[i].data(), k_roads[i].size());
-      return true;
-    }();
-    if (!written || id < 0) return false;
-    text = static_cast<std::size_t>(id) < k_number_of_roads ? files[id].path() : L"no such \x4e2d file";
+    if (id < 0) return false;
+    text = soil_roads::path_of(id);
     return true;
   }
   bool model_path(std::wstring& text) override {
@@ -153,7 +86,7 @@ struct parameter_list {
 
   void change(FuzzedDataProvider& in) {
     for (int changes = in.ConsumeIntegralInRange<int>(0, 3); changes > 0; --changes) {
-      par[in.ConsumeIntegralInRange<int>(0, 14)] = any_number(in);
+      par[in.ConsumeIntegralInRange<int>(0, 14)] = any_number(in, -0.5, 4.5);
     }
     par[12] = capped(par[12]);
     par[13] = capped(par[13]);
@@ -184,7 +117,7 @@ void step(FuzzedDataProvider& in, FuzzedHost& host, parameter_list& list) {
   host.depth = in.ConsumeFloatingPointInRange<double>(-0.1, 0.4);
   const int iflag = in.ConsumeIntegralInRange<int>(-1, 3);
   if (in.ConsumeIntegralInRange<int>(0, 7) == 0) {
-    double sums[5] = {0, 0, 0, 0, k_behind}, road[1] = {any_number(in)};
+    double sums[5] = {0, 0, 0, 0, k_behind}, road[1] = {any_number(in, -0.5, 4.5)};
     qvsoil_interaction_Sum(static_cast<qvslv::ServiceHost*>(&host), 0.0, road, 1, 0, iflag, sums);
     QV_PROMISE(sums[4] == k_behind);
     return;
@@ -201,7 +134,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FuzzedDataProvider in(data, size);
   FuzzedHost host(in);
   parameter_list list;
-  list.par[4] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(k_number_of_roads));
+  list.par[4] = in.ConsumeIntegralInRange<int>(0, static_cast<int>(soil_roads::k_number_of_roads));
   if (in.ConsumeBool()) call(host, list, 1);
   for (int steps = 0; steps < 40 && in.remaining_bytes() > 0; ++steps) step(in, host, list);
   return 0;
