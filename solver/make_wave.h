@@ -9,10 +9,11 @@
 
 namespace qvslv {
 
-enum class WaveKind { regular, pierson_moskowitz, jonswap };
+enum class WaveKind { regular, pierson_moskowitz, jonswap, still };
 
 /// Long-crested waves of linear theory along the x axis of the water marker, and the table to be made of them. Lengths
-/// and times in the model's units. What is 0 and has a default is filled in by `completed`.
+/// and times in the model's units. What is 0 and has a default is filled in by `completed`. Still water has an extent
+/// and a duration only.
 struct WaveSettings {
   WaveKind kind = WaveKind::regular;
   double height = 0;       ///< regular: crest to trough; else the significant height, 4 times the rms elevation
@@ -31,7 +32,7 @@ struct WaveSettings {
 };
 
 /// The settings with their defaults: 20 (peak) periods, 5 (peak) wave lengths, steps of a twentieth of the shortest
-/// period and wave length in the table.
+/// period and wave length in the table; for still water a duration of 1.
 WaveSettings completed(WaveSettings settings);
 
 /// What is wrong with completed settings, in words; empty when nothing is.
@@ -48,9 +49,9 @@ constexpr double k_highest_frequency = 3.0, k_lowest_frequency = 0.4;
 /// @param depth  h [length]; 0: deep water, k = omega^2 / g
 double wave_number(double omega, double depth, double gravity);
 
-double wave_length(const WaveSettings& settings);           ///< of the (peak) period
+double wave_length(const WaveSettings& settings);           ///< of the (peak) period; still water has none
 double shortest_wave_length(const WaveSettings& settings);  ///< of the shortest component
-int time_rows(const WaveSettings& settings);
+int time_rows(const WaveSettings& settings);                ///< 2 in still water, as columns are
 int columns_along_x(const WaveSettings& settings);
 
 /// One wave: amplitude cos(k x - omega t + phase); k is negative for one that runs towards -x.
@@ -60,7 +61,7 @@ struct WaveComponent {
 
 /// The waves that are added up. A spectrum's bands are equally wide; each gives one wave of a random frequency within
 /// it, so that the record does not repeat, of the band's energy and a random phase. Amplitudes are scaled so that their
-/// squares sum up to the significant height.
+/// squares sum up to the significant height. Still water has none.
 std::vector<WaveComponent> wave_components(const WaveSettings& settings);
 
 /// Spectral density of the elevation at a circular frequency, up to a factor.

@@ -75,6 +75,7 @@ double spectral_shape(const WaveSettings& settings, double omega) {
 }
 
 std::vector<WaveComponent> wave_components(const WaveSettings& settings) {
+  if (settings.kind == WaveKind::still) return {};
   if (settings.kind != WaveKind::regular) return spectrum_components(settings);
   return {component(settings, 0.5 * settings.height, k_two_pi / settings.period, 0)};
 }

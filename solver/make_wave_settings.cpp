@@ -12,6 +12,10 @@ constexpr double k_two_pi = 6.283185307179586;
 constexpr double k_points = 20;       // per shortest period and wave length, when no step is given
 constexpr double k_breaking = 0.142;  // height over length at which deep-water waves break (Michell, Miche)
 
+constexpr const char* k_bad_duration = "the duration must be greater than 0";
+constexpr const char* k_bad_extent = "the extent must be greater than 0: positions run from 0 to it";
+constexpr int k_ends = 2;  // all that a table needs where nothing changes
+
 bool positive(double value) { return std::isfinite(value) && value > 0; }
 
 /// Steps that are no longer than asked for, and at least one.
@@ -53,6 +57,15 @@ std::string mistake_in_waves(const WaveSettings& s) {
   return "";
 }
 
+std::string mistake_in_still_water(const WaveSettings& s) {
+  if (s.height != 0 || s.period != 0) return "still water has no height and no period";
+  if (s.extent == 0)
+    return "still water needs an extent: positions run from 0 to it, and there is no wave length to choose it by";
+  if (!positive(s.extent)) return k_bad_extent;
+  if (!positive(s.duration)) return k_bad_duration;
+  return "";
+}
+
 std::string percent(double share) {
   char text[32];
   std::snprintf(text, sizeof text, "%.0f %%", 100 * share);
@@ -67,11 +80,19 @@ double shortest_wave_length(const WaveSettings& s) {
   return k_two_pi / wave_number(k_two_pi / shortest_period(s), s.depth, s.gravity);
 }
 
-int time_rows(const WaveSettings& s) { return static_cast<int>(steps_along(s.duration, s.time_step)) + 1; }
+int time_rows(const WaveSettings& s) {
+  return s.kind == WaveKind::still ? k_ends : static_cast<int>(steps_along(s.duration, s.time_step)) + 1;
+}
 
-int columns_along_x(const WaveSettings& s) { return static_cast<int>(steps_along(s.extent, s.x_step)) + 1; }
+int columns_along_x(const WaveSettings& s) {
+  return s.kind == WaveKind::still ? k_ends : static_cast<int>(steps_along(s.extent, s.x_step)) + 1;
+}
 
 WaveSettings completed(WaveSettings s) {
+  if (s.kind == WaveKind::still) {
+    if (s.duration == 0) s.duration = 1;
+    return s;
+  }
   if (!mistake_in_waves(s).empty()) return s;
   constexpr double k_periods = 20, k_lengths = 5;
   if (s.duration == 0) s.duration = k_periods * s.period;
@@ -82,12 +103,13 @@ WaveSettings completed(WaveSettings s) {
 }
 
 std::string mistake_in(const WaveSettings& s) {
+  if (s.kind == WaveKind::still) return mistake_in_still_water(s);
   std::string mistake = mistake_in_waves(s);
   if (!mistake.empty()) return mistake;
   if (!(s.ramp >= 0) || !std::isfinite(s.ramp)) return "the ramp's time must not be negative";
-  if (!positive(s.duration)) return "the duration must be greater than 0";
+  if (!positive(s.duration)) return k_bad_duration;
   if (!positive(s.time_step)) return "the time step must be greater than 0";
-  if (!positive(s.extent)) return "the extent must be greater than 0: positions run from 0 to it";
+  if (!positive(s.extent)) return k_bad_extent;
   if (!positive(s.x_step)) return "the x step must be greater than 0";
   if (s.time_step > s.duration) return "the time step is longer than the duration";
   if (s.x_step > s.extent) return "the x step is longer than the extent";
@@ -103,6 +125,7 @@ std::string mistake_in(const WaveSettings& s) {
 
 std::vector<std::string> doubts_about(const WaveSettings& s) {
   std::vector<std::string> doubts;
+  if (s.kind == WaveKind::still) return doubts;
   constexpr double k_doubtful_harmonic = 0.1;
   const double harmonic = second_harmonic(s);
   if (harmonic > k_doubtful_harmonic)
@@ -122,8 +145,10 @@ std::vector<std::string> doubts_about(const WaveSettings& s) {
 }
 
 std::string settings_line(const WaveSettings& s) {
-  std::string text = std::string(k_made_mark) + "wave " + wave_kind_name(s.kind) + ", height " + number_text(s.height) +
-                     ", period " + number_text(s.period);
+  std::string text = std::string(k_made_mark) + "wave " + wave_kind_name(s.kind);
+  if (s.kind == WaveKind::still)
+    return text + ", duration " + number_text(s.duration) + ", extent " + number_text(s.extent);
+  text += ", height " + number_text(s.height) + ", period " + number_text(s.period);
   if (s.kind == WaveKind::jonswap) text += ", gamma " + number_text(s.gamma);
   if (s.kind != WaveKind::regular)
     text += ", seed " + std::to_string(s.seed) + ", components " + std::to_string(s.components);
@@ -139,7 +164,7 @@ MadeFileState wave_file_state(const std::string& path, const WaveSettings& setti
 }
 
 const std::vector<std::string>& wave_kind_names() {
-  static const std::vector<std::string> names = {"regular", "pierson_moskowitz", "jonswap"};
+  static const std::vector<std::string> names = {"regular", "pierson_moskowitz", "jonswap", "still"};
   return names;
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 
@@ -43,9 +44,16 @@ void read_spectrum(const TableReader& table, WaveSettings& wave) {
   if (table.has("components")) wave.components = table.count("components");
 }
 
-WaveSettings read_wave(const TableReader& table, const Model& model) {
-  WaveSettings wave;
-  wave.kind = wave_kind(table.choice("kind", wave_kind_names()));
+void read_still_water(const TableReader& table, WaveSettings& wave) {
+  const std::vector<std::string> known = {"name", "file", "kind", "extent", "duration"};
+  for (const std::string& key : k_wave_keys)
+    if (table.has(key) && std::find(known.begin(), known.end(), key) == known.end())
+      table.fail(key, "still water has no such key; known: name, file, kind, extent, duration");
+  wave.extent = table.positive("extent", 0);
+  wave.duration = table.positive("duration", 0);
+}
+
+void read_moving_water(const TableReader& table, const Model& model, WaveSettings& wave) {
   const bool regular = wave.kind == WaveKind::regular;
   wave.height = height_or_period(table, regular, "height", "Hs");
   wave.period = height_or_period(table, regular, "period", "Tp");
@@ -59,6 +67,16 @@ WaveSettings read_wave(const TableReader& table, const Model& model) {
   wave.x_step = table.positive("x_step", 0);
   const Vec3& g = model.gravity;
   wave.gravity = table.positive("gravity", std::sqrt(g[0] * g[0] + g[1] * g[1] + g[2] * g[2]));
+}
+
+WaveSettings read_wave(const TableReader& table, const Model& model) {
+  WaveSettings wave;
+  wave.kind = wave_kind(table.choice("kind", wave_kind_names()));
+  if (wave.kind == WaveKind::still) {
+    read_still_water(table, wave);
+  } else {
+    read_moving_water(table, model, wave);
+  }
   wave = completed(wave);
   const std::string mistake = mistake_in(wave);
   if (!mistake.empty()) table.fail(mistake);
@@ -72,7 +90,7 @@ void warn_about(const WaveSettings& wave, const TableReader& table, Reading& rea
   };
   for (const std::string& doubt : doubts_about(wave)) warn(doubt);
   const double end = reading.model().simulation.end_time;
-  if (wave.duration < end)
+  if (wave.kind != WaveKind::still && wave.duration < end)
     warn("the table ends at " + number_text(wave.duration) + ", the run at " + number_text(end) +
          ": from there on the water keeps its last shape");
 }

@@ -57,6 +57,12 @@ void add_model(PageParts& page, const Model& model) {
   }
   page.json["joints"] = Json::array();
   for (const Joint& joint : model.joints) page.json["joints"].push_back(joint.name);
+  page.json["states"] = Json::array();
+  for (const Variable& variable : model.variables) page.json["states"].push_back(variable.name);
+  for (const Equation& equation : model.equations) {
+    page.json["states"].push_back(equation.name);
+    page.json["states"].push_back(equation.name + ".rate");
+  }
   page.json["elements"] = Json::array();
   for (const Element& element : model.elements) {
     page.json["elements"].push_back(

@@ -23,13 +23,15 @@ const page = (() => {
     return owner !== undefined ? owner : column.slice(0, Math.max(column.lastIndexOf('.'), 0));
   }
 
-  // Columns as { name, owner, quantity, unit, values }; owner '' for those of the whole run.
+  // Columns as { name, owner, quantity, unit, values, isState }; owner '' for those of the whole run. Variables and
+  // equations are states; their names may be those of bodies too.
+  const states = new Set(data.states);
   const rows = arrays.row_times.length;
   const columns = (data.columns || []).slice(1).map((header, k) => {
     const match = /^(.*?)(?: \[(.*)\])?$/.exec(header);
-    const owner = ownerOf(match[1]);
+    const isState = states.has(match[1]), owner = isState ? '' : ownerOf(match[1]);
     return {
-      name: match[1], owner, quantity: owner ? match[1].slice(owner.length + 1) : match[1],
+      name: match[1], owner, isState, quantity: owner ? match[1].slice(owner.length + 1) : match[1],
       unit: match[2] || '', values: arrays.columns.subarray(k * rows, (k + 1) * rows),
     };
   });

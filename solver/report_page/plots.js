@@ -167,7 +167,7 @@ function makePlots() {
   function fillList() {
     const groups = new Map();
     for (const column of columns) {
-      const kind = kindOf(column.owner), owner = column.owner || 'Energies';
+      const [kind, owner] = column.isState ? ['', 'Variables and equations'] : [kindOf(column.owner), column.owner || 'Energies'];
       if (!groups.has(owner)) groups.set(owner, { kind, members: [] });
       groups.get(owner).members.push(column);
     }
@@ -220,7 +220,7 @@ function makePlots() {
       ['Submerged volume', owned('element', (c) => c.quantity === 'submerged_volume' && changes(c))],
       ['Horizontal force of elements', owned('element', (c) => force(c) && c.quantity !== 'force_' + upName)],
       ['Contact area', owned('element', (c) => /area/.test(c.quantity) && changes(c))],
-      ['Energies of the whole model', owned('whole model', (c) => /energy/.test(c.quantity))],
+      ['Energies of the whole model', owned('whole model', (c) => !c.isState && /energy/.test(c.quantity))],
     ];
     for (const [name, chosen] of wanted) if (chosen.length) addChart(name, chosen);
     // Elements that report something else: one plot each, of the unit that most columns have.

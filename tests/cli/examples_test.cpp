@@ -262,4 +262,112 @@ TEST(Example, PushedBoxHeelsToTheLeverGivenAndCapsizesPastTheGreatest) {
   EXPECT_NEAR(heel.back(), 3.141592653589793, 0.02);  // upside down, where it is stable again
 }
 
+constexpr double k_gear_load = 30000, k_gear_area = 4 * 0.6 * 0.45;  // of the example [N] [m^2]
+constexpr double k_sand_modulus = 0.025, k_e = 2.718281828459045;    // [m]
+const double k_sand_strength = 1040 * k_gear_area + k_gear_load * std::tan(28 * 3.141592653589793 / 180);  // [N]
+
+/// Shear curve of a road with a sensitivity of 1, as a share of the strength.
+double sand_curve(double displacement) {
+  const double r = displacement / k_sand_modulus;
+  return (1 + std::exp(1 - r) / (k_e - 1)) * (1 - std::exp(-r));
+}
+
+// Each step adds the slip velocity times the time of the step before, the evaluation after it the slip velocity times
+// its own. Of the settling a micrometre of depth is left after a second.
+TEST(Example, TrackPullsWithTheDisplacementThatItsStepsAddUpTo) {
+  const ResultTable table = results_of("track_drawbar");
+  const std::vector<double>&time = table["time [s]"], &pull = table["track_shear.force_x [N]"];
+  constexpr double k_step = 0.005, k_sweep = 0.3 / 8;  // [s], slip velocity per time [m/s^2]
+  double captured = 0;
+  long step = 0;
+  for (size_t i = 1; i < time.size(); ++i) {
+    for (const long end = std::lround(time[i] / k_step); step < end;) {
+      ++step;
+      const double t = static_cast<double>(step) * k_step;
+      captured += k_sweep * t * (t - k_step);
+    }
+    const double expected = k_sand_strength * sand_curve(captured + k_sweep * time[i] * time[i]);
+    EXPECT_NEAR(pull[i], expected, (time[i] < 1 ? 1e-3 : 1e-5) * k_sand_strength) << "at " << time[i];
+  }
+  EXPECT_NEAR(table["track_sum.force_z [N]"].back(), k_gear_load, 1e-5 * k_gear_load);
+  EXPECT_NEAR(table["track_sum.area [m^2]"].back(), k_gear_area, 1e-12);
+}
+
+// The average of the shear curve over the way is the pull of a footprint. By trapezia, whose error is h^2/12 times the
+// change of the curve's slope: from (1 + e/(e - 1))/K at the start to 0; as much again for the settling.
+TEST(Example, TrackDraggedWithALockedBeltAveragesToTheDrawbarCurve) {
+  const ResultTable table = results_of("track_drawbar", {"--set", "parameters.belt=0", "--set", "parameters.ramp=0"});
+  const std::vector<double>&way = table["way"], &pull = table["track_shear.force_x [N]"];
+  const double steepest = k_sand_strength * (1 + k_e / (k_e - 1)) / k_sand_modulus;
+  double work = 0;
+  for (size_t i = 1; i < way.size(); ++i) {
+    const double h = way[i] - way[i - 1];
+    work += 0.5 * h * (pull[i] + pull[i - 1]);
+    const double E = 1 - std::exp(-way[i] / k_sand_modulus);
+    const double share = 1 - k_sand_modulus / way[i] * (E - 0.5 * E * E * k_e / (k_e - 1));
+    EXPECT_NEAR(work / way[i], k_sand_strength * share, 2 * h * h / 12 * steepest / way[i]) << "at " << way[i];
+    EXPECT_NEAR(table["footprint"][i], k_sand_strength * share, 1e-6 * k_sand_strength);
+  }
+  EXPECT_NEAR(table["wong"].back(), k_sand_strength * (1 - k_sand_modulus / 2.4), 1e-3 * k_sand_strength);
+}
+
+/// Vertical force of the soil on the wheels and hull of the vehicle.
+std::vector<double> vehicle_lift(const ResultTable& table) {
+  std::vector<double> lift(table.rows(), 0.0);
+  const auto add = [&](const std::string& element) {
+    const std::vector<double>& force = table[element + ".force_z [N]"];
+    for (size_t i = 0; i < lift.size(); ++i) lift[i] += force[i];
+  };
+  for (const std::string side : {"left", "right"}) {
+    for (int wheel = 1; wheel <= 6; ++wheel) add(side + "_wheel_" + std::to_string(wheel));
+    add(side + "_shear");
+  }
+  return lift;
+}
+
+constexpr double k_vehicle_mass = 10000, k_vehicle_pull = 20000;                   // [kg] [N]
+constexpr double k_sprocket_radius = 0.25, k_gear = 20, k_sprocket_inertia = 225;  // [m] [-] [kg m^2]
+
+double gain(const ResultTable& table, const std::string& column, size_t from) {
+  return table[column].back() - table[column][from];
+}
+
+// Momentum from 9 s on: torque less what speeds up the sprockets is pull and what speeds up the vehicle. The ground's
+// slopes lift it by some 0.1 m within that time, 1 % of its weight over the way of 9 m: 5 % of the pull.
+void expect_torque_becomes_pull(const ResultTable& table) {
+  const std::vector<double>& time = table["time [s]"];
+  const size_t first = row_at(time, 9);
+  const double duration = time.back() - time[first];
+  const double sprockets = (gain(table, "left_turn.rate", first) + gain(table, "right_turn.rate", first)) / duration;
+  const double torque = k_gear * time_mean_from(time, table["engine_torque"], 9) - k_sprocket_inertia * sprockets;
+  const double vehicle = k_vehicle_mass * gain(table, "hull.vx [m/s]", first) / duration;
+  EXPECT_NEAR(torque / k_sprocket_radius, k_vehicle_pull + vehicle, 0.05 * k_vehicle_pull);
+  EXPECT_NEAR(time_mean_from(time, table["thrust"], 9), k_vehicle_pull + vehicle, 0.05 * k_vehicle_pull);
+}
+
+// Nothing comes from nowhere, and from 2 s on little is lost: the sand springs back.
+void expect_work_is_kept(const ResultTable& table) {
+  const size_t start = row_at(table["time [s]"], 2);
+  const double left = table["left_turn.rate"].back(), right = table["right_turn.rate"].back();
+  const double used = gain(table, "pull_work", start) + gain(table, "kinetic_energy [J]", start) +
+                      gain(table, "potential_energy [J]", start) +
+                      0.5 * k_sprocket_inertia * (left * left + right * right);
+  EXPECT_GT(gain(table, "engine_work", start), used);
+  EXPECT_GT(used, 0.95 * gain(table, "engine_work", start));
+}
+
+TEST(Example, TrackedVehicleSettlesDrivesOffAndTurnsItsTorqueIntoPull) {
+  const ResultTable table = results_of("tracked_vehicle");
+  const std::vector<double>&time = table["time [s]"], &height = table["hull.z [m]"];
+  for (size_t i = row_at(time, 1); i < row_at(time, 2); ++i)
+    EXPECT_NEAR(height[i], height[row_at(time, 2)], 0.02) << "not settled at " << time[i];
+  // The wheels carry the weight, up to what the rows miss of the jolts between them.
+  constexpr double k_weight = k_vehicle_mass * 9.81;
+  EXPECT_NEAR(time_mean_from(time, vehicle_lift(table), 5), k_weight, 0.01 * k_weight);
+  EXPECT_GT(gain(table, "hull.x [m]", 0), 20.0);
+  EXPECT_NEAR(time_mean_from(time, table["hull.vx [m/s]"], 9), 3.0, 0.3);
+  expect_torque_becomes_pull(table);
+  expect_work_is_kept(table);
+}
+
 }  // namespace

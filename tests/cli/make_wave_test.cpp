@@ -168,6 +168,19 @@ TEST(MakeWave, StepsAreShortenedSoThatWholeOnesFit) {
   EXPECT_DOUBLE_EQ(qvslv::wave_table(s).time[17], 5.0);
 }
 
+TEST(MakeWave, StillWaterIsTwoRowsOfTwoZeros) {
+  const WaveSettings s = qvslv::completed(still_water(12));
+  EXPECT_EQ(qvslv::mistake_in(s), "");
+  EXPECT_TRUE(qvslv::doubts_about(s).empty());
+  EXPECT_EQ(qvslv::wave_text(qvslv::wave_table(s), qvslv::settings_line(s)),
+            "2,2\n0,12\n0,0,0,0,0\n1,0,0,0,0\nMADE BY qvbrisk, wave still, duration 1, extent 12\n");
+  WaveSettings longer = s;
+  longer.duration = 30;
+  EXPECT_EQ(table_in_file(longer).time, (std::vector<double>{0, 30}));
+  EXPECT_EQ(qvslv::time_rows(longer), 2);
+  EXPECT_EQ(qvslv::columns_along_x(longer), 2);
+}
+
 class WaveFileOnDisk : public testing::Test {
 protected:
   std::string made(const WaveSettings& settings) const {
@@ -208,6 +221,31 @@ TEST_F(WaveFileOnDisk, IsInterpolatedHereAsInTheLibrary) {
   for (double t = 0; t < 1.1 * s.duration; t += 0.731)
     for (double x = 0; x < s.extent; x += 1.77)
       EXPECT_NEAR(wave.elevation_at(t, x), qvtest::library_elevation(library, t, x), 8 * k_rounding) << t << " " << x;
+}
+
+TEST_F(WaveFileOnDisk, OfStillWaterIsLevelInTheLibraryAtAnyTimeAndPlace) {
+  qvhydro::wave_table library;
+  std::string message;
+  ASSERT_TRUE(qvtest::library_reads_wave(made(qvslv::completed(still_water(12))), library, message)) << message;
+  ASSERT_EQ(library.wave_rows, 2);
+  ASSERT_EQ(library.wave_cols, 2);
+  EXPECT_EQ(library.wave_x[1], 12);
+  for (const double t : {0.0, 0.4, 1.0, 1e4})  // the second row is at 1
+    for (const double x : {0.0, 5.0, 11.9}) EXPECT_EQ(qvtest::library_elevation(library, t, x), 0);
+  for (int i = 0; i < 2; ++i)
+    for (int j = 0; j < 2; ++j) EXPECT_EQ(library.wave_velocity[i][j], 0);
+}
+
+TEST_F(WaveFileOnDisk, OfStillWaterIsOutdatedByAnotherExtentOrDurationOnly) {
+  WaveSettings s = qvslv::completed(still_water(12));
+  const std::string path = made(s);
+  s.seed = 7;  // counts for a spectrum
+  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::current);
+  s.extent = 13;
+  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
+  s = qvslv::completed(still_water(12));
+  s.duration = 2;
+  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
 }
 
 TEST_F(WaveFileOnDisk, KnowsWhetherItWasMadeWithTheseSettings) {
@@ -301,6 +339,29 @@ TEST(MakeWave, MistakenSettingsAreNamed) {
   for (const mistake_case& row : k_mistakes) {
     SCOPED_TRACE(row.why);
     WaveSettings s = sea(WaveKind::jonswap);
+    row.spoil(s);
+    s = qvslv::completed(s);
+    EXPECT_EQ(qvslv::mistake_in(s), row.text);
+    EXPECT_THROW(qvslv::wave_table(s), std::invalid_argument);
+  }
+}
+
+const mistake_case k_still_mistakes[] = {
+    {"no extent", [](WaveSettings& s) { s.extent = 0; },
+     "still water needs an extent: positions run from 0 to it, and there is no wave length to choose it by"},
+    {"positions below 0", [](WaveSettings& s) { s.extent = -12; },
+     "the extent must be greater than 0: positions run from 0 to it"},
+    {"a negative duration", [](WaveSettings& s) { s.duration = -1; }, "the duration must be greater than 0"},
+    {"a duration that is no number", [](WaveSettings& s) { s.duration = std::nan(""); },
+     "the duration must be greater than 0"},
+    {"a height", [](WaveSettings& s) { s.height = 1; }, "still water has no height and no period"},
+    {"a period", [](WaveSettings& s) { s.period = 6; }, "still water has no height and no period"},
+};
+
+TEST(MakeWave, MistakenSettingsOfStillWaterAreNamed) {
+  for (const mistake_case& row : k_still_mistakes) {
+    SCOPED_TRACE(row.why);
+    WaveSettings s = still_water(12);
     row.spoil(s);
     s = qvslv::completed(s);
     EXPECT_EQ(qvslv::mistake_in(s), row.text);

@@ -46,6 +46,15 @@ std::string changed(const std::string& from, const std::string& to) {
   return text.replace(at, from.size(), to);
 }
 
+std::string message_of(const std::string& text) {
+  try {
+    qvslv::read_model_text(text, "model.toml");
+  } catch (const qvslv::ModelError& error) {
+    return error.what();
+  }
+  return "no mistake was found";
+}
+
 TEST(ModelFileWater, WavesTakeGravityAndDurationFromTheModel) {
   const qvslv::ModelFile file = qvslv::read_model_text(k_water_model, "folder/model.toml");
   ASSERT_EQ(file.waves.size(), 2u);
@@ -72,6 +81,33 @@ TEST(ModelFileWater, ATableThatEndsBeforeTheRunIsWarnedOf) {
                           "its last shape"));
 }
 
+const std::string k_swell = "kind = \"regular\"\nheight = 1\nperiod = 9\nduration = 20\n";
+
+TEST(ModelFileWater, StillWaterTakesAnExtentAndOutlastsTheRun) {
+  const std::string text = changed(k_swell, "kind = \"still\"\nextent = 12\n");
+  const qvslv::ModelFile file = qvslv::read_model_text(text, "model.toml");
+  EXPECT_TRUE(file.warnings.empty());
+  const qvslv::WaveSettings& still = file.waves[1].settings;
+  EXPECT_EQ(still.kind, qvslv::WaveKind::still);
+  EXPECT_EQ(qvslv::settings_line(still), "MADE BY qvbrisk, wave still, duration 1, extent 12");
+  EXPECT_EQ(qvslv::mistake_in(still), "");
+}
+
+/// Every key of a wave but these: name, file, kind, extent, duration.
+TEST(ModelFileWater, StillWaterRefusesEveryKeyOfWaves) {
+  for (const char* line :
+       {"height = 1", "period = 6", "Hs = 1", "Tp = 6", "gamma = 2", "seed = 2", "components = 9", "depth = 3",
+        "direction = \"+x\"", "ramp = 1", "time_step = 1", "x_step = 1", "gravity = 9.81"}) {
+    SCOPED_TRACE(line);
+    const std::string key = std::string(line).substr(0, std::string(line).find(' '));
+    const std::string text =
+        changed(k_swell, "kind = \"still\"\nextent = 12\nduration = 3\n" + std::string(line) + "\n");
+    EXPECT_THAT(
+        message_of(text),
+        HasSubstr("wave 2, " + key + ": still water has no such key; known: name, file, kind, extent, duration"));
+  }
+}
+
 TEST(ModelFileWater, CurrentsReadAsTheProfilesOfTheCommandLine) {
   const qvslv::ModelFile file = qvslv::read_model_text(k_water_model, "model.toml");
   ASSERT_EQ(file.currents.size(), 1u);
@@ -94,6 +130,8 @@ const mistake k_mistakes[] = {
     {"An unknown kind of wave", "\"jonswap\"", "\"jonswop\"", "model.toml:8:8: wave 'sea', kind: 'jonswop' is not known; did you mean 'jonswap'?"},
     {"A negative wave height", "height = 1\n", "height = -1\n", "model.toml:19:10: wave 2, height: must be greater than 0, is -1"},
     {"A wave so steep that it breaks", "height = 1\n", "height = 20\n", "model.toml:16:1: wave 2: waves of this period are 126.5 long here and break at a height of 17.96; lower the height or lengthen the period"},
+    {"A height in still water", "kind = \"regular\"\n", "kind = \"still\"\n", "model.toml:19:10: wave 2, height: still water has no such key; known: name, file, kind, extent, duration"},
+    {"Still water without its extent", "kind = \"regular\"\nheight = 1\nperiod = 9\n", "kind = \"still\"\n", "model.toml:16:1: wave 2: still water needs an extent: positions run from 0 to it, and there is no wave length to choose it by"},
     {"A direction beside the water marker's x axis", "\"-x\"", "\"y\"", "model.toml:13:13: wave 'sea', direction: 'y' is not known; known: +x, -x"},
     {"Two waves of one file", "\"swell.wave\"", "\"data/sea.wave\"", "model.toml:17:8: wave 2, file: another [[wave]] describes this file already"},
     {"A current without a profile", "along_x = { profile = \"power\", speed = 1.5, range = [0, 40] }\nalong_y = { profile = \"linear\", speeds = [0, 0.5], over = \"x\", range = [10, 90] }", "", "model.toml:23:1: current 'river': give a profile along x or along y (or both)"},
@@ -102,15 +140,6 @@ const mistake k_mistakes[] = {
     {"A uniform current with a range", "profile = \"power\"", "profile = \"uniform\"", "model.toml:26:55: current 'river', along_x, range: a uniform profile is the same everywhere"},
 };
 // clang-format on
-
-std::string message_of(const std::string& text) {
-  try {
-    qvslv::read_model_text(text, "model.toml");
-  } catch (const qvslv::ModelError& error) {
-    return error.what();
-  }
-  return "no mistake was found";
-}
 
 TEST(ModelFileWater, EveryMistakeIsNamedAtItsPlaceAndShownOnThePage) {
   std::ifstream stream(QVBRISK_BAD_INPUT_PAGE);

@@ -68,6 +68,21 @@ TEST(MakeWaveCommand, SendsWavesAgainstTheAxisToo) {
   EXPECT_NEAR(against->elevation[2][2], 0.5 * std::cos(0.4 * 3.141592653589793), 1e-8);
 }
 
+TEST(MakeWaveCommand, MakesStillWaterFromAnExtentAlone) {
+  const fs::path folder = fresh_folder();
+  const CommandResult made =
+      run_command({"make", "wave", "--kind", "still", "--extent", "12", "--out", "calm.wave"}, folder);
+  EXPECT_EQ(made.code, 0) << made.err;
+  EXPECT_EQ(made.err, "");
+  EXPECT_EQ(made.out, "made wave calm.wave: still water\n  2 times from 0 to 1, 2 positions from 0 to 12\n");
+  EXPECT_EQ(file_text(folder / "calm.wave"),
+            "2,2\n0,12\n0,0,0,0,0\n1,0,0,0,0\nMADE BY qvbrisk, wave still, duration 1, extent 12\n");
+  const CommandResult checked = run_command({"check", "calm.wave"}, folder);
+  EXPECT_EQ(checked.code, 0);
+  EXPECT_EQ(checked.err, "");
+  EXPECT_THAT(checked.out, HasSubstr("\nok\n"));
+}
+
 TEST(MakeWaveCommand, WarnsOfWavesTooSteepForTheTheory) {
   const fs::path folder = fresh_folder();
   const CommandResult made = run_command({"make", "wave", "--height", "4", "--period", "5", "--out", "a.wave"}, folder);
@@ -138,6 +153,22 @@ TEST(WaterOfAModel, IsMadeByARunOnceAndAgainWhenItsSettingsChange) {
   EXPECT_THAT(changed.err, Not(HasSubstr("made current")));
 }
 
+TEST(WaterOfAModel, StillWaterIsMadeOnceHoweverLongTheRunIs) {
+  const fs::path folder = fresh_folder();
+  write_text(folder / "model.toml",
+             "gravity = [0, 0, -9.81]\n[simulation]\nend_time = 0.1\n[[wave]]\nname = \"calm\"\nfile = "
+             "\"calm.wave\"\nkind = \"still\"\nextent = 12\n"
+             "[[body]]\nname = \"stone\"\nmass = 1\ninertia = [1, 1, 1]\n");
+  EXPECT_THAT(run_command({"run", "model.toml", "--out", "r"}, folder).err,
+              HasSubstr("made wave calm.wave (2 times, 2 positions)\n"));
+  const CommandResult longer =
+      run_command({"run", "model.toml", "--out", "r", "--set", "simulation.end_time=3"}, folder);
+  EXPECT_THAT(longer.err, Not(HasSubstr("made wave")));
+  EXPECT_THAT(longer.err, Not(HasSubstr("warning")));
+  EXPECT_THAT(run_command({"run", "model.toml", "--out", "r", "--set", "wave.calm.extent=13"}, folder).err,
+              HasSubstr("made wave calm.wave (2 times, 2 positions)\n"));
+}
+
 TEST(WaterOfAModel, LeavesAFileAloneThatItDidNotMake) {
   const fs::path folder = fresh_folder();
   write_text(folder / "model.toml", k_model);
@@ -156,8 +187,20 @@ struct usage_case {
 
 TEST(MakeWaterCommands, MistakesOnTheCommandLineAreNamed) {
   const usage_case cases[] = {
-      {"a wave without a height", {"make", "wave", "--period", "5", "--out", "a.wave"}, 2, "--height"},
-      {"a wave without a period", {"make", "wave", "--height", "1", "--out", "a.wave"}, 2, "--period"},
+      {"a wave without a height", {"make", "wave", "--period", "5", "--out", "a.wave"}, 2, "--height is required"},
+      {"a wave without a period", {"make", "wave", "--height", "1", "--out", "a.wave"}, 2, "--period is required"},
+      {"still water without an extent",
+       {"make", "wave", "--kind", "still", "--out", "a.wave"},
+       2,
+       "qvbrisk: still water needs an extent: positions run from 0 to it, and there is no wave length to choose it by"},
+      {"a height of still water",
+       {"make", "wave", "--kind", "still", "--extent", "12", "--height", "1", "--out", "a.wave"},
+       2,
+       "qvbrisk: --height: still water has no such option; known: --extent, --duration, --out"},
+      {"a time step of still water",
+       {"make", "wave", "--kind", "still", "--extent", "12", "--time-step", "1", "--out", "a.wave"},
+       2,
+       "qvbrisk: --time-step: still water has no such option; known: --extent, --duration, --out"},
       {"nowhere to write a wave", {"make", "wave", "--height", "1", "--period", "5"}, 2, "--out is required"},
       {"a negative height",
        {"make", "wave", "--height", "-1", "--period", "5", "--out", "a.wave"},

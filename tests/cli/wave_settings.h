@@ -27,6 +27,13 @@ inline WaveSettings sea(WaveKind kind, double height = 2.0, double period = 8.0)
   return s;
 }
 
+inline WaveSettings still_water(double extent) {
+  WaveSettings s;
+  s.kind = WaveKind::still;
+  s.extent = extent;
+  return s;
+}
+
 /// A sea whose table is a few thousand points.
 inline WaveSettings small_sea(WaveKind kind) {
   WaveSettings s = sea(kind);

@@ -1,9 +1,10 @@
 #!/bin/sh
 # Opens a run's report page in a headless browser: no error may come up, the plots and the 3D picture must be drawn.
-#   report_page_in_browser.sh <qvbrisk> <model.toml> <work folder>
+# Columns of the whole model stand under headings of their own: the energies, and the model's variables and equations.
+#   report_page_in_browser.sh <qvbrisk> <model.toml> <work folder> [columns of variables and equations]
 # Ends with 77, "skipped", where there is no browser.
 set -eu
-command=$1 model=$2 folder=$3
+command=$1 model=$2 folder=$3 states=${4:-}
 
 browser=$(command -v chromium || command -v chromium-browser || command -v google-chrome || true)
 [ -n "$browser" ] || { echo "no chromium here"; exit 77; }
@@ -32,6 +33,10 @@ savePicture = (url) => {
   };
   image.src = url;
 };
+const listed = (heading) => [...document.querySelectorAll("#column-list .group")].filter((g) => g.querySelector("summary").firstChild.data === heading)
+  .map((g) => [...g.querySelectorAll("label")].map((line) => line.querySelector("input").nextSibling.data).join(" ")).join(" and ");
+document.body.dataset.states = listed("Variables and equations");
+document.body.dataset.energies = listed("Energies");
 document.getElementById("play").click();
 document.getElementById("back").click();
 for (const id of ["arrows", "terrain-mesh", "terrain-clear", "clear-bodies", "hull-net"]) document.getElementById(id).click();
@@ -64,4 +69,6 @@ view=$(value view-colors) plots=$(value plot-colors)
 wanted=no
 if grep -q '^type = "hull"' model.toml; then wanted=yes; fi
 [ "$(value water)" = "$wanted" ] || fail "water in the 3D view: $(value water), not $wanted"
+[ "$(value states)" = "$states" ] || fail "variables and equations in the list: '$(value states)', not '$states'"
+[ "$(value energies)" = "kinetic_energy potential_energy total_energy" ] || fail "energies in the list: $(value energies)"
 echo "3D view: $view colours; plots: $plots or more"

@@ -182,6 +182,27 @@ TEST(ReportPage, HoldsThePosesAndTheColumnsOfARun) {
   }
 }
 
+TEST(ReportPage, TellsWhichColumnsAreThoseOfVariablesAndEquations) {
+  TestModel built(1.0, 0.5);
+  built.add_body("ball", 3, {1, 1, 1});
+  Variable order;
+  order.id = 1;
+  order.name = "order";
+  order.value.text = "2*t";
+  built.model.variables = {order};
+  Equation way;  // by the name of the body: its rate is none of the body's columns
+  way.id = 1;
+  way.name = "ball";
+  way.right_side.text = "order";
+  built.model.equations = {way};
+  const TestRun out = run_to_end(built);
+  const nlohmann::json data = data_of(read_text(out.folder + "/report.html"));
+  const auto states = data["states"].get<std::vector<std::string>>();
+  EXPECT_EQ(states, (std::vector<std::string>{"order", "ball", "ball.rate"}));
+  const auto columns = data["columns"].get<std::vector<std::string>>();
+  for (const std::string& name : states) EXPECT_EQ(std::count(columns.begin(), columns.end(), name), 1) << name;
+}
+
 TEST(ReportPage, IsListedFirstAmongTheFilesOfARun) {
   TestModel built(0.1, 0.1);
   built.add_body("ball", 3, {1, 1, 1});
