@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstring>
 
-#include "soilrdf/number_scanner.h"
+#include "common/number_scanner.h"
 
 namespace qv {
 namespace {

@@ -8,10 +8,10 @@
 
 #include "common/data_file.h"
 #include "common/messages.h"
+#include "common/number_scanner.h"
 #include "common/parameters.h"
 #include "common/text.h"
 #include "qvbrisk/constants.h"
-#include "soilrdf/number_scanner.h"
 #include "soilrdf/rdf_units.h"
 #include "soilrdf/road_derivation.h"
 

@@ -1,4 +1,4 @@
-#include "soilrdf/number_scanner.h"
+#include "common/number_scanner.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
