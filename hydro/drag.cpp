@@ -32,7 +32,8 @@ void drag_block::add(const double* normal, double area, const node_state* const 
   }
 }
 
-void drag_block::finish(const coefficients& k, drag_sums& sums) {
+void drag_block::finish(const coefficients& k, const double* A6, drag_sums& sums) {
+  turn_normals(A6);
   for (int n = 0; n < 3; ++n) {
     find_speeds(n);
     find_powers(n, k.tangential_exp);
@@ -40,6 +41,15 @@ void drag_block::finish(const coefficients& k, drag_sums& sums) {
   }
   add_to(sums);
   count_ = 0;
+}
+
+QV_WIDE_VECTORS void drag_block::turn_normals(const double* A6) {
+  for (int i = 0; i < count_; ++i) {
+    const double x = normal_[0][i], y = normal_[1][i], z = normal_[2][i];
+    normal_[0][i] = A6[0] * x + A6[3] * y + A6[6] * z;
+    normal_[1][i] = A6[1] * x + A6[4] * y + A6[7] * z;
+    normal_[2][i] = A6[2] * x + A6[5] * y + A6[8] * z;
+  }
 }
 
 /// The velocity of corner n, divided into that along the normal and that along the patch.

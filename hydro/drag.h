@@ -31,16 +31,18 @@ class drag_block {
 public:
   static constexpr int k_patches = 32;
 
-  /// @param normal   of the patch, global axes
+  /// @param normal   of the patch, body marker frame
   /// @param corners  its nodes; the first `reached` of them are wet
   void add(const double* normal, double area, const node_state* const corners[3], int reached);
   bool full() const { return count_ == k_patches; }
   /// Adds the loads of all patches to the sums and forgets the patches.
-  void finish(const coefficients& k, drag_sums& sums);
+  /// @param A6  body marker frame -> global axes
+  void finish(const coefficients& k, const double* A6, drag_sums& sums);
 
 private:
   using row = double[k_patches];
 
+  void turn_normals(const double* A6);
   void find_speeds(int n);
   void find_powers(int n, double exponent);
   void find_loads(const coefficients& k, int n);
@@ -49,7 +51,7 @@ private:
   int count_ = 0;
   int reached_[k_patches];
   row area_;
-  row normal_[3];
+  row normal_[3];       ///< as added, then in global axes
   row velocity_[3][3];  ///< by corner; relative to the water
   row lever_[3][3];
   row along_[3][3], speed_[3], normal_speed_[3];      ///< along the patch: direction and speed; into the water

@@ -5,19 +5,11 @@
 #include "common/kernels.h"
 #include "common/requests.h"
 #include "hydro/drag.h"
+#include "hydro/node_pass.h"
 #include "hydro/volume.h"
 
 namespace qvhydro {
 namespace {
-
-/// Where the hull and the water are. Suffixes: 4 force marker, 5 water marker, 6 body marker.
-struct motion {
-  double p4[3] = {}, p5[3] = {}, p6[3] = {};  ///< global positions
-  double A5[9] = {}, A6[9] = {};
-  double R[9];                  ///< body marker frame -> water frame
-  double d[3] = {}, v[3] = {};  ///< body marker's position and velocity in the water frame
-  double spin[3];               ///< of the body marker, in its own axes
-};
 
 motion fetch_motion(void* handle, const Chydro_force_sub& sub) {
   const int m4 = sub.force_marker, m5 = sub.water_marker, m6 = sub.body_marker;
@@ -36,51 +28,20 @@ motion fetch_motion(void* handle, const Chydro_force_sub& sub) {
   return m;
 }
 
-/// The water's velocity from one table of the CURRENT file, at x, y of the water frame. Row `row` is where the last
-/// search ended; `found` tells that it names the interval of this one.
-double current_at(const current_table& table, double x, double y, int& row, bool& found) {
-  const interval_axis& keys = table.key;
-  const int last = keys.count() - 1;
-  const bool clamped = table.mode != 1;
-  const double key = clamped ? y : x;
-  found = true;
-  if (clamped && key < keys[0]) {
-    row = 0;
-    return table.value[0];
-  }
-  if (clamped && key >= keys[last]) {
-    row = last;
-    return table.value[static_cast<std::size_t>(last)];
-  }
-  const int j = keys.find(key, row);
-  found = j >= 0;
-  if (!found) return clamped ? key : 0.0;  // every clamped key is in an interval but a NaN, which travels on
-  row = j;
-  const double a = (keys[j + 1] - key) / (keys[j + 1] - keys[j]);
-  const double* value = table.value.data() + j;
-  return value[0] * a + value[1] * (1.0 - a);
-}
-
 /// Notes an interval that was found. Most stay what they were, and memory that is not written need not be written back.
 void keep_interval(bool found, int interval, int& kept) {
   if (found && kept != interval) kept = interval;
 }
 
-/// One call's way over a mesh: first every node, then every patch with what its corners have in common with others.
+/// One call's way over the patches of a mesh, whose nodes are worked out.
 class evaluation {
 public:
-  evaluation(const Chydro_force& element, const time_blend& when, const motion& m, const coefficients& k)
-      : element_(element),
-        elevation_(element.wave_elevation, when),
-        rising_(element.wave_velocity, when),
-        m_(m),
-        k_(k),
-        factors_{{m.A5[6], m.A5[7], m.A5[8]}, k.buoyancy, k.L3, k.force} {}
+  evaluation(const Chydro_force& element, const motion& m, const coefficients& k)
+      : element_(element), m_(m), k_(k), factors_{{m.A5[6], m.A5[7], m.A5[8]}, k.buoyancy, k.L3, k.force} {}
 
   void run(Chydro_force_sub& sub) {
-    for (std::size_t i = 0; i < sub.nodes.size(); ++i) evaluate_node(sub.nodes[i], sub.node_states[i]);
     for (int i = 0; i < sub.patch_count; ++i) evaluate_patch(sub, sub.patches[static_cast<std::size_t>(i)]);
-    drags_.finish(k_, drag);
+    drags_.finish(k_, m_.A6, drag);
     columns_.finish(factors_, displaced);
   }
 
@@ -88,49 +49,15 @@ public:
   displacement displaced;
 
 private:
-  void evaluate_node(const Cnode& node, node_state& s) const;
   void evaluate_patch(Chydro_force_sub& sub, Cpatch& patch);
 
   const Chydro_force& element_;
-  blended_rows elevation_, rising_;  ///< of the water
   const motion& m_;
   const coefficients& k_;
   buoyancy_factors factors_;
   drag_block drags_;
   column_block columns_;
 };
-
-void evaluation::evaluate_node(const Cnode& node, node_state& s) const {
-  const double local[3] = {node.x, node.y, node.z};
-  qv::matvec(m_.R, local, s.position);
-  for (int k = 0; k < 3; ++k) s.position[k] += m_.d[k];
-  const double x = s.position[0], y = s.position[1], z = s.position[2];
-  s.elevation = 0.0;
-  s.on_wave_col = false;
-  s.where = node_state::off_table;
-  if (x < 0.0 || x >= element_.wave_x_last) return;
-  double water[3] = {};  // velocity
-  const int j = element_.wave_x.find(x, s.wave_col);
-  s.on_wave_col = j >= 0;
-  if (s.on_wave_col) {
-    const interval_axis& axis = element_.wave_x;
-    s.wave_col = j;
-    const double a = (axis[j + 1] - x) / (axis[j + 1] - axis[j]), b = 1.0 - a;
-    s.elevation = elevation_.at(j, a, b);
-    water[2] = rising_.at(j, a, b);
-  }
-  s.where = node_state::dry;
-  if (s.elevation < z) return;
-  s.where = node_state::wet;
-  water[0] = current_at(element_.current1, x, y, s.current1_row, s.on_current1_row);
-  water[1] = current_at(element_.current2, x, y, s.current2_row, s.on_current2_row);
-  double velocity[3];
-  qv::matvectlvec(m_.R, m_.spin, local, velocity);
-  for (int k = 0; k < 3; ++k) velocity[k] = velocity[k] + m_.v[k] - water[k];
-  qv::matvec(m_.A5, velocity, s.velocity);
-  qv::matvec(m_.A6, local, s.lever);
-  for (int k = 0; k < 3; ++k) s.lever[k] = s.lever[k] + m_.p6[k] - m_.p4[k];
-}
 
 void evaluation::evaluate_patch(Chydro_force_sub& sub, Cpatch& patch) {
   const node_state* corners[3];
@@ -148,10 +75,8 @@ void evaluation::evaluate_patch(Chydro_force_sub& sub, Cpatch& patch) {
     ++reached;
   }
   if (reached > 0) {
-    double normal[3];
-    qv::matvec(m_.A6, patch.normal, normal);
-    drags_.add(normal, patch.area, corners, reached);
-    if (drags_.full()) drags_.finish(k_, drag);
+    drags_.add(patch.normal, patch.area, corners, reached);
+    if (drags_.full()) drags_.finish(k_, m_.A6, drag);
   }
   const double level = (elevations[0] + elevations[1] + elevations[2]) / 3.0;
   const double facing = m_.R[2] * patch.normal[0] + m_.R[5] * patch.normal[1] + m_.R[8] * patch.normal[2];
@@ -182,8 +107,11 @@ void evaluate(void* handle, double time, int iflag, Chydro_force& element, Chydr
   const motion m = fetch_motion(handle, sub);
   const time_blend when = blend_at(element, time, iflag == 1);
   const coefficients k(element, sub);
-  evaluation e(element, when, m, k);
-  if (active(sub, time)) e.run(sub);
+  evaluation e(element, m, k);
+  if (active(sub, time)) {
+    evaluate_nodes(element, when, m, sub);
+    e.run(sub);
+  }
   sub.submerged_volume = e.displaced.volume;
 
   double centre[3], torque[3] = {};

@@ -1,0 +1,157 @@
+#include "hydro/node_pass.h"
+
+#include <algorithm>
+
+#include "common/vectors.h"
+
+namespace qvhydro {
+namespace {
+
+using qv::k_block;
+using qv::rotate;
+using qv::vectors;
+
+/// The water's velocity from one table of the CURRENT file, at x, y of the water frame. Row `row` is where the last
+/// search ended; `found` tells that it names the interval of this one.
+double current_at(const current_table& table, double x, double y, int& row, bool& found) {
+  const interval_axis& keys = table.key;
+  const int last = keys.count() - 1;
+  const bool clamped = table.mode != 1;
+  const double key = clamped ? y : x;
+  found = true;
+  if (clamped && key < keys[0]) {
+    row = 0;
+    return table.value[0];
+  }
+  if (clamped && key >= keys[last]) {
+    row = last;
+    return table.value[static_cast<std::size_t>(last)];
+  }
+  const int j = keys.find(key, row);
+  found = j >= 0;
+  if (!found) return clamped ? key : 0.0;  // every clamped key is in an interval but a NaN, which travels on
+  row = j;
+  const double a = (keys[j + 1] - key) / (keys[j + 1] - keys[j]);
+  const double* value = table.value.data() + j;
+  return value[0] * a + value[1] * (1.0 - a);
+}
+
+/// Nodes side by side, for loops that run several at a time.
+struct node_block {
+  int count = 0;
+  vectors local, position;
+};
+
+/// Those of them that are wet.
+struct wet_block {
+  int count = 0;
+  int index[k_block];
+  vectors local, water;  ///< body marker frame; velocity of the water, water frame
+  vectors velocity, lever;
+};
+
+QV_WIDE_VECTORS void find_positions(const motion& m, node_block& b) {
+  rotate(m.R, b.local, b.position, b.count);
+  for (int i = 0; i < b.count; ++i) {
+    b.position.x[i] += m.d[0];
+    b.position.y[i] += m.d[1];
+    b.position.z[i] += m.d[2];
+  }
+}
+
+/// Velocities relative to the water, and levers, both in global axes.
+QV_WIDE_VECTORS void find_velocities(const motion& m, wet_block& b) {
+  vectors turning, relative;
+  for (int i = 0; i < b.count; ++i) {
+    turning.x[i] = m.spin[1] * b.local.z[i] - m.spin[2] * b.local.y[i];
+    turning.y[i] = m.spin[2] * b.local.x[i] - m.spin[0] * b.local.z[i];
+    turning.z[i] = m.spin[0] * b.local.y[i] - m.spin[1] * b.local.x[i];
+  }
+  rotate(m.R, turning, relative, b.count);
+  for (int i = 0; i < b.count; ++i) {
+    relative.x[i] = relative.x[i] + m.v[0] - b.water.x[i];
+    relative.y[i] = relative.y[i] + m.v[1] - b.water.y[i];
+    relative.z[i] = relative.z[i] + m.v[2] - b.water.z[i];
+  }
+  rotate(m.A5, relative, b.velocity, b.count);
+  rotate(m.A6, b.local, b.lever, b.count);
+  for (int i = 0; i < b.count; ++i) {
+    b.lever.x[i] = b.lever.x[i] + m.p6[0] - m.p4[0];
+    b.lever.y[i] = b.lever.y[i] + m.p6[1] - m.p4[1];
+    b.lever.z[i] = b.lever.z[i] + m.p6[2] - m.p4[2];
+  }
+}
+
+class node_pass {
+public:
+  node_pass(const Chydro_force& element, const time_blend& when, const motion& m)
+      : element_(element), elevation_(element.wave_elevation, when), rising_(element.wave_velocity, when), m_(m) {}
+
+  void run(const Cnode* nodes, node_state* states, int count) {
+    nodes_.count = count;
+    for (int i = 0; i < count; ++i) {
+      nodes_.local.x[i] = nodes[i].x;
+      nodes_.local.y[i] = nodes[i].y;
+      nodes_.local.z[i] = nodes[i].z;
+    }
+    find_positions(m_, nodes_);
+    wet_.count = 0;
+    for (int i = 0; i < count; ++i) find_surface(i, states[i]);
+    find_velocities(m_, wet_);
+    for (int w = 0; w < wet_.count; ++w) {
+      node_state& s = states[wet_.index[w]];
+      take(wet_.velocity, w, s.velocity);
+      take(wet_.lever, w, s.lever);
+    }
+  }
+
+private:
+  /// Where node i is, how high the water stands there, and how it flows at a wet one.
+  void find_surface(int i, node_state& s) {
+    take(nodes_.position, i, s.position);
+    const double x = s.position[0], y = s.position[1];
+    s.elevation = 0.0;
+    s.on_wave_col = false;
+    s.where = node_state::off_table;
+    if (x < 0.0 || x >= element_.wave_x_last) return;
+    double rising = 0.0;
+    const int j = element_.wave_x.find(x, s.wave_col);
+    if (j >= 0) {
+      const interval_axis& axis = element_.wave_x;
+      s.on_wave_col = true;
+      s.wave_col = j;
+      const double a = (axis[j + 1] - x) / (axis[j + 1] - axis[j]), b = 1.0 - a;
+      s.elevation = elevation_.at(j, a, b);
+      rising = rising_.at(j, a, b);
+    }
+    s.where = node_state::dry;
+    if (s.elevation < s.position[2]) return;
+    s.where = node_state::wet;
+    const int w = wet_.count++;
+    wet_.index[w] = i;
+    wet_.local.x[w] = nodes_.local.x[i];
+    wet_.local.y[w] = nodes_.local.y[i];
+    wet_.local.z[w] = nodes_.local.z[i];
+    wet_.water.x[w] = current_at(element_.current1, x, y, s.current1_row, s.on_current1_row);
+    wet_.water.y[w] = current_at(element_.current2, x, y, s.current2_row, s.on_current2_row);
+    wet_.water.z[w] = rising;
+  }
+
+  const Chydro_force& element_;
+  blended_rows elevation_, rising_;  ///< of the water
+  const motion& m_;
+  node_block nodes_;
+  wet_block wet_;
+};
+
+}  // namespace
+
+void evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub) {
+  node_pass pass(element, when, m);
+  for (std::size_t first = 0; first < sub.nodes.size(); first += k_block) {
+    const auto count = static_cast<int>(std::min<std::size_t>(k_block, sub.nodes.size() - first));
+    pass.run(sub.nodes.data() + first, sub.node_states.data() + first, count);
+  }
+}
+
+}  // namespace qvhydro
