@@ -25,8 +25,12 @@ by_road_and_track<Entry> sized(int roads, const Entry& entry) {
 }
 
 /// All or none: when memory runs out on the way, a later call begins anew.
-void size_containers(const parameters& p) {
+void size_containers(const parameters& p, const qv::fault_channel& channel) {
   if (!s_MTLsoil_forces.empty()) return;
+  if (p.roads == 0) {
+    qv::fault(channel.prefix + std::string("The number of roads (parameter 6) is 0; it must be at least 1."),
+              channel.ierr, channel.msg);
+  }
   const auto nodes = static_cast<std::size_t>(p.nodes);
   auto forces = sized(p.roads, track_records(nodes, std::vector<CSoilInteractionMTL>(2)));
   auto contact = sized(p.roads, contact_sum{});
@@ -97,7 +101,7 @@ void check_counts(const parameters& p, const track_records& track, const qv::fau
 
 void set_up(void* handle, const parameters& p, const qv::fault_channel& channel) {
   const CRoad& road = set_up_road(handle, p, channel);
-  size_containers(p);
+  size_containers(p, channel);
   track_records& track = *entry(p, channel);
   if (track[0][0].track_id == k_not_set) size_grids(p, track, channel);
   store_soil_type(road, track);

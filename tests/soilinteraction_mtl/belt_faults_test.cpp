@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 #include "soilinteraction/allocation_control.h"
 #include "soilinteraction_mtl/belt_scene.h"
+#include "soilinteraction_mtl/containers.h"
 
 // Every text that parameters, states and files can provoke, letter for letter. This program's allocator refuses
 // requests of a gigabyte and more (allocation_control), so that a model with two thousand million roads needs no such
@@ -115,6 +117,18 @@ TEST(TrackGuards, LeaveTheSumsOfTheCallBefore) {
   scene.call(1);
   scene.report_with(9, 1, 0);
   EXPECT_GT(scene.contact_sum()[2], 1e4);
+}
+
+// The roads stand since the set-up of a track that ran out of memory for the rest.
+TEST(TrackGuards, RefuseNoRoadsWhereTheContainersDoNotStandYet) {
+  BeltScene scene = sunken();
+  scene.call(1);
+  auto kept = std::move(qvsoilinteractionmtl::s_MTLsoil_forces);
+  qvsoilinteractionmtl::s_MTLsoil_forces = {};
+  EXPECT_EQ(scene.report_with(6, 0.0, 1),
+            "SOILINTERACTION MTL ERROR : The number of roads (parameter 6) is 0; it must be at least 1.");
+  qvsoilinteractionmtl::s_MTLsoil_forces = std::move(kept);
+  EXPECT_GT(scene.call(0)[2], 1e4);
 }
 
 // --- standard exceptions -----------------------------------------------------------------------------------------
