@@ -19,7 +19,7 @@ QV_IN_LOOPS vec choose(bool first, const vec& a, const vec& b) {
 }
 
 /// Where the edge from `p` to `q` passes the level.
-vec cut(const vec& p, const vec& q, double level) {
+QV_IN_LOOPS vec cut(const vec& p, const vec& q, double level) {
   const double share = (level - p.z) / (q.z - p.z);
   return {p.x + share * (q.x - p.x), p.y + share * (q.y - p.y), level};
 }
@@ -43,12 +43,16 @@ struct piece {
   vec centroid;
 };
 
+QV_IN_LOOPS piece choose(bool first, const piece& a, const piece& b) {
+  return {first ? a.volume : b.volume, choose(first, a.centroid, b.centroid)};
+}
+
 QV_IN_LOOPS vec mean(const vec& a, const vec& b, const vec& c, const vec& d) {
   return {(a.x + b.x + c.x + d.x) / 4.0, (a.y + b.y + c.y + d.y) / 4.0, (a.z + b.z + c.z + d.z) / 4.0};
 }
 
 /// Tetrahedron over the triangle a, b, c seen from above, with its apex d `height` over or under it.
-piece tetrahedron_on(double height, const vec& a, const vec& b, const vec& c, const vec& d) {
+QV_IN_LOOPS piece tetrahedron_on(double height, const vec& a, const vec& b, const vec& c, const vec& d) {
   return {seen_area(a, b, c) * std::fabs(height) / 3.0, mean(a, b, c, d)};
 }
 
@@ -79,21 +83,22 @@ struct pieces {
   }
 };
 
-/// Corner k under the level, the other two above it.
-pieces cut_to_one_corner(const vec& k, const vec& i, const vec& j, double level) {
+/// What the level does to a triangle whose corner `a` it parts from `b` and `c`.
+///   a under it, the others above: one tetrahedron under the cut
+///   a above it, the others at or under it (s the shallower, t the deeper): a tetrahedron and two more between s, t and
+///   the cut
+/// One function for both, without branches, so that a loop over many runs several at a time.
+QV_IN_LOOPS pieces cut_column(const vec& a, const vec& b, const vec& c, bool a_under, double level) {
+  const bool b_first = a_under || !(c.z > b.z);
+  const vec s = choose(b_first, b, c), t = choose(b_first, c, b);
+  const vec es = cut(a, s, level), et = cut(a, t, level);
+  const vec base = choose(a_under, a, s);
   pieces column;
-  column.add(tetrahedron_on(k.z - level, k, cut(k, i, level), cut(k, j, level), lifted(k, level)));
-  return column;
-}
-
-/// Corner m above the level, s and t at or below it, s the shallower.
-pieces cut_at_one_corner(const vec& m, const vec& s, const vec& t, double level) {
-  const vec es = cut(m, s, level), et = cut(m, t, level);
+  column.add(tetrahedron_on(base.z - level, base, es, et, lifted(base, level)));
+  const piece none{0.0, {0.0, 0.0, 0.0}};
   const vec s_up = lifted(s, level), t_up = lifted(t, level);
-  pieces column;
-  column.add(tetrahedron_on(s.z - level, s, es, et, s_up));
-  column.add(tetrahedron(et, t, t_up, s_up));
-  column.add(tetrahedron(et, s_up, s, t));
+  column.add(choose(a_under, none, tetrahedron(et, t, t_up, s_up)));
+  column.add(choose(a_under, none, tetrahedron(et, s_up, s, t)));
   return column;
 }
 
@@ -132,13 +137,6 @@ cutting find_cutting(const double* const q[3], double level) {
   return {};  // out of the water, or standing on it with one corner
 }
 
-/// The column of a triangle that the level cuts.
-pieces cut_column(const cutting& how, const double* const q[3], double level) {
-  const vec a = at(q[how.corner]), b = at(q[(how.corner + 1) % 3]), c = at(q[(how.corner + 2) % 3]);
-  if (how.kind == cutting::one_corner_under) return cut_to_one_corner(a, b, c, level);
-  return c.z > b.z ? cut_at_one_corner(a, c, b, level) : cut_at_one_corner(a, b, c, level);
-}
-
 double sign_of(double facing) { return facing == 0.0 ? 0.0 : facing > 0.0 ? -1.0 : 1.0; }
 
 bool beyond(double x_first, double x_last, const double* const q[3]) {
@@ -158,8 +156,10 @@ water_column find_column(double x_first, double x_last, const double* q0, const 
   const cutting how = beyond(x_first, x_last, q) ? cutting() : find_cutting(q, level);
   const double sign = sign_of(facing);
   if (how.kind == cutting::out_of_water || sign == 0.0) return {};
-  const pieces found =
-      how.kind == cutting::under_water ? whole(at(q0), at(q1), at(q2), level) : cut_column(how, q, level);
+  const pieces found = how.kind == cutting::under_water
+                           ? whole(at(q0), at(q1), at(q2), level)
+                           : cut_column(at(q[how.corner]), at(q[(how.corner + 1) % 3]), at(q[(how.corner + 2) % 3]),
+                                        how.kind == cutting::one_corner_under, level);
   return {sign * found.volume, {sign * found.moment.x, sign * found.moment.y, sign * found.moment.z}};
 }
 
@@ -177,8 +177,12 @@ void column_block::add(double x_first, double x_last, const double* const q[3], 
   sign_[i] = sign;
   level_[i] = level;
   if (how.kind == cutting::under_water) return;
-  const pieces found = cut_column(how, q, level);
-  cuts_[cut_count_++] = {i, {found.volume, {found.moment.x, found.moment.y, found.moment.z}}};
+  const int c = cut_count_++;
+  cuts_.patch[c] = i;
+  cuts_.level[c] = level;
+  for (int n = 0; n < 3; ++n) {
+    for (int k = 0; k < 3; ++k) cuts_.q[n][k][c] = q[(how.corner + n) % 3][k];
+  }
 }
 
 QV_WIDE_VECTORS void column_block::find_whole_columns() {
@@ -192,12 +196,25 @@ QV_WIDE_VECTORS void column_block::find_whole_columns() {
   }
 }
 
+QV_WIDE_VECTORS void column_block::find_cut_columns() {
+  for (int c = 0; c < cut_count_; ++c) {
+    const auto& q = cuts_.q;
+    const pieces found = cut_column({q[0][0][c], q[0][1][c], q[0][2][c]}, {q[1][0][c], q[1][1][c], q[1][2][c]},
+                                    {q[2][0][c], q[2][1][c], q[2][2][c]}, q[0][2][c] < cuts_.level[c], cuts_.level[c]);
+    cuts_.volume[c] = found.volume;
+    cuts_.moment[0][c] = found.moment.x;
+    cuts_.moment[1][c] = found.moment.y;
+    cuts_.moment[2][c] = found.moment.z;
+  }
+}
+
 void column_block::finish(const buoyancy_factors& f, displacement& sum) {
   find_whole_columns();
+  find_cut_columns();
   for (int c = 0; c < cut_count_; ++c) {
-    const int i = cuts_[c].patch;
-    volume_[i] = cuts_[c].column.volume;
-    for (int k = 0; k < 3; ++k) moment_[k][i] = cuts_[c].column.moment[k];
+    const int i = cuts_.patch[c];
+    volume_[i] = cuts_.volume[c];
+    for (int k = 0; k < 3; ++k) moment_[k][i] = cuts_.moment[k][c];
   }
   displacement s = sum;
   for (int i = 0; i < count_; ++i) {

@@ -47,18 +47,21 @@ public:
 
 private:
   using row = double[k_patches];
-  struct cut_patch {
-    int patch;
-    water_column column;  ///< not signed
+  /// Patches that the level cuts, once more: the corner that it parts from the others comes first.
+  struct cut_patches {
+    int patch[k_patches];
+    row q[3][3], level;
+    row volume, moment[3];  ///< not signed
   };
 
   void find_whole_columns();
+  void find_cut_columns();
 
   int count_ = 0, cut_count_ = 0;
   bool nothing_somewhere_ = false;
   row q_[3][3], sign_, level_;
   row volume_, moment_[3];  ///< not signed
-  cut_patch cuts_[k_patches];
+  cut_patches cuts_;
 };
 
 /// Signed volume and centre of the water column over one patch (see find_column), and their sums.
