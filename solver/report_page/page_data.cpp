@@ -149,7 +149,8 @@ void append_points(FrameArrays& out, const Frame& frame, const ContactAxes& axes
 void append_poses(FrameArrays& out, const Frame& frame, const Vec3& origin) {
   for (const BodyPose& pose : frame.body_poses) {
     append(out.poses, pose.position, origin);
-    for (const size_t k : {1, 2, 3, 0}) out.poses.push_back(static_cast<float>(pose.quaternion[k]));
+    for (const size_t k : {size_t{1}, size_t{2}, size_t{3}, size_t{0}})
+      out.poses.push_back(static_cast<float>(pose.quaternion[k]));
   }
 }
 
