@@ -1,13 +1,11 @@
 #include <benchmark/benchmark.h>
 
-#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <memory>
 #include <vector>
 
 #include "bench/bench_host.h"
 #include "bench/hull_maker.h"
+#include "bench/limit_parts.h"
 #include "qvbrisk/subroutines.h"
 
 // Cost of a patch of a floating hull through the exported function, in waves and current, and what no implementation
@@ -127,20 +125,7 @@ void limit_scan_wave(benchmark::State& state) {
   const auto size = static_cast<std::size_t>(qvbench::file_size(wave));
   double sum = 0.0;
   for (auto _ : state) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(wave.c_str(), "r"), &std::fclose);
-    std::unique_ptr<char[]> text(new char[size]);
-    const char* at = text.get();
-    const char* const end = at + std::fread(text.get(), 1, size, file.get());
-    while (at != end) {
-      double value;
-      const auto [stop, error] = std::from_chars(at, end, value);
-      if (error == std::errc()) {
-        sum += value;
-        at = stop;
-      } else {
-        ++at;
-      }
-    }
+    sum += qvbench::sum_of_numbers(wave, size);
   }
   benchmark::DoNotOptimize(sum);
   state.SetBytesProcessed(static_cast<int64_t>(size) * state.iterations());

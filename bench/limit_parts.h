@@ -1,14 +1,38 @@
 #pragma once
 
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "bench/road_maker.h"
 
-/// What the limits per contact point are made of: a height on a grid that is known to be regular, and the powers and
-/// exponentials that the laws need for a point in contact.
+/// What the limits are made of: a height on a grid that is known to be regular, the powers and exponentials that the
+/// laws need for a point in contact, and a bare scan of a file's numbers.
 namespace qvbench {
+
+/// Reads a file whole and converts every number in it.
+inline double sum_of_numbers(const std::string& path, std::size_t bytes) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"), &std::fclose);
+  const std::unique_ptr<char[]> text(new char[bytes]);
+  const char* at = text.get();
+  const char* const end = at + std::fread(text.get(), 1, bytes, file.get());
+  double sum = 0.0;
+  while (at != end) {
+    double value;
+    const auto [stop, error] = std::from_chars(at, end, value);
+    if (error == std::errc()) {
+      sum += value;
+      at = stop;
+    } else {
+      ++at;
+    }
+  }
+  return sum;
+}
 
 struct regular_terrain {
   int side;

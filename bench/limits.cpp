@@ -1,9 +1,6 @@
 #include <benchmark/benchmark.h>
 
-#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <memory>
 #include <vector>
 
 #include "bench/limit_parts.h"
@@ -60,21 +57,7 @@ void limit_scan(benchmark::State& state) {
   const qvbench::road_file& road = qvbench::make_road(static_cast<int>(state.range(0)));
   double sum = 0.0;
   for (auto _ : state) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(road.path.c_str(), "r"), &std::fclose);
-    std::unique_ptr<char[]> text(new char[road.bytes]);
-    const std::size_t size = std::fread(text.get(), 1, road.bytes, file.get());
-    const char* at = text.get();
-    const char* const end = at + size;
-    while (at != end) {
-      double value;
-      const auto [stop, error] = std::from_chars(at, end, value);
-      if (error == std::errc()) {
-        sum += value;
-        at = stop;
-      } else {
-        ++at;
-      }
-    }
+    sum += qvbench::sum_of_numbers(road.path, road.bytes);
   }
   benchmark::DoNotOptimize(sum);
   state.SetBytesProcessed(static_cast<int64_t>(road.bytes) * state.iterations());

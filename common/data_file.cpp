@@ -86,8 +86,7 @@ bool line_source::next(text_line& line) {
   return true;
 }
 
-/// Moves the line that is cut off to the front and reads on behind it; false at the end of the file.
-bool line_source::refill() {
+bool file_window::refill() {
   constexpr std::size_t k_chunk = 1 << 18;
   const auto kept = static_cast<std::size_t>(end_ - at_);
   if (kept > 0) std::memmove(buffer_.data(), at_, kept);

@@ -38,6 +38,26 @@ std::wstring beside_model(const std::wstring& model_path, const std::wstring& na
 enum class file_outcome { opened, not_found, path_too_long };
 file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length);
 
+/// The part of a file that is being read, in a buffer that stays in the cache.
+class file_window {
+public:
+  explicit file_window(data_file& file) : file_(file) {}
+
+  /// Bytes behind what was taken last, as far as known.
+  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
+
+protected:
+  /// Moves what is left to the front and reads on behind it; false at the end of the file.
+  bool refill();
+
+  const char* at_ = nullptr;  ///< not taken yet, up to `end_`
+  const char* end_ = nullptr;
+
+private:
+  data_file& file_;
+  large_vector<char> buffer_;
+};
+
 /// One line of a file, without its end.
 struct text_line {
   const char* begin;
@@ -45,23 +65,15 @@ struct text_line {
   long number;  ///< from 1
 };
 
-/// The lines of a file, one after the other, through a buffer that stays in the cache. The last line may lack its end.
-class line_source {
+/// The lines of a file, one after the other. The last line may lack its end.
+class line_source : public file_window {
 public:
-  explicit line_source(data_file& file) : file_(file) {}
+  using file_window::file_window;
 
   /// The next line, valid until the next call; false at the end.
   bool next(text_line& line);
-  /// Bytes behind the line that was returned last, as far as known.
-  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
 
 private:
-  bool refill();
-
-  data_file& file_;
-  large_vector<char> buffer_;
-  const char* at_ = nullptr;
-  const char* end_ = nullptr;
   long number_ = 0;
 };
 

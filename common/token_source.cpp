@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 
 #include "common/number_scanner.h"
 
@@ -15,16 +14,8 @@ bool may_be_in_number(char c) { return is_digit(c) || c == '.' || c == '+' || c 
 
 bool token_source::fail() { return good_ = false; }
 
-/// Moves what is left to the front and reads on behind it; false at the end of the file.
-bool token_source::refill() {
-  constexpr std::size_t k_chunk = 1 << 18;
-  const auto kept = static_cast<std::size_t>(end_ - at_);
-  if (kept > 0) std::memmove(buffer_.data(), at_, kept);
-  if (buffer_.size() < kept + k_chunk) buffer_.resize(std::max(2 * buffer_.size(), kept + k_chunk));
-  const std::size_t got = file_.read(buffer_.data() + kept, buffer_.size() - kept);
-  at_ = buffer_.data();
-  end_ = at_ + kept + got;
-  more_ = got > 0;
+bool token_source::read_on() {
+  more_ = more_ && refill();
   return more_;
 }
 
@@ -33,12 +24,12 @@ bool token_source::find_token() {
   for (;;) {
     while (at_ != end_ && is_blank(*at_)) ++at_;
     if (at_ != end_) return true;
-    if (!more_ || !refill()) return false;
+    if (!read_on()) return false;
   }
 }
 
 /// A token that reaches the end of the buffer may go on behind it; true when more of it is there now.
-bool token_source::goes_on(const char* from) { return more_ && std::all_of(from, end_, may_be_in_number) && refill(); }
+bool token_source::goes_on(const char* from) { return more_ && std::all_of(from, end_, may_be_in_number) && read_on(); }
 
 bool token_source::integer(int& value) {
   if (!good_ || !find_token()) return fail();

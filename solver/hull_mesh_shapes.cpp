@@ -4,18 +4,13 @@
 #include <utility>
 
 #include "solver/hull_mesh.h"
+#include "solver/shape_mesh.h"
 
 namespace qvslv {
 
 namespace {
 
 constexpr double k_pi = 3.141592653589793;
-
-/// Quad a b c d, counter-clockwise seen from outside.
-void add_quad(TriangleMesh& mesh, int a, int b, int c, int d) {
-  mesh.triangles.push_back({a, b, c});
-  mesh.triangles.push_back({a, c, d});
-}
 
 /// The surface of a block of nx by ny by nz cells: its points are made when a face first needs them.
 class BlockSurface {

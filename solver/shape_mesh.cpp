@@ -8,11 +8,6 @@ namespace {
 
 constexpr double k_pi = 3.141592653589793;
 
-void add_quad(TriangleMesh& mesh, int a, int b, int c, int d) {
-  mesh.triangles.push_back({a, b, c});
-  mesh.triangles.push_back({a, c, d});
-}
-
 TriangleMesh box_mesh(const Vec3& size) {
   TriangleMesh mesh;
   for (int corner = 0; corner < 8; ++corner) {  // bits of the number: x, y, z at the far side

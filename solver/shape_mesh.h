@@ -10,4 +10,10 @@ TriangleMesh shape_mesh(const Shape& shape);
 
 constexpr int k_round_sides = 32;
 
+/// Adds the quad a b c d, counter-clockwise seen from outside.
+inline void add_quad(TriangleMesh& mesh, int a, int b, int c, int d) {
+  mesh.triangles.push_back({a, b, c});
+  mesh.triangles.push_back({a, c, d});
+}
+
 }  // namespace qvslv
