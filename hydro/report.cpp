@@ -119,17 +119,16 @@ Chydro_force& find_element(const parameters& p) {
 }
 
 void report(void* handle, const double* par, int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, 18, 0.0);  // even when the number of points is none
   const qv::fault_channel channel{k_report_prefix, ierr, msg};
   constexpr std::size_t k_fixed_slots = 18;
-  std::fill_n(result, k_fixed_slots, 0.0);
+  std::fill_n(result, k_fixed_slots, 0.0);  // even when the number of points is none
   const int points = qv::to_count(par[11], "number of check points (parameter 11)", channel);
   const std::size_t slots = k_fixed_slots + 4 * static_cast<std::size_t>(points);
   std::fill_n(result, slots, 0.0);
   const parameters p(par, points, channel);
   if (iflag == 1) {
     const answers unused(handle, p);
-    fetch_points(handle, p, result + 18);
+    fetch_points(handle, p, result + k_fixed_slots);
     std::fill_n(result, slots, 0.0);
     return;
   }
@@ -137,7 +136,7 @@ void report(void* handle, const double* par, int iflag, double* result, int& ier
   if (element.report_mass_sum == 0.0) qv::fault("HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO", ierr, msg);
   const centres c = consume(element);
   write(answers(handle, p), c, result);
-  fetch_points(handle, p, result + 18);
+  fetch_points(handle, p, result + k_fixed_slots);
 }
 
 }  // namespace
