@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 /// A host whose answers cost next to nothing: one body marker (1), a road base marker (2) at rest, the ground (3).
 namespace qvbench {

@@ -12,7 +12,7 @@
 #include "bench/limit_parts.h"
 #include "bench/road_maker.h"
 #include "qvbrisk/subroutines.h"
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 // Cost of a grid point of a track through the exported function: seven nodes, 20 x 5 points per span, driving (a
 // millimetre per call, every fourth call closes a step) and jumping to random places, on roads of 2 10^3 to 10^6

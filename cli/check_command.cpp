@@ -7,10 +7,12 @@
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
-#include "solver/expand.h"
-#include "solver/make_road.h"
-#include "solver/model_file.h"
-#include "solver/road_check.h"
+#include "solver/data_files/find_data_file.h"
+#include "solver/data_files/make_road.h"
+#include "solver/data_files/road_check.h"
+#include "solver/model_file/expand.h"
+#include "solver/model_file/recipes.h"
+#include "solver/read_model.h"
 
 namespace qvcli {
 

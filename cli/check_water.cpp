@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "cli/commands.h"
-#include "solver/table_tokens.h"
-#include "solver/water_check.h"
+#include "solver/data_files/table_tokens.h"
+#include "solver/data_files/water_check.h"
 
 namespace qvcli {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "solver/model_file.h"
+#include "solver/model_file/contents.h"
 
 namespace qvcli {
 

@@ -4,7 +4,7 @@
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
-#include "solver/make_current.h"
+#include "solver/data_files/make_current.h"
 
 namespace qvcli {
 

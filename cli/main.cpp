@@ -3,8 +3,8 @@
 #include <string>
 
 #include "cli/commands.h"
-#include "solver/model.h"
-#include "solver/nearest_name.h"
+#include "solver/model/model.h"
+#include "solver/model/nearest_name.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "solver/make_road.h"
-#include "solver/nearest_name.h"
-#include "solver/unit_names.h"
+#include "solver/data_files/make_road.h"
+#include "solver/model/nearest_name.h"
+#include "solver/model/units.h"
 
 namespace qvcli {
 

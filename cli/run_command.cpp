@@ -7,9 +7,10 @@
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/progress_line.h"
-#include "solver/model_file.h"
+#include "solver/model/units.h"
+#include "solver/model_file/recipes.h"
+#include "solver/read_model.h"
 #include "solver/run.h"
-#include "solver/unit_names.h"
 
 namespace qvcli {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "solver/make_wave.h"
-#include "solver/nearest_name.h"
+#include "solver/data_files/make_wave.h"
+#include "solver/model/nearest_name.h"
 
 namespace qvcli {
 

@@ -12,3 +12,11 @@ function(qvbrisk_target name)
     target_link_options(${name} PUBLIC -fsanitize=${QVBRISK_SANITIZE})
   endif()
 endfunction()
+
+# Objects that were compiled before, in whatever folder, come from a compiler cache where one is installed.
+find_program(QVBRISK_CCACHE ccache DOC "Compiler cache, used where one is installed")
+mark_as_advanced(QVBRISK_CCACHE)
+if(QVBRISK_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${QVBRISK_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${QVBRISK_CCACHE})
+endif()

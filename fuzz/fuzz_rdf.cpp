@@ -8,7 +8,7 @@
 #include "fuzz/memory_file.h"
 #include "soilrdf/cell_fill.h"
 #include "soilrdf/rdf_reader.h"
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "fuzz/any_number.h"
 #include "fuzz/soil_roads.h"
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 // The module itself, so that its state can be taken back to the start for every input.
 #include "soilinteraction/soilinteraction.cpp"

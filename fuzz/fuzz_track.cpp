@@ -10,7 +10,7 @@
 #include "fuzz/soil_roads.h"
 #include "qvbrisk/subroutines.h"
 #include "soilinteraction_mtl/containers.h"
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 // A track, its outputs and its state equations with any parameters, states and order of calls. Every input starts with
 // an empty module.

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fuzz/memory_file.h"
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 /// A host for bodies at rest in the axes of the ground, all at one place, with the files that its strings 0 and 1 name.
 class water_host : public qvslv::ServiceHost {

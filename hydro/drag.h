@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/vectors.h"
+#include "common/kernels/vectors.h"
 #include "hydro/records.h"
 
 namespace qvhydro {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "common/kernels.h"
-#include "common/requests.h"
+#include "common/call/requests.h"
+#include "common/kernels/kernels.h"
 #include "hydro/drag.h"
 #include "hydro/node_pass.h"
 #include "hydro/volume.h"

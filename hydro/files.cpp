@@ -1,7 +1,7 @@
 #include "hydro/files.h"
 
-#include "common/text.h"
-#include "common/token_source.h"
+#include "common/files/text.h"
+#include "common/files/token_source.h"
 
 namespace qvhydro {
 namespace {

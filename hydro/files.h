@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/data_file.h"
-#include "common/parameters.h"
+#include "common/call/parameters.h"
+#include "common/files/data_file.h"
 #include "hydro/records.h"
 
 /// WAVE and CURRENT files: numbers as formatted stream input takes them, every separator any one character. What a

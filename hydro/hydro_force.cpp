@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "common/entry_frame.h"
-#include "common/parameters.h"
+#include "common/call/entry_frame.h"
+#include "common/call/parameters.h"
 #include "hydro/evaluation.h"
 
 namespace qvhydro {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/vectors.h"
+#include "common/kernels/vectors.h"
 
 namespace qvhydro {
 namespace {

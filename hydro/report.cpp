@@ -2,9 +2,9 @@
 #include <cmath>
 #include <exception>
 
-#include "common/kernels.h"
-#include "common/parameters.h"
-#include "common/requests.h"
+#include "common/call/parameters.h"
+#include "common/call/requests.h"
+#include "common/kernels/kernels.h"
 #include "hydro/hydro_force.h"
 #include "qvbrisk/constants.h"
 

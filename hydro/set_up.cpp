@@ -1,8 +1,8 @@
 #include <cmath>
 #include <string>
 
-#include "common/kernels.h"
-#include "common/parameters.h"
+#include "common/call/parameters.h"
+#include "common/kernels/kernels.h"
 #include "hydro/files.h"
 #include "hydro/hydro_force.h"
 #include "qvbrisk/services.h"

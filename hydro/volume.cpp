@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "common/kernels.h"
+#include "common/kernels/kernels.h"
 
 namespace qvhydro {
 namespace {

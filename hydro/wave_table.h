@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "common/large_vector.h"
+#include "common/files/large_vector.h"
 #include "hydro/interval.h"
 
 namespace qvhydro {

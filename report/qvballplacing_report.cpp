@@ -1,7 +1,7 @@
 #include <cstddef>
 
-#include "common/entry_frame.h"
-#include "common/parameters.h"
+#include "common/call/entry_frame.h"
+#include "common/call/parameters.h"
 
 /// Diameter, translational and rotational kinetic energy of many balls (solid spheres).
 ///

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common/kernels.h"
+#include "common/kernels/kernels.h"
 #include "soilrdf/road.h"
 
 /// Records of the contact between a body's grid points and a soil road. What belongs to history changes only after

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/messages.h"
-#include "common/parameters.h"
+#include "common/call/messages.h"
+#include "common/call/parameters.h"
 #include "qvbrisk/services.h"
 
 namespace qvsoilinteraction {

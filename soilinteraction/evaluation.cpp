@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/requests.h"
+#include "common/call/requests.h"
 #include "soilinteraction/contact_search.h"
 
 namespace qvsoilinteraction {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "common/parameters.h"
+#include "common/call/parameters.h"
 #include "soilinteraction/soil_laws.h"
 
 /// The parameter list and the result array of a soil element.

@@ -1,6 +1,6 @@
 #include "soilinteraction/soil_laws.h"
 
-#include "common/messages.h"
+#include "common/call/messages.h"
 
 namespace qvsoilinteraction {
 namespace {

@@ -4,9 +4,9 @@
 #include <array>
 #include <exception>
 
-#include "common/entry_frame.h"
-#include "common/messages.h"
-#include "common/parameters.h"
+#include "common/call/entry_frame.h"
+#include "common/call/messages.h"
+#include "common/call/parameters.h"
 #include "soilinteraction/evaluation.h"
 #include "soilinteraction/parameters.h"
 #include "soilrdf/load_road.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/kernels.h"
-#include "common/vectors.h"
+#include "common/kernels/kernels.h"
+#include "common/kernels/vectors.h"
 #include "qvbrisk/constants.h"
 
 namespace qvsoilinteractionmtl {

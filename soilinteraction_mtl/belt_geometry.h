@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/vectors.h"
+#include "common/kernels/vectors.h"
 #include "soilinteraction_mtl/contact_records_mtl.h"
 
 /// Lays the belt over the circles of the nodes and the contact points on the belt. All positions from marker R, in its

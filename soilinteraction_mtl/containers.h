@@ -3,7 +3,7 @@
 #include <array>
 #include <vector>
 
-#include "common/parameters.h"
+#include "common/call/parameters.h"
 #include "soilinteraction_mtl/contact_records_mtl.h"
 
 /// State of the track module, indexed by road and track; it lives from load to unload and the first set-up call sizes

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "common/entry_frame.h"
+#include "common/call/entry_frame.h"
 #include "soilinteraction_mtl/containers.h"
 #include "soilinteraction_mtl/soilinteraction_mtl.h"
 

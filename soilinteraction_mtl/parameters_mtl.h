@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "common/parameters.h"
+#include "common/call/parameters.h"
 #include "soilinteraction_mtl/containers.h"
 
 /// The parameter list and the result array of a track.

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "common/messages.h"
+#include "common/call/messages.h"
 
 namespace qvsoilinteractionmtl {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <exception>
 
-#include "common/entry_frame.h"
+#include "common/call/entry_frame.h"
 #include "soilinteraction_mtl/evaluation_mtl.h"
 #include "soilinteraction_mtl/set_up_mtl.h"
 

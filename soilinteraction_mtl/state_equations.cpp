@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "common/entry_frame.h"
-#include "common/requests.h"
+#include "common/call/entry_frame.h"
+#include "common/call/requests.h"
 #include "soilinteraction_mtl/containers.h"
 #include "soilinteraction_mtl/soilinteraction_mtl.h"
 

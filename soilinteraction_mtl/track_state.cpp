@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "common/requests.h"
+#include "common/call/requests.h"
 #include "soilinteraction_mtl/belt_geometry.h"
 
 namespace qvsoilinteractionmtl {

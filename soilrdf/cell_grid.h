@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/large_vector.h"
+#include "common/files/large_vector.h"
 
 namespace qvsoilrdf {
 

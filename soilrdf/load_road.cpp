@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "common/data_file.h"
+#include "common/files/data_file.h"
 #include "qvbrisk/services.h"
 #include "soilrdf/rdf_reader.h"
 

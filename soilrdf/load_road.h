@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/parameters.h"
+#include "common/call/parameters.h"
 #include "soilrdf/road.h"
 
 namespace qvsoilrdf {

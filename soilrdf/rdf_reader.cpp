@@ -6,11 +6,11 @@
 #include <cstring>
 #include <exception>
 
-#include "common/data_file.h"
-#include "common/messages.h"
-#include "common/number_scanner.h"
-#include "common/parameters.h"
-#include "common/text.h"
+#include "common/call/messages.h"
+#include "common/call/parameters.h"
+#include "common/files/data_file.h"
+#include "common/files/number_scanner.h"
+#include "common/files/text.h"
 #include "qvbrisk/constants.h"
 #include "soilrdf/rdf_units.h"
 #include "soilrdf/road_derivation.h"

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "common/kernels.h"
-#include "common/messages.h"
-#include "common/parameters.h"
+#include "common/call/messages.h"
+#include "common/call/parameters.h"
+#include "common/kernels/kernels.h"
 
 namespace qvsoilrdf {
 namespace {

@@ -10,10 +10,10 @@
 #include <filesystem>
 #include <memory>
 
-#include "solver/engine.h"
-#include "solver/recorder.h"
-#include "solver/report_page.h"
-#include "solver/water_surface.h"
+#include "solver/engine/engine.h"
+#include "solver/results/recorder.h"
+#include "solver/results/report_page.h"
+#include "solver/results/water_surface.h"
 
 namespace qvslv {
 
@@ -53,7 +53,10 @@ private:
 class Run {
 public:
   Run(const Model& model, const RunOptions& options) : m_model(model), m_options(options), m_began(Clock::now()) {
-    m_record.options = &options;
+    m_record.out_folder = options.out_folder;
+    m_record.plugin_path = options.plugin_path;
+    m_record.command = options.command;
+    m_record.overrides = options.overrides;
     m_record.running = true;
     m_record.started = now_utc();
   }

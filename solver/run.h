@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "solver/model.h"
+#include "solver/model/model.h"
+#include "solver/model/outcome.h"
 
 namespace qvslv {
 
@@ -24,23 +25,6 @@ struct RunOptions {
   std::function<void(const Progress&)> on_progress;         ///< called after accepted steps when set
   std::function<void(const std::string&)> on_message;       ///< one line for the user (warnings, faults) when set
   const volatile std::sig_atomic_t* interrupted = nullptr;  ///< checked after every step
-};
-
-enum class RunOutcome {
-  finished,     ///< reached the end time
-  interrupted,  ///< ctrl-C; results up to then are complete files
-  stopped,      ///< a subroutine asked to stop (stop_solver)
-  failed        ///< a subroutine reported messages, the plug-in could not be loaded, the integrator gave up, ...
-};
-
-struct RunSummary {
-  RunOutcome outcome = RunOutcome::failed;
-  std::string message;  ///< empty when finished; else element name, time and the subroutine's text
-  double time = 0;      ///< reached
-  double wall_seconds = 0;
-  long steps = 0;
-  long evaluations = 0;
-  std::vector<std::string> files;  ///< written, relative to out_folder
 };
 
 /// Runs a checked model to its end. Throws nothing but std::bad_alloc: every fault is in the summary.

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/entry_frame.h"
-#include "common/kernels.h"
-#include "common/parameters.h"
-#include "common/requests.h"
+#include "common/call/entry_frame.h"
+#include "common/call/parameters.h"
+#include "common/call/requests.h"
+#include "common/kernels/kernels.h"
 #include "hydro/files.h"
 
 namespace qvthrust {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "tests/cli/afloat_model.h"
 #include "tests/cli/process.h"
+#include "tests/solver/elements/afloat_model.h"
 
 namespace {
 

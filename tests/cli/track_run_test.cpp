@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "tests/cli/process.h"
-#include "tests/cli/track_model.h"
+#include "tests/solver/elements/track_model.h"
 
 namespace {
 

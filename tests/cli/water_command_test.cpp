@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "solver/wave_file.h"
+#include "solver/data_files/wave_file.h"
 #include "tests/cli/process.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
 #include "qvbrisk/subroutines.h"
-#include "support/failing_new.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
+#include "tests/support/failing_new.h"
 
 // Memory: an evaluation and a report take none, and a set-up that gets none says so and stays harmless.
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
+#include "tests/hydro/hydro_scene.h"
 
 // Whole hulls in calm water: against polyhedra clipped at the surface, against the sphere, and what must not change.
 

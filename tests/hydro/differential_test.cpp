@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // The exported subroutines against the literal reference: random hulls, waves, currents, units, motions and call
 // sequences, reports among them. Both form the same products and sums in the same order, so results are equal bit for

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // Drag of a plate deep in the water, by hand.
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
 #include "qvbrisk/subroutines.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // Every text that parameters, files and states can provoke, letter for letter, and what follows a fault. This program
 // stands between the library and three services, to raise exceptions and to answer with lengths that cannot be.

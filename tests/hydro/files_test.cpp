@@ -5,10 +5,10 @@
 
 #include <sstream>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
 #include "qvbrisk/subroutines.h"
-#include "support/temporary_folder.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
+#include "tests/support/temporary_folder.h"
 
 // WAVE and CURRENT files: what is read, against formatted stream extraction; what is refused; where they are looked
 // for.

@@ -1,4 +1,4 @@
-#include "hydro/hulls.h"
+#include "tests/hydro/hulls.h"
 
 #include <algorithm>
 #include <map>

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "reference/linear_algebra.h"
+#include "tests/reference/linear_algebra.h"
 
 /// Hulls of triangular patches whose normals point into the water.
 namespace qvtest {

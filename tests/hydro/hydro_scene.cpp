@@ -1,4 +1,4 @@
-#include "hydro/hydro_scene.h"
+#include "tests/hydro/hydro_scene.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "qvbrisk/subroutines.h"
-#include "support/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace qvtest {
 namespace {
@@ -29,11 +29,6 @@ vec3 slots(const std::vector<double>& result, std::size_t first) {
 int fresh_element() {
   if (elements_taken > k_elements) std::abort();
   return elements_taken++;
-}
-
-std::string temporary_path(const std::string& name) {
-  static const TemporaryFolder folder;
-  return folder.path(name);
 }
 
 std::string write_file(const std::string& name, const std::string& text) {
@@ -195,14 +190,6 @@ std::string HydroScene::take_report() {
   }
   host.reports.clear();
   return said;
-}
-
-int first_difference(const std::vector<double>& a, const std::vector<double>& b) {
-  if (a.size() != b.size()) return static_cast<int>(std::min(a.size(), b.size()));
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (!same(a[i], b[i])) return static_cast<int>(i);
-  }
-  return -1;
 }
 
 }  // namespace qvtest

@@ -3,9 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "hydro/hulls.h"
-#include "reference/hydro_reference.h"
-#include "support/scripted_host.h"
+#include "tests/hydro/hulls.h"
+#include "tests/reference/hydro_reference.h"
+#include "tests/support/comparison.h"
+#include "tests/support/scripted_host.h"
+#include "tests/support/temporary_folder.h"
 
 /// A hull in the water, called through the exported subroutines with a scripted host.
 ///
@@ -22,8 +24,6 @@ constexpr double k_poison = -7.25e77;
 /// An id no scene of this process has used yet.
 int fresh_element();
 
-/// A file in a folder of this process, which goes when the process ends.
-std::string temporary_path(const std::string& name);
 std::string write_file(const std::string& name, const std::string& text);
 std::wstring wide(const std::string& text);
 
@@ -91,11 +91,6 @@ public:
 private:
   std::vector<double> result_;
 };
-
-/// Same number, or both not-a-number. Zeros of either sign are the same.
-inline bool same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
-/// Index of the first entry that differs, or -1.
-int first_difference(const std::vector<double>& a, const std::vector<double>& b);
 
 inline double length(const vec3& a) { return std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]); }
 

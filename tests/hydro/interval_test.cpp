@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "hydro/hulls.h"
 #include "hydro/wave_table.h"
-#include "reference/hydro_reference.h"
+#include "tests/hydro/hulls.h"
+#include "tests/reference/hydro_reference.h"
 
 // Searches against their definition: the first interval from the beginning (of rows: from the row kept) on.
 

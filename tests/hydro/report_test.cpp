@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
 #include "qvbrisk/subroutines.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // The report of a floating body: what is summed, when it is consumed, and the attitude and levers it gives.
 

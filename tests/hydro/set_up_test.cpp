@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
 #include "qvbrisk/subroutines.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // What a first call reads and keeps, and what the host is asked for.
 

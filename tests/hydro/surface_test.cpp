@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "hydro/hydro_scene.h"
-#include "hydro/module_state.h"
+#include "tests/hydro/hydro_scene.h"
+#include "tests/hydro/module_state.h"
 
 // The level that a patch feels: interpolation over time and place, the ends of the table, and the order of the nodes.
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "hydro/hulls.h"
+#include "tests/hydro/hulls.h"
 
 // The water column over one patch: against exact integration over the wet part of its plan, and the cases that have
 // a simple answer.

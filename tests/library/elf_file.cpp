@@ -1,4 +1,4 @@
-#include "library/elf_file.h"
+#include "tests/library/elf_file.h"
 
 #include <elf.h>
 

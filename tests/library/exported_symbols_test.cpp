@@ -3,7 +3,7 @@
 #include <set>
 #include <string>
 
-#include "library/elf_file.h"
+#include "tests/library/elf_file.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "reference/road_reference.h"
+#include "tests/reference/road_reference.h"
 
 namespace qvref {
 

@@ -1,7 +1,7 @@
 #include <fstream>
 #include <istream>
 
-#include "reference/hydro_reference.h"
+#include "tests/reference/hydro_reference.h"
 
 namespace qvref {
 namespace {

@@ -1,4 +1,4 @@
-#include "reference/hydro_reference.h"
+#include "tests/reference/hydro_reference.h"
 
 #include "qvbrisk/services.h"
 

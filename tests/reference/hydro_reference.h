@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "reference/linear_algebra.h"
+#include "tests/reference/linear_algebra.h"
 
 /// Hull forces once more, slow and literal: files by formatted stream extraction, every quantity of every corner of
 /// every patch worked out where it is needed, tables searched from their beginning, nothing kept but what is history.

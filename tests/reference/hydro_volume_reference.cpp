@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "reference/hydro_reference.h"
+#include "tests/reference/hydro_reference.h"
 
 namespace qvref {
 namespace {

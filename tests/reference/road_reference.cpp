@@ -1,4 +1,4 @@
-#include "reference/road_reference.h"
+#include "tests/reference/road_reference.h"
 
 #include <algorithm>
 

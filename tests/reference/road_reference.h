@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "reference/linear_algebra.h"
+#include "tests/reference/linear_algebra.h"
 
 /// A soil road as plain lists, derived from nodes and triangles by definitions alone.
 namespace qvref {

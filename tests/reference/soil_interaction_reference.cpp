@@ -1,4 +1,4 @@
-#include "reference/soil_interaction_reference.h"
+#include "tests/reference/soil_interaction_reference.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reference/soil_laws_reference.h"
+#include "tests/reference/soil_laws_reference.h"
 
 /// The whole 3D soil call for one element, literal: everything per point, the road copied wherever it is handed on.
 namespace qvref {

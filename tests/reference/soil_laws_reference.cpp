@@ -1,4 +1,4 @@
-#include "reference/soil_laws_reference.h"
+#include "tests/reference/soil_laws_reference.h"
 
 namespace qvref {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reference/road_reference.h"
+#include "tests/reference/road_reference.h"
 
 /// One contact point of the reference and its laws, per point, with nothing worked out in advance.
 namespace qvref {

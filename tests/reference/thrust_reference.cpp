@@ -1,4 +1,4 @@
-#include "reference/thrust_reference.h"
+#include "tests/reference/thrust_reference.h"
 
 #include "qvbrisk/services.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reference/hydro_reference.h"
+#include "tests/reference/hydro_reference.h"
 
 /// Thrust and velocity error once more, slow and literal.
 namespace qvref {

@@ -1,4 +1,4 @@
-#include "reference/track_reference.h"
+#include "tests/reference/track_reference.h"
 
 #include <algorithm>
 

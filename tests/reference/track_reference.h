@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reference/soil_laws_reference.h"
+#include "tests/reference/soil_laws_reference.h"
 
 /// A track on a soil road once more, slow and literal: every point by itself, every quantity asked of the host at every
 /// call.

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "qvbrisk/subroutines.h"
-#include "support/scripted_host.h"
+#include "tests/support/scripted_host.h"
 
 namespace {
 

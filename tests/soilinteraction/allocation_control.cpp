@@ -1,8 +1,8 @@
-#include "soilinteraction/allocation_control.h"
+#include "tests/soilinteraction/allocation_control.h"
 
 #include <new>
 
-#include "support/replaced_new.h"
+#include "tests/support/replaced_new.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "soilinteraction/library_probe.h"
+#include "tests/soilinteraction/library_probe.h"
 
 // The facet search against its definition, arc cosines and all, where the answer hangs on the last digits.
 

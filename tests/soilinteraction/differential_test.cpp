@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // The exported subroutine against the literal reference: random roads, bodies, motions and call sequences. Both form
 // the same sums in the same order, so results are equal bit for bit (zeros of either sign count as equal, and a

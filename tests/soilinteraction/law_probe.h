@@ -1,7 +1,7 @@
 #pragma once
 
-#include "soilinteraction/library_probe.h"
 #include "soilinteraction/soil_laws.h"
+#include "tests/soilinteraction/library_probe.h"
 
 /// The laws, asked point by point: the one place to follow when their signatures change.
 namespace qvtest {

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "soilinteraction/soil_scene.h"
 #include "soilrdf/rdf_reader.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 /// The library's hidden functions, asked in the terms of the tests.
 namespace qvtest {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "qvbrisk/subroutines.h"
-#include "soilinteraction/allocation_control.h"
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/allocation_control.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // Memory: an evaluation takes none, and a set-up that gets none says so and can be tried again.
 

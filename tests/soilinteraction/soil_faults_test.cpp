@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "qvbrisk/subroutines.h"
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // Every text that parameters and states can provoke, letter for letter. This program's allocator refuses requests of
 // a gigabyte and more (allocation_control), so that a model with two thousand million roads needs no such machine.

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // Forces of whole bodies and single points through the exported subroutine, against closed forms and symmetries.
 

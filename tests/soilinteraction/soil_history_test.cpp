@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // What converged steps leave behind in the points, seen through the forces.
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/law_probe.h"
+#include "tests/soilinteraction/law_probe.h"
 
 namespace qvtest {
 namespace {

@@ -1,4 +1,4 @@
-#include "soilinteraction/soil_meshes.h"
+#include "tests/soilinteraction/soil_meshes.h"
 
 #include <algorithm>
 

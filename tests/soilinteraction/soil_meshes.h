@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "reference/road_reference.h"
+#include "tests/reference/road_reference.h"
 
 /// Meshes for tests: a regular plan lattice and what can be done to it.
 namespace qvtest {

@@ -1,4 +1,4 @@
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 #include <gtest/gtest.h>
 
@@ -13,19 +13,6 @@ namespace qvtest {
 namespace {
 
 int roads_taken = 0;
-
-struct temporary_folder {
-  std::filesystem::path path;
-  temporary_folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "qvbrisk-soil-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) std::abort();
-    path = name;
-  }
-  ~temporary_folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-};
 
 std::string number(double value) {
   char text[40];
@@ -53,11 +40,6 @@ int fresh_road() {
 }
 
 bool module_is_in_use() { return roads_taken > 0; }
-
-std::string temporary_path(const std::string& name) {
-  static const temporary_folder folder;
-  return (folder.path / name).string();
-}
 
 void write_text(const std::string& path, const std::string& text) {
   std::ofstream file(path, std::ios::binary);
@@ -195,16 +177,6 @@ std::vector<double> call_sum(ScriptedHost& host, double road, int iflag) {
   EXPECT_EQ(result.back(), k_poison) << "written behind the result";
   result.pop_back();
   return result;
-}
-
-bool same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
-
-int first_difference(const std::vector<double>& a, const std::vector<double>& b) {
-  if (a.size() != b.size()) return static_cast<int>(std::min(a.size(), b.size()));
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (!same(a[i], b[i])) return static_cast<int>(i);
-  }
-  return -1;
 }
 
 }  // namespace qvtest

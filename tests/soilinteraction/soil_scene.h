@@ -3,9 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "reference/soil_interaction_reference.h"
-#include "soilinteraction/soil_meshes.h"
-#include "support/scripted_host.h"
+#include "tests/reference/soil_interaction_reference.h"
+#include "tests/soilinteraction/soil_meshes.h"
+#include "tests/support/comparison.h"
+#include "tests/support/scripted_host.h"
+#include "tests/support/temporary_folder.h"
 
 /// A body on a soil road, called through the exported subroutines with a scripted host.
 ///
@@ -22,8 +24,6 @@ int fresh_road();
 /// Whether a scene of this process has taken a road, and so may have sized the module's tables.
 bool module_is_in_use();
 
-/// A file in a folder of this process, which goes when the process ends.
-std::string temporary_path(const std::string& name);
 void write_text(const std::string& path, const std::string& text);
 
 /// The text of an RDF file; numbers read back as the same doubles.
@@ -84,10 +84,5 @@ private:
 
 /// The running sums of a road.
 std::vector<double> call_sum(ScriptedHost& host, double road, int iflag);
-
-/// Same number, or both not-a-number. Zeros of either sign are the same.
-bool same(double a, double b);
-/// Index of the first entry that differs, or -1.
-int first_difference(const std::vector<double>& a, const std::vector<double>& b);
 
 }  // namespace qvtest

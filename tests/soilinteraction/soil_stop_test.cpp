@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // A road whose reading a standard exception broke off, and a host that lies about a string's length. This program is
 // linked so that the library's calls of stop_solver and get_string_s come here first (--wrap), which is how the three

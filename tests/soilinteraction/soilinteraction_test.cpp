@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "qvbrisk/subroutines.h"
-#include "soilinteraction/soil_scene.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 // The protocol of the exported subroutines: set-up, roads that are shared, results that are cleared, sums, files that
 // cannot be read.

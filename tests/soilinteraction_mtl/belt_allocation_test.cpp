@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "qvbrisk/subroutines.h"
-#include "soilinteraction/allocation_control.h"
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction/allocation_control.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // Memory: an evaluation takes none, and a set-up that gets none says so and can be tried again.
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "soilinteraction_mtl/belt_scene.h"
 #include "soilinteraction_mtl/containers.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // The protocol of the force subroutine and the layout of its results: set-up, requests, blocks of points, shared rows,
 // and the length that all spans are evaluated with.

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // The exported subroutines against the literal reference: random roads, chains of nodes, motions and call sequences.
 // Both form the same sums in the same order, so results are equal bit for bit (zeros of either sign count as equal, and

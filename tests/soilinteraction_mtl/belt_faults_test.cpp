@@ -4,9 +4,9 @@
 #include <limits>
 #include <utility>
 
-#include "soilinteraction/allocation_control.h"
-#include "soilinteraction_mtl/belt_scene.h"
 #include "soilinteraction_mtl/containers.h"
+#include "tests/soilinteraction/allocation_control.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // Every text that parameters, states and files can provoke, letter for letter. This program's allocator refuses
 // requests of a gigabyte and more (allocation_control), so that a model with two thousand million roads needs no such

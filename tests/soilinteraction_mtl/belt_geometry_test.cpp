@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "reference/linear_algebra.h"
-#include "soilinteraction/soil_meshes.h"
+#include "tests/reference/linear_algebra.h"
+#include "tests/soilinteraction/soil_meshes.h"
 
 // The belt over its circles, by what makes a line a tangent and a point a crossing, and the grid on a span.
 

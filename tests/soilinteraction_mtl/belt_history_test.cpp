@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction_mtl/belt_scene.h"
 #include "soilinteraction_mtl/containers.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // What accepted steps leave behind in the belt's points, seen through the forces and in the records.
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction/law_probe.h"
 #include "soilinteraction_mtl/recorded_fault.h"
 #include "soilinteraction_mtl/soil_force_mtl.h"
+#include "tests/soilinteraction/law_probe.h"
 
 // The laws of one belt point against their formulas written out here, the split to the nodes, the records.
 

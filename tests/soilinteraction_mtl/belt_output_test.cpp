@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "qvbrisk/subroutines.h"
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // What the three outputs hand on, the node sums behind them, and the two state equations.
 

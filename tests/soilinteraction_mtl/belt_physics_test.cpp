@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // A track against closed forms, symmetry and frames.
 

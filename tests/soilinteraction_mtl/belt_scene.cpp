@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 #include <gtest/gtest.h>
 

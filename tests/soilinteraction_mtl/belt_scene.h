@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reference/track_reference.h"
-#include "soilinteraction/soil_scene.h"
+#include "tests/reference/track_reference.h"
+#include "tests/soilinteraction/soil_scene.h"
 
 /// A track on a soil road, called through the exported subroutines with a scripted host.
 ///

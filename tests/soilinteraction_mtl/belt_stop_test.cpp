@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "soilinteraction_mtl/belt_scene.h"
+#include "tests/soilinteraction_mtl/belt_scene.h"
 
 // A road whose reading a standard exception broke off, and a host that lies about a string's length. This program is
 // linked so that the library's calls of stop_solver and get_string_s come here first (--wrap), which is how the three

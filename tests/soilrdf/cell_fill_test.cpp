@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-#include "soilrdf/meshes.h"
+#include "tests/soilrdf/meshes.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "soilinteraction/contact_search.h"
 #include "soilrdf/cell_fill.h"
-#include "soilrdf/meshes.h"
+#include "tests/soilrdf/meshes.h"
 
 namespace {
 

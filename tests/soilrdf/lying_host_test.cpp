@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "common/data_file.h"
+#include "common/files/data_file.h"
 #include "qvbrisk/services.h"
 #include "soilrdf/rdf_reader.h"
-#include "support/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 // The ten services of a host that fills its text buffers to the brim or claims lengths it did not write.
 namespace {

@@ -1,4 +1,4 @@
-#include "soilrdf/meshes.h"
+#include "tests/soilrdf/meshes.h"
 
 #include <algorithm>
 #include <cmath>

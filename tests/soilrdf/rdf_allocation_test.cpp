@@ -3,10 +3,10 @@
 #include <string>
 
 #include "soilrdf/rdf_reader.h"
-#include "soilrdf/read_text.h"
-#include "support/failing_new.h"
-#include "support/scripted_host.h"
-#include "support/temporary_folder.h"
+#include "tests/soilrdf/read_text.h"
+#include "tests/support/failing_new.h"
+#include "tests/support/scripted_host.h"
+#include "tests/support/temporary_folder.h"
 
 // Memory that runs out, at every single allocation of the reader.
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "soilrdf/read_text.h"
+#include "tests/soilrdf/read_text.h"
 
 // Node and element blocks.
 namespace {

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "soilrdf/read_text.h"
+#include "tests/soilrdf/read_text.h"
 
 // Files as users write them, in tests/data: good ones are read, broken ones are refused with the text beside them.
 namespace {

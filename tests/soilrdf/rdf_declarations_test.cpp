@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "soilrdf/read_text.h"
+#include "tests/soilrdf/read_text.h"
 
 // Quoted lines: file type, units and method.
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "soilrdf/rdf_reader.h"
-#include "soilrdf/read_text.h"
-#include "support/scripted_host.h"
-#include "support/temporary_folder.h"
+#include "tests/soilrdf/read_text.h"
+#include "tests/support/scripted_host.h"
+#include "tests/support/temporary_folder.h"
 
 // What the reader refuses because going on would have no meaning, and how it refuses.
 namespace {

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "soilrdf/read_text.h"
-#include "support/temporary_folder.h"
+#include "tests/soilrdf/read_text.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

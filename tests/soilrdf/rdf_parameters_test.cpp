@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "soilrdf/read_text.h"
+#include "tests/soilrdf/read_text.h"
 
 // Unquoted lines: versions, soil type, models and soil parameters.
 namespace {

@@ -1,8 +1,8 @@
-#include "soilrdf/read_text.h"
+#include "tests/soilrdf/read_text.h"
 
 #include "soilrdf/rdf_reader.h"
-#include "support/scripted_host.h"
-#include "support/temporary_folder.h"
+#include "tests/support/scripted_host.h"
+#include "tests/support/temporary_folder.h"
 
 namespace qvtest {
 

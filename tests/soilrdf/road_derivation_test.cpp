@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "soilrdf/meshes.h"
+#include "tests/soilrdf/meshes.h"
 
 namespace {
 

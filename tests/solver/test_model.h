@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "solver/model.h"
-#include "solver/recording.h"
+#include "solver/model/model.h"
+#include "solver/results/recording.h"
 #include "solver/run.h"
 
 /// Models made in place, and runs of them read back from their files.
@@ -13,16 +13,17 @@
 constexpr int k_ground_id = 1000;  // of the ground marker
 constexpr double k_pi = 3.141592653589793;
 
+using qvslv::cross;
+using qvslv::dot;
+using qvslv::length;
 using qvslv::Rotation;
 using qvslv::Vec3;
 
-/// Small vector algebra of the tests' own, so that nothing is compared with the engine's.
+/// Small vector algebra, none of it the engine's.
 Vec3 operator+(const Vec3& a, const Vec3& b);
 Vec3 operator-(const Vec3& a, const Vec3& b);
 Vec3 operator*(double s, const Vec3& a);
-Vec3 cross(const Vec3& a, const Vec3& b);
-double dot(const Vec3& a, const Vec3& b);
-double norm(const Vec3& a);
+inline double norm(const Vec3& a) { return length(a); }
 Rotation turn(int axis, double angle);  ///< 0 x, 1 y, 2 z
 Rotation product(const Rotation& a, const Rotation& b);
 Rotation transposed(const Rotation& a);

@@ -1,9 +1,9 @@
-#include "support/failing_new.h"
+#include "tests/support/failing_new.h"
 
 #include <climits>
 #include <new>
 
-#include "support/replaced_new.h"
+#include "tests/support/replaced_new.h"
 
 namespace {
 

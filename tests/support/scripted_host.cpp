@@ -1,4 +1,4 @@
-#include "support/scripted_host.h"
+#include "tests/support/scripted_host.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "solver/service_host.h"
+#include "solver/engine/service_host.h"
 
 namespace qvtest {
 

@@ -39,4 +39,10 @@ private:
   std::filesystem::path folder_;
 };
 
+/// A file in a folder of this process, which goes when the process ends.
+inline std::string temporary_path(const std::string& name) {
+  static const TemporaryFolder folder;
+  return folder.path(name);
+}
+
 }  // namespace qvtest

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "reference/thrust_reference.h"
+#include "tests/reference/thrust_reference.h"
+#include "tests/thrust/thrust_scene.h"
 #include "thrust/thrust_force.h"
-#include "thrust/thrust_scene.h"
 
 // Thrust against the literal reference, bit for bit: random waves, modes, gains, motions and call sequences.
 

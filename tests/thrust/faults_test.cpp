@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "qvbrisk/subroutines.h"
-#include "support/failing_new.h"
+#include "tests/support/failing_new.h"
+#include "tests/thrust/thrust_scene.h"
 #include "thrust/thrust_force.h"
-#include "thrust/thrust_scene.h"
 
 // Every text of the thrust, letter for letter, what follows a fault, and memory.
 

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/thrust/thrust_scene.h"
 #include "thrust/thrust_force.h"
-#include "thrust/thrust_scene.h"
 
 // Thrust: its modes, the limit spline, the water, and what it keeps and asks for.
 

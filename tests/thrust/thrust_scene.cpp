@@ -1,4 +1,4 @@
-#include "thrust/thrust_scene.h"
+#include "tests/thrust/thrust_scene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hydro/hydro_scene.h"
+#include "tests/hydro/hydro_scene.h"
 
 /// A thruster with a scripted host. As for hulls (hydro_scene.h), every scene asks for the same number of elements and
 /// takes an id that no other has.

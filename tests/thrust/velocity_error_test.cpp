@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "thrust/thrust_scene.h"
+#include "tests/thrust/thrust_scene.h"
 
 // The difference between a vehicle's forward velocity and the commanded one.
 

@@ -1,0 +1,110 @@
+#include "common/files/data_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+
+#include "common/files/text.h"
+#include "qvbrisk/services.h"
+
+namespace qv {
+namespace {
+
+/// Size of a seekable file, 0 for anything else (a pipe, a folder).
+std::size_t size_hint(std::FILE* file) {
+  if (std::fseek(file, 0, SEEK_END) != 0) return 0;
+  const long size = std::ftell(file);
+  std::rewind(file);
+  constexpr long k_beyond_any_file = 1L << 40;  // what a folder answers
+  return size > 0 && size < k_beyond_any_file ? static_cast<std::size_t>(size) : 0;
+}
+
+bool within(int length) { return length >= 0 && length <= QV_TEXT_CAPACITY; }
+
+std::wstring text_of(const wchar_t (&buffer)[QV_TEXT_CAPACITY]) {
+  const wchar_t* end = std::wmemchr(buffer, L'\0', QV_TEXT_CAPACITY);
+  return {buffer, end != nullptr ? end : buffer + QV_TEXT_CAPACITY};
+}
+
+}  // namespace
+
+bool data_file::open(const std::string& name) {
+  file_.reset(std::fopen(name.c_str(), "r"));
+  if (!file_) return false;
+  std::setvbuf(file_.get(), nullptr, _IONBF, 0);  // straight into the reader's own buffer
+  bytes_left_ = size_hint(file_.get());
+  return true;
+}
+
+std::size_t data_file::read(char* buffer, std::size_t size) {
+  const std::size_t got = std::fread(buffer, 1, size, file_.get());
+  bytes_left_ -= std::min(got, bytes_left_);
+  return got;
+}
+
+bool fetch_model_path(void* handle, std::wstring& path, int& length) {
+  wchar_t buffer[QV_TEXT_CAPACITY] = {};
+  int flag = 0;
+  length = 0;
+  GET_QVSPATH_S(handle, &length, buffer, &flag);
+  if (!within(length)) return false;
+  path = text_of(buffer);
+  return true;
+}
+
+std::wstring beside_model(const std::wstring& model_path, const std::wstring& name) {
+  const std::size_t folder = model_path.rfind(L'/') + 1;  // 0 without any "/"
+  // Kept: no second attempt for a path that is empty or ends in "/".
+  return folder == 0 || folder >= model_path.size() ? std::wstring() : model_path.substr(0, folder) + name;
+}
+
+file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length) {
+  if (file.open(wcs_to_mbs(name))) return file_outcome::opened;
+  std::wstring model_path;
+  if (!fetch_model_path(handle, model_path, path_length)) return file_outcome::path_too_long;
+  const std::wstring second = beside_model(model_path, name);
+  return !second.empty() && file.open(wcs_to_mbs(second)) ? file_outcome::opened : file_outcome::not_found;
+}
+
+bool line_source::next(text_line& line) {
+  const char* searched = at_;  // no line end before
+  for (;;) {
+    const auto* stop = static_cast<const char*>(
+        searched == end_ ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(end_ - searched)));
+    if (stop != nullptr) {
+      line = {at_, stop, ++number_};
+      at_ = stop + 1;
+      return true;
+    }
+    const std::ptrdiff_t without_end = end_ - at_;
+    if (!refill()) break;
+    searched = at_ + without_end;
+  }
+  if (at_ == end_) return false;
+  line = {at_, end_, ++number_};
+  at_ = end_;
+  return true;
+}
+
+bool file_window::refill() {
+  constexpr std::size_t k_chunk = 1 << 18;
+  const auto kept = static_cast<std::size_t>(end_ - at_);
+  if (kept > 0) std::memmove(buffer_.data(), at_, kept);
+  if (buffer_.size() < kept + k_chunk) buffer_.resize(std::max(2 * buffer_.size(), kept + k_chunk));
+  const std::size_t got = file_.read(buffer_.data() + kept, buffer_.size() - kept);
+  at_ = buffer_.data();
+  end_ = at_ + kept + got;
+  return got > 0;
+}
+
+bool fetch_string(void* handle, int id, std::wstring& text, int& length) {
+  wchar_t buffer[QV_TEXT_CAPACITY] = {};
+  int flag = 0;
+  length = 0;
+  get_string_s(handle, id, &length, buffer, &flag);
+  if (!within(length)) return false;
+  text = text_of(buffer);
+  return true;
+}
+
+}  // namespace qv

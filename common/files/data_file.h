@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "common/files/large_vector.h"
+
+/// Data files named by a string entity of the model.
+namespace qv {
+
+/// A file that is read once, from its beginning to its end.
+class data_file {
+public:
+  /// False when the file cannot be opened.
+  bool open(const std::string& name);
+  /// Fills `buffer` as far as the file goes; 0 at its end, and for what opens but cannot be read (a folder).
+  std::size_t read(char* buffer, std::size_t size);
+  /// Bytes that are still to come; 0 also where that cannot be known (a pipe).
+  std::size_t bytes_left() const { return bytes_left_; }
+
+private:
+  struct closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, closer> file_;
+  std::size_t bytes_left_ = 0;
+};
+
+/// Path of the model file (GET_QVSPATH_S). A length beyond the buffer gives none: false.
+bool fetch_model_path(void* handle, std::wstring& path, int& length);
+
+/// `name` in the folder of the model file. Empty, so no second attempt, for a path without "/" or ending in it.
+std::wstring beside_model(const std::wstring& model_path, const std::wstring& name);
+
+/// Opens the file by the name given or, failing that, by that name in the model file's folder (GET_QVSPATH_S).
+/// Throws the integer 1 when a name has no narrow form. `path_length` is what the host says of its path's length.
+enum class file_outcome { opened, not_found, path_too_long };
+file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length);
+
+/// The part of a file that is being read, in a buffer that stays in the cache.
+class file_window {
+public:
+  explicit file_window(data_file& file) : file_(file) {}
+
+  /// Bytes behind what was taken last, as far as known.
+  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
+
+protected:
+  /// Moves what is left to the front and reads on behind it; false at the end of the file.
+  bool refill();
+
+  const char* at_ = nullptr;  ///< not taken yet, up to `end_`
+  const char* end_ = nullptr;
+
+private:
+  data_file& file_;
+  large_vector<char> buffer_;
+};
+
+/// One line of a file, without its end.
+struct text_line {
+  const char* begin;
+  const char* end;
+  long number;  ///< from 1
+};
+
+/// The lines of a file, one after the other. The last line may lack its end.
+class line_source : public file_window {
+public:
+  using file_window::file_window;
+
+  /// The next line, valid until the next call; false at the end.
+  bool next(text_line& line);
+
+private:
+  long number_ = 0;
+};
+
+/// The text of a string entity of the model (get_string_s). A length beyond the buffer gives no text: false.
+bool fetch_string(void* handle, int id, std::wstring& text, int& length);
+
+}  // namespace qv

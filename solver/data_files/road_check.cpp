@@ -1,0 +1,304 @@
+#include "solver/data_files/road_check.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
+
+#include "solver/model/nearest_name.h"
+#include "solver/model/number_text.h"
+#include "solver/model/units.h"
+
+namespace qvslv {
+
+namespace {
+
+constexpr size_t k_line_limit = 640;  // of the main part; a longer line is refused
+
+// In the order in which the reader looks for them; the first one found anywhere in a line decides.
+const std::vector<std::string> k_quoted_keys = {"FILE_TYPE", "LENGTH", "FORCE", "ANGLE", "MASS", "TIME", "METHOD"};
+const std::vector<std::string> k_plain_keys = {
+    "FILE_VERSION",   "VERSION",          "SOIL_TYPE",         "COEFFICIENT_DS",   "CRITICAL_PRESSUR", "EXPONENT_PR",
+    "EXPONENT_SD",    "NORMAL_PRESSURE",  "COHESIVE_COEFF",    "FRICTIONAL_COEFF", "SINKAGE_EXPONENT", "WIDTH",
+    "DAMP_RATIO",     "BOUNDARY_SINKAGE", "SHEAR_PRESSURE",    "COHESION",         "SENSITIVITY",      "MAX_SHEAR_DISP",
+    "FRICTION_ANGLE", "NUMBER_OF_NODES",  "NUMBER_OF_ELEMENTS"};
+
+std::string key_in(const std::string& line, const std::vector<std::string>& keys) {
+  for (const std::string& key : keys)
+    if (line.find(key) != std::string::npos) return key;
+  return "";
+}
+
+std::string trimmed(const std::string& text) {
+  const size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+/// What stands between the first and the second equals sign.
+std::string value_field(const std::string& line) {
+  const size_t first = line.find('=');
+  const size_t second = line.find('=', first + 1);
+  return line.substr(first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
+}
+
+class RoadInspector {
+public:
+  RoadInspector(const std::string& text, const std::string& path, const Units* units) : units_(units) {
+    check_.path = path;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines_.push_back(std::move(line));
+    if (!text.empty() && text.find("\r\n") != std::string::npos)
+      note(false, 1,
+           "the lines end with CR LF (Windows); the CR becomes part of every unquoted text, so that "
+           "NORMAL_PRESSURE=BEKKER and SHEAR_PRESSURE=WONG are refused and SOIL_TYPE=CONCRETE is not known; "
+           "convert the file (dos2unix)");
+  }
+
+  RoadCheck inspect() {
+    while (next_ < lines_.size() && !ended_) main_line();
+    check_whole();
+    return std::move(check_);
+  }
+
+private:
+  void note(bool refused, size_t line_number, const std::string& text) {
+    check_.found.push_back({refused, static_cast<int>(line_number), text});
+  }
+
+  void main_line() {
+    const std::string& line = lines_[next_++];
+    if (line.size() >= k_line_limit) {
+      note(true, next_,
+           "the line has " + std::to_string(line.size()) +
+               " characters; lines outside the node and element blocks must be shorter than 640");
+      ended_ = true;
+      return;
+    }
+    const size_t equals = line.find('=');
+    if (equals == std::string::npos || equals + 1 >= line.size()) return;
+    if (line.find('\'') != std::string::npos) {
+      quoted_line(line);
+    } else {
+      plain_line(line);
+    }
+  }
+
+  void quoted_line(const std::string& line) {
+    const std::string key = key_in(line, k_quoted_keys);
+    const std::string field = value_field(line);
+    const size_t first = field.find('\''), second = field.find('\'', first + 1);
+    if (key.empty()) {
+      const std::string plain = key_in(line, k_plain_keys);
+      if (!plain.empty())
+        note(false, next_, plain + " in quotes has no effect: write " + plain + "=value without quotes");
+      return;
+    }
+    if (first == std::string::npos) {
+      note(true, next_, key + ": the value needs a quote on both sides");
+      return;
+    }
+    if (second == std::string::npos) note(false, next_, key + ": the closing quote is missing");
+    quoted_value(key, upper_case(field.substr(first + 1, second == std::string::npos ? second : second - first - 1)));
+  }
+
+  void quoted_value(const std::string& key, const std::string& value) {
+    if (key == "FILE_TYPE" || key == "METHOD") {
+      const std::string only = key == "METHOD" ? "3D_SOIL" : "RDF";
+      if (value != only) note(true, next_, key + " '" + value + "' is not supported: only '" + only + "' is");
+      return;
+    }
+    const UnitQuantity quantity = key == "LENGTH"  ? UnitQuantity::length
+                                  : key == "FORCE" ? UnitQuantity::force
+                                  : key == "MASS"  ? UnitQuantity::mass
+                                  : key == "TIME"  ? UnitQuantity::time
+                                                   : UnitQuantity::angle;
+    const UnitName* unit = find_unit(quantity, value);
+    if (unit == nullptr) {
+      note(true, next_, key + " '" + value + "' is no unit known here; " + name_hint(value, all_unit_names(quantity)));
+    } else if (units_ != nullptr && quantity != UnitQuantity::angle && unit->factor != model_factor(quantity)) {
+      note(false, next_,
+           key + " '" + value +
+               "' is not the model's unit; road values are used as they stand, nothing "
+               "is converted");
+    }
+  }
+
+  double model_factor(UnitQuantity quantity) const {
+    return quantity == UnitQuantity::length  ? units_->length_factor
+           : quantity == UnitQuantity::force ? units_->force_factor
+           : quantity == UnitQuantity::mass  ? units_->mass_factor
+                                             : units_->time_factor;
+  }
+
+  void plain_line(const std::string& line) {
+    const std::string key = key_in(line, k_plain_keys), value = value_field(line);
+    if (key.empty()) {
+      const std::string quoted = key_in(line, k_quoted_keys);
+      if (!quoted.empty()) note(false, next_, quoted + " without quotes has no effect: write " + quoted + " = 'value'");
+      return;
+    }
+    if (key == "SOIL_TYPE") {
+      check_.soil_type = value;
+      if (value != "CONCRETE" && trimmed(value) == "CONCRETE")
+        note(false, next_,
+             "the value is '" + trimmed(value) +
+                 "' with blanks (or a CR) around it, which is not CONCRETE; "
+                 "write SOIL_TYPE=CONCRETE");
+    } else if (key == "NORMAL_PRESSURE" || key == "SHEAR_PRESSURE") {
+      const std::string only = key == "NORMAL_PRESSURE" ? "BEKKER" : "WONG";
+      if (value != only)
+        note(true, next_,
+             key + ": the value is '" + value + "', only '" + only + "' is supported; write " + key + "=" + only +
+                 " without blanks");
+    } else if (key == "NUMBER_OF_NODES") {
+      block(key, std::atof(value.c_str()), [this](const std::vector<double>& v) { node(v); });
+    } else if (key == "NUMBER_OF_ELEMENTS") {
+      block(key, std::atof(value.c_str()), [this](const std::vector<double>& v) { element(v); });
+    } else {
+      check_.values.emplace_back(key, std::atof(value.c_str()));
+    }
+  }
+
+  /// The leading numbers of a line: digits, not the words and hexadecimal forms that strtod knows besides.
+  static std::vector<double> numbers_in(const std::string& line) {
+    std::vector<double> numbers;
+    const char* at = line.c_str();
+    for (char* end = nullptr;; at = end) {
+      at += std::strspn(at, " \t\v\f\r");
+      const char* digit = at + (*at == '-' || *at == '+' ? 1 : 0);
+      if ((std::isdigit(static_cast<unsigned char>(*digit)) == 0 && *digit != '.') ||
+          (*digit == '0' && (digit[1] == 'x' || digit[1] == 'X')))
+        return numbers;
+      const double value = std::strtod(at, &end);
+      if (end == at) return numbers;
+      numbers.push_back(value);
+    }
+  }
+
+  template <class Take>
+  void block(const std::string& key, double declared, Take take) {
+    const long count = static_cast<long>(std::fmin(std::fmax(declared, 0.0), 1e9));
+    const size_t head = next_;
+    long taken = 0;
+    for (; next_ < lines_.size(); ++next_) {
+      const std::string& line = lines_[next_];
+      if (!line.empty() && line[0] == '{') continue;
+      if (taken == count) break;
+      const std::vector<double> numbers = numbers_in(line);
+      if (numbers.size() < 4) {
+        note(true, next_ + 1,
+             key + " says " + std::to_string(count) + ", but only " + std::to_string(taken) +
+                 " lines of four numbers follow (the reader takes this line for the next one)");
+        return;
+      }
+      take(numbers);
+      ++taken;
+    }
+    if (taken < count) {
+      note(false, head,
+           key + " says " + std::to_string(count) + ", but the file ends after " + std::to_string(taken) +
+               "; the road is made of what is there");
+    } else if (next_ < lines_.size()) {
+      swallowed_line(key, count);
+      ++next_;
+    }
+  }
+
+  /// The first line after a block is read and thrown away.
+  void swallowed_line(const std::string& key, long count) {
+    const std::string& line = lines_[next_];
+    const bool keyword = line.find('=') != std::string::npos &&
+                         (!key_in(line, k_plain_keys).empty() || !key_in(line, k_quoted_keys).empty());
+    if (keyword) {
+      note(false, next_ + 1,
+           "the line directly after a block is thrown away, and this one holds a keyword: put an empty "
+           "line before it");
+    } else if (numbers_in(line).size() >= 4) {
+      size_t more = next_;
+      while (more < lines_.size() && numbers_in(lines_[more]).size() >= 4) ++more;
+      note(false, next_ + 1,
+           key + " says " + std::to_string(count) + ", but " + std::to_string(more - next_) +
+               " more such lines follow; they are not read");
+    }
+  }
+
+  void node(const std::vector<double>& v) {
+    const bool first = check_.nodes++ == 0;
+    const auto widen = [&](double value, double& low, double& high) {
+      low = first ? value : std::min(low, value);
+      high = first ? value : std::max(high, value);
+    };
+    widen(v[1], check_.x_min, check_.x_max);
+    widen(v[2], check_.y_min, check_.y_max);
+    widen(v[3], check_.z_min, check_.z_max);
+  }
+
+  void element(const std::vector<double>& v) {
+    ++check_.elements;
+    for (size_t i = 0; i < 3; ++i) {
+      if (v[i] >= 1 && v[i] < static_cast<double>(check_.nodes) + 1.0) continue;
+      if (!told_node_)
+        note(true, next_ + 1,
+             "the element names node " + number_text(v[i]) + ", nodes are numbered 1 to " +
+                 std::to_string(check_.nodes));
+      told_node_ = true;
+    }
+  }
+
+  double soil_value(const std::string& key) const {
+    double found = 0;
+    for (const auto& [name, value] : check_.values)
+      if (name == key) found = value;
+    return found;
+  }
+
+  void check_whole() {
+    if (check_.nodes == 0) note(true, 0, "the file holds no nodes (no NUMBER_OF_NODES line was read)");
+    if (check_.nodes > 0 && check_.elements == 0)
+      note(true, 0, "the file holds no elements (no NUMBER_OF_ELEMENTS line was read)");
+    if (check_.soil_type == "CONCRETE") return;
+    for (const char* key : {"SENSITIVITY", "MAX_SHEAR_DISP"})
+      if (soil_value(key) == 0) note(false, 0, std::string(key) + " is missing or 0: the soil carries no shear");
+    if (soil_value("COHESIVE_COEFF") == 0 && soil_value("FRICTIONAL_COEFF") == 0)
+      note(false, 0, "COHESIVE_COEFF and FRICTIONAL_COEFF are missing or 0: the soil carries no load");
+  }
+
+  const Units* units_;
+  std::vector<std::string> lines_;
+  size_t next_ = 0;  // line to be read next, from 0; so also the number of the last one read, from 1
+  bool ended_ = false, told_node_ = false;
+  RoadCheck check_;
+};
+
+}  // namespace
+
+bool RoadCheck::refused() const {
+  return std::any_of(found.begin(), found.end(), [](const Finding& finding) { return finding.refused; });
+}
+
+std::vector<std::string> RoadCheck::findings() const {
+  std::vector<std::string> lines;
+  for (const Finding& finding : found)
+    lines.push_back(path + (finding.line > 0 ? ":" + std::to_string(finding.line) : "") + ": " + finding.text);
+  return lines;
+}
+
+RoadCheck check_road_text(const std::string& text, const std::string& path, const Units* units) {
+  return RoadInspector(text, path, units).inspect();
+}
+
+RoadCheck check_road_file(const std::string& path, const Units* units) {
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) throw std::runtime_error(path + " cannot be read");
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return check_road_text(text.str(), path, units);
+}
+
+}  // namespace qvslv

@@ -1,0 +1,120 @@
+#include "solver/data_files/wave_file.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "solver/data_files/table_tokens.h"
+#include "solver/data_files/wave_reading.h"
+
+namespace qvslv {
+
+namespace {
+
+/// Where a value lies on an axis: entry `index` counts 1 - share, the next one `share`. Held beyond the ends.
+struct AxisPlace {
+  size_t index = 0;
+  double share = 0;
+};
+
+AxisPlace place_on(const std::vector<double>& axis, double value) {
+  if (!(value > axis.front())) return {0, 0};
+  if (value >= axis.back()) return {axis.size() - 1, 0};
+  const auto above = std::upper_bound(axis.begin(), axis.end(), value);
+  if (above == axis.begin() || above == axis.end()) return {0, 0};  // only where the axis does not increase
+  const size_t index = static_cast<size_t>(above - axis.begin()) - 1;
+  return {index, (value - axis[index]) / (axis[index + 1] - axis[index])};
+}
+
+double along(const std::vector<double>& row, const AxisPlace& at) {
+  return at.share == 0 ? row[at.index] : row[at.index] * (1 - at.share) + row[at.index + 1] * at.share;
+}
+
+void append(std::string& text, double value, int digits) {
+  char buffer[40];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
+  text.append(buffer, end.ptr);
+}
+
+constexpr int k_axis_digits = 12, k_value_digits = 9;
+
+}  // namespace
+
+double WaveFile::blended(const std::vector<std::vector<double>>& table, double t, double position) const {
+  if (table.empty() || x.empty()) return 0;
+  const AxisPlace row = place_on(time, t), column = place_on(x, position);
+  const double value = along(table[row.index], column);
+  return row.share == 0 ? value : value * (1 - row.share) + along(table[row.index + 1], column) * row.share;
+}
+
+double WaveFile::elevation_at(double t, double position) const { return blended(elevation, t, position); }
+
+double WaveFile::velocity_at(double t, double position) const { return blended(velocity, t, position); }
+
+WaveHeader read_wave_header(TableTokens& tokens) {
+  WaveHeader header;
+  tokens.integer(header.rows);
+  tokens.separator();
+  tokens.integer(header.columns);
+  return header;
+}
+
+bool cannot_hold(const WaveHeader& header, size_t bytes) {
+  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 2;  // a digit and what parts it from the next
+  const double rows = header.rows, columns = header.columns;
+  const double numbers = columns + rows * (1 + 2 * columns);
+  return 2 * (rows + 1) * (columns + 1) * static_cast<double>(sizeof(double)) > k_limit &&
+         k_least_bytes * numbers - 1 > static_cast<double>(bytes);
+}
+
+WaveFile read_wave_table(TableTokens& tokens, const WaveHeader& header) {
+  const size_t rows = static_cast<size_t>(header.rows), columns = static_cast<size_t>(header.columns);
+  WaveFile wave;
+  wave.x.assign(columns, 0.0);
+  wave.time.assign(rows, 0.0);
+  wave.elevation.assign(rows, std::vector<double>(columns, 0.0));
+  wave.velocity = wave.elevation;
+  for (size_t j = 0; j < columns; ++j) {
+    if (j > 0) tokens.separator();
+    tokens.real(wave.x[j]);
+  }
+  for (size_t i = 0; i < rows && !tokens.stopped(); ++i) {
+    tokens.real(wave.time[i]);
+    for (std::vector<double>* row : {&wave.elevation[i], &wave.velocity[i]})
+      for (double& value : *row)
+        if (tokens.separator()) tokens.real(value);
+  }
+  return wave;
+}
+
+std::optional<WaveFile> read_wave_text(const std::string& text) {
+  TableTokens tokens(text);
+  const WaveHeader header = read_wave_header(tokens);
+  if (header.rows <= 0 || header.columns <= 0 || cannot_hold(header, text.size())) return std::nullopt;
+  return read_wave_table(tokens, header);
+}
+
+std::optional<WaveFile> read_wave_file(const std::string& path) {
+  std::string text;
+  if (!read_whole_file(path, text)) return std::nullopt;
+  return read_wave_text(text);
+}
+
+std::string wave_text(const WaveFile& wave, const std::string& remark) {
+  std::string text = std::to_string(wave.time.size()) + "," + std::to_string(wave.x.size()) + "\n";
+  constexpr size_t k_bytes_per_value = 16;
+  text.reserve((wave.time.size() + 1) * (2 * wave.x.size() + 1) * k_bytes_per_value + remark.size());
+  for (size_t j = 0; j < wave.x.size(); ++j) {
+    if (j > 0) text += ',';
+    append(text, wave.x[j], k_axis_digits);
+  }
+  text += '\n';
+  for (size_t i = 0; i < wave.time.size(); ++i) {
+    append(text, wave.time[i], k_axis_digits);
+    for (const std::vector<double>* row : {&wave.elevation[i], &wave.velocity[i]})
+      for (const double value : *row) append(text += ',', value, k_value_digits);
+    text += '\n';
+  }
+  return text + remark + "\n";
+}
+
+}  // namespace qvslv

@@ -1,0 +1,122 @@
+#include <cmath>
+
+#include "solver/elements/kinds.h"
+#include "solver/model/nearest_name.h"
+#include "solver/model_file/par.h"
+
+namespace qvslv {
+
+namespace {
+
+std::vector<ResultColumn> read_columns(const TableReader& table, int result_length) {
+  std::vector<ResultColumn> columns;
+  if (!table.has("columns")) return columns;
+  for (const TableReader& column : table.tables("columns", {"index", "name", "unit"})) {
+    const double index = column.number("index");
+    if (!(index >= 0 && index < result_length) || index != std::floor(index))
+      column.fail("index", "must be a whole number from 0 to " + std::to_string(result_length - 1));
+    columns.push_back({static_cast<int>(index), column.text("name"), column.text("unit", "")});
+  }
+  return columns;
+}
+
+std::vector<std::string> known_subroutines() {
+  std::vector<std::string> names;
+  for (const SubroutineLayout& layout : subroutine_layouts()) names.emplace_back(layout.name);
+  return names;
+}
+
+/// A subroutine of the user's own library: everything about it must be in the file. An equation's is of a kind already.
+void check_foreign(const TableReader& table, const Element& element, Reading& reading) {
+  const std::vector<std::string> known = known_subroutines();
+  const bool in_equation = element.kind == ElementKind::evaluated && !table.has("kind");
+  if (!table.has("result_length") || !(table.has("kind") || in_equation))
+    table.fail("subroutine", "'" + element.subroutine + "' is not known; " + name_hint(element.subroutine, known) +
+                                 " (one of your own library needs " +
+                                 (in_equation ? "the key result_length)" : "the keys kind and result_length)"));
+  const std::string nearest = nearest_name(element.subroutine, known);
+  if (!nearest.empty())
+    reading.file.warnings.push_back(table.what() + ": the subroutine '" + element.subroutine +
+                                    "' is taken as your own; '" + nearest + "' is the known one of a similar name");
+}
+
+ElementKind kind_named(const std::string& word) {
+  if (word == "force") return ElementKind::force;
+  return word == "evaluated" ? ElementKind::evaluated : ElementKind::report;
+}
+
+/// Subroutine, parameters and results, which elements and equations have alike.
+void read_call(const TableReader& table, Element& element, Reading& reading) {
+  element.subroutine = table.text("subroutine");
+  const SubroutineLayout* layout = find_layout(element.subroutine);
+  if (layout == nullptr) check_foreign(table, element, reading);
+  read_par(table, layout, element, reading);
+  if (table.has("result_length")) element.result_length = table.count("result_length");
+  const int least = layout != nullptr ? layout->result_length(element.par) : 0;
+  if (element.result_length == 0) element.result_length = least;
+  if (element.result_length < least || element.result_length == 0)
+    table.fail(table.has("result_length") ? "result_length" : "par",
+               "these parameters make " + element.subroutine + " write " + std::to_string(least) + " results");
+}
+
+void set_defaults_of_call(Element& element, const Model& model) {
+  const SubroutineLayout* layout = find_layout(element.subroutine);
+  if (layout != nullptr) {
+    set_defaults(element, *layout, model);
+  } else if (element.columns.empty()) {
+    element.columns = default_columns(element, model);
+  }
+}
+
+}  // namespace
+
+Element read_plain_element(const TableReader& table, Reading& reading) {
+  Element element;
+  const SubroutineLayout* layout = find_layout(table.text("subroutine"));
+  element.kind = layout != nullptr ? layout->kind : ElementKind::report;
+  if (table.has("kind")) element.kind = kind_named(table.choice("kind", {"force", "evaluated", "report"}));
+  read_call(table, element, reading);
+  element.marker = reading.marker_or(table, "marker", k_none);
+  element.reaction = reading.marker_or(table, "reaction", k_none);
+  element.axes = reading.marker_or(table, "axes", k_none);
+  element.columns = read_columns(table, element.result_length);
+  set_defaults_of_call(element, reading.model());
+  if (element.kind == ElementKind::force && element.marker == k_none) table.fail("a force needs a 'marker' to act on");
+  if (element.kind == ElementKind::force && element.result_length < 6)
+    table.fail("a force needs six results (force and torque), there are " + std::to_string(element.result_length));
+  return element;
+}
+
+Element read_equation_element(const TableReader& table, Reading& reading) {
+  Element element;
+  element.kind = ElementKind::evaluated;
+  read_call(table, element, reading);
+  set_defaults_of_call(element, reading.model());
+  return element;
+}
+
+Element read_balls(const TableReader& table, Reading& reading) {
+  const std::vector<std::string> names = table.texts("bodies");
+  std::vector<double> diameters;
+  if (table.has("diameters")) diameters = table.numbers("diameters", names.size());
+  Element element;
+  element.subroutine = "qvballplacing_report";
+  element.kind = ElementKind::report;
+  element.par = {0, static_cast<double>(names.size())};
+  const Model& model = reading.model();
+  std::vector<double> shape_diameters;
+  for (const std::string& name : names) {
+    const Body& body = model.bodies[static_cast<size_t>(
+        reading.bodies.find(name, table.what() + ", bodies", table.position("bodies")))];
+    if (diameters.empty() && body.shape.kind != ShapeKind::sphere)
+      table.fail("bodies", "'" + name + "' has no sphere as its shape; give its diameter in 'diameters'");
+    element.par.push_back(body.id);
+    shape_diameters.push_back(2.0 * body.shape.radius);
+  }
+  for (const double diameter : diameters.empty() ? shape_diameters : diameters) element.par.push_back(diameter);
+  if (names.empty()) table.fail("bodies", "name at least one ball");
+  set_defaults(element, *find_layout(element.subroutine), model);
+  return element;
+}
+
+}  // namespace qvslv

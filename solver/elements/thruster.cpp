@@ -1,0 +1,147 @@
+#include "solver/elements/thruster.h"
+
+#include <filesystem>
+
+#include "solver/elements/kinds.h"
+
+namespace qvslv {
+
+namespace {
+
+/// Positions in the parameter list of qvsoil_thrustforce.
+enum ThrustPar : size_t {
+  thruster_number,
+  thruster_count,
+  thrust_marker,
+  second_marker = 4,
+  water_marker,
+  thrust_mode,
+  limit_spline,
+  command_variable,
+  feedback_equation,
+  first_derivative_gain,
+  second_derivative_gain,
+  state_gain,
+  wave_switch,
+  wave_string,
+  par_count
+};
+
+/// Numbers of the modes as the subroutine has them.
+enum ThrustMode { feedback = 0, variable_itself = 1, feedback_or_off = 2, limited = 3 };
+
+ThrustMode read_mode(const TableReader& table) {
+  const std::string word = table.choice("mode", {"variable", "feedback", "feedback_or_off", "limited"});
+  if (word == "variable") return variable_itself;
+  if (word == "feedback_or_off") return feedback_or_off;
+  return word == "limited" ? limited : feedback;
+}
+
+double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
+
+double variable_id(const TableReader& table, const std::string& key, const Reading& reading) {
+  const int index = reading.variables.find(table.text(key), table.what() + ", " + key, table.position(key));
+  return reading.file.model.variables[static_cast<size_t>(index)].id;
+}
+
+/// Keys that a mode does not look at are mistakes.
+void check_keys_of_mode(const TableReader& table, ThrustMode mode) {
+  const auto only = [&](const char* key, bool used, const char* by) {
+    if (!used && table.has(key)) table.fail(key, std::string("is used by ") + by + " only");
+  };
+  const bool feeds_back = mode != variable_itself;
+  for (const char* key : {"equation", "gains", "speed_control"}) only(key, feeds_back, "the feedback modes");
+  only("limit", mode == limited, "the mode \"limited\"");
+  if (table.has("equation") && table.has("speed_control"))
+    table.fail("speed_control", "makes an equation itself; give either it or 'equation'");
+}
+
+/// The equation whose value is the integral of the velocity error of the thrust marker along its x axis.
+double add_speed_equation(const TableReader& thruster, double marker, Reading& reading) {
+  const TableReader table = thruster.table("speed_control", {"command", "reference"});
+  Model& model = reading.model();
+  const double reference = marker_id(model, reading.marker_or(table, "reference", 0));
+  const double command = variable_id(table, "command", reading);
+  Equation equation;
+  equation.at = thruster.position("speed_control");
+  equation.right_side.at = equation.at;
+  equation.name = free_name(reading.equations, thruster.text("name") + "_error");
+  while (reading.variables.has(equation.name) || reading.elements.has(equation.name)) equation.name += "_";
+  equation.id = next_id_of(model.equations);
+  reading.equations.add_internal(equation.name, static_cast<int>(model.equations.size()));
+  reading.elements.add_internal(equation.name, k_none);
+  reading.subroutine_equations.push_back(
+      {model.equations.size(), std::nullopt, "qvsoil_error_velocity", {0, marker, reference, command}, {}});
+  model.equations.push_back(std::move(equation));
+  return model.equations.back().id;
+}
+
+double equation_id(const TableReader& table, double marker, Reading& reading) {
+  if (table.has("speed_control")) return add_speed_equation(table, marker, reading);
+  if (!table.has("equation"))
+    table.fail("the key 'equation' is missing (or 'speed_control', which makes one for a commanded speed)");
+  const int index =
+      reading.equations.find(table.text("equation"), table.what() + ", equation", table.position("equation"));
+  return reading.model().equations[static_cast<size_t>(index)].id;
+}
+
+/// Thrust is -(p y' + i y + d y'') with y' the error.
+void read_gains(const TableReader& thruster, std::vector<double>& par) {
+  const TableReader table = thruster.table("gains", {"p", "i", "d"});
+  if (!table.has("p") && !table.has("i") && !table.has("d")) thruster.fail("gains", "give at least one of p, i and d");
+  par[first_derivative_gain] = table.number("p", 0);
+  par[second_derivative_gain] = table.number("d", 0);
+  par[state_gain] = table.number("i", 0);
+}
+
+void read_feedback(const TableReader& table, ThrustMode mode, Reading& reading, std::vector<double>& par) {
+  par[feedback_equation] = equation_id(table, par[thrust_marker], reading);
+  read_gains(table, par);
+  if (mode != limited) return;
+  const int spline = reading.splines.find(table.text("limit"), table.what() + ", limit", table.position("limit"));
+  par[limit_spline] = reading.model().splines[static_cast<size_t>(spline)].id;
+}
+
+/// Thrust elements that are fed back from a commanded speed follow that command unless another variable is named.
+double command_id(const TableReader& table, const Reading& reading) {
+  if (!table.has("variable") && table.has("speed_control"))
+    return variable_id(table.table("speed_control", {"command", "reference"}), "command", reading);
+  return variable_id(table, "variable", reading);
+}
+
+}  // namespace
+
+Element read_thruster(const TableReader& table, Reading& reading) {
+  const ThrustMode mode = read_mode(table);
+  check_keys_of_mode(table, mode);
+  const Model& model = reading.model();
+  Element element;
+  element.subroutine = "qvsoil_thrustforce";
+  element.kind = ElementKind::force;
+  std::vector<double>& par = element.par;
+  par.assign(par_count, 0.0);
+  par[thrust_marker] = marker_id(model, reading.marker(table, "marker"));
+  par[second_marker] = par[water_marker] = marker_id(model, reading.marker_or(table, "water", 0));
+  par[thrust_mode] = mode;
+  par[command_variable] = command_id(table, reading);
+  if (mode != variable_itself) read_feedback(table, mode, reading, par);
+  if (table.has("wave")) {
+    const std::string wave = wave_file_of(table, "wave", reading);
+    par[wave_switch] = 1;
+    par[wave_string] = reading.string_id(wave, std::filesystem::path(wave).stem().string());
+  } else if (table.has("water")) {
+    table.fail("water", "is the frame of a WAVE file; give that as 'wave'");
+  }
+  set_defaults(element, *find_layout(element.subroutine), model);
+  return element;
+}
+
+void number_thrusters(const std::vector<size_t>& elements, Reading& reading) {
+  for (size_t i = 0; i < elements.size(); ++i) {
+    std::vector<double>& par = reading.model().elements[elements[i]].par;
+    par[thruster_number] = static_cast<double>(i + 1);
+    par[thruster_count] = static_cast<double>(elements.size());
+  }
+}
+
+}  // namespace qvslv

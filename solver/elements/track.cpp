@@ -1,0 +1,181 @@
+#include "solver/elements/track.h"
+
+#include <cmath>
+#include <filesystem>
+
+#include "solver/elements/kinds.h"
+#include "solver/elements/track_drive.h"
+
+namespace qvslv {
+
+namespace {
+
+/// Positions in the parameter list of qvsoil_interaction_mtl.
+enum TrackPar : size_t {
+  track_number,
+  road_number,
+  road_string,
+  hull_marker,
+  road_marker,
+  reference_marker,
+  road_count,
+  thickness,
+  width,
+  points_along,
+  points_across,
+  belt_speed,
+  wheel_count,
+  fixed_count = 14
+};
+
+double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
+
+/// What the keys of a track come to.
+struct TrackKeys {
+  std::string name;
+  int hull = 0, road_marker = 0, reference = 0;  ///< indices into Model::markers
+  std::vector<int> wheels;                       ///< likewise
+  std::vector<double> radii;
+  std::vector<double> grid;
+  std::string road;
+};
+
+/// Where both wheels are fixed to the hull's body: the belt runs under wheels that follow each other along x, and
+/// there is a common tangent only when neither circle lies in the other.
+void check_neighbours(const TableReader& table, const TrackKeys& keys, size_t first, const Model& model) {
+  const auto marker = [&](int index) -> const Marker& { return model.markers[static_cast<size_t>(index)]; };
+  const Marker &hull = marker(keys.hull), &a = marker(keys.wheels[first]), &b = marker(keys.wheels[first + 1]);
+  if (a.body != hull.body || b.body != hull.body) return;
+  const std::string both = "wheels " + std::to_string(first + 1) + " and " + std::to_string(first + 2);
+  const Vec3 way = minus(b.position, a.position);
+  const Vec3 forward = {hull.orientation[0], hull.orientation[1], hull.orientation[2]};
+  if (dot(way, forward) < 0)
+    table.fail("wheels", both + " go backwards along the x axis of '" + hull.name +
+                             "'; list them from the rear to the front, else the belt runs over them, not under");
+  if (!(std::sqrt(dot(way, way)) > std::abs(keys.radii[first] - keys.radii[first + 1])))
+    table.fail("wheels", both + " lie in one another: no belt is tangent to both");
+}
+
+void read_wheels(const TableReader& table, const Reading& reading, TrackKeys& keys) {
+  for (const TableReader& wheel : table.tables("wheels", {"marker", "radius"})) {
+    keys.wheels.push_back(reading.marker(wheel, "marker"));
+    keys.radii.push_back(wheel.positive("radius"));
+  }
+  if (keys.wheels.size() < 2) table.fail("wheels", "a belt needs two wheels or more");
+  for (size_t i = 0; i + 1 < keys.wheels.size(); ++i) check_neighbours(table, keys, i, reading.file.model);
+}
+
+std::vector<double> read_grid(const TableReader& table) {
+  std::vector<double> grid = table.numbers("grid", 2);
+  for (const double count : grid)
+    if (!(count >= 2 && count <= 1e5) || count != std::floor(count))
+      table.fail("grid", "two whole numbers, 2 or more, are expected: points along each span and across the belt");
+  return grid;
+}
+
+/// Velocities are differences as the ground sees them: from a marker that turns they would not be the slip's.
+int read_reference(const TableReader& table, const Reading& reading) {
+  const int reference = reading.marker_or(table, "reference", 0);
+  if (reading.file.model.markers[static_cast<size_t>(reference)].body != k_ground)
+    table.fail("reference", "'" + table.text("reference") + "' moves; the reference is a marker on the ground");
+  return reference;
+}
+
+TrackKeys read_keys(const TableReader& table, Reading& reading) {
+  TrackKeys keys;
+  keys.name = table.text("name");
+  keys.hull = reading.marker(table, "hull");
+  keys.road = road_file_of(table, reading);
+  keys.road_marker = reading.marker_or(table, "road_marker", 0);
+  keys.reference = read_reference(table, reading);
+  keys.grid = read_grid(table);
+  read_wheels(table, reading, keys);
+  return keys;
+}
+
+std::vector<double> interaction_par(const TableReader& table, const TrackKeys& keys, int slot, Reading& reading) {
+  const Model& model = reading.model();
+  std::vector<double> par(fixed_count, 0.0);
+  par[road_number] = slot;
+  par[road_string] = reading.string_id(keys.road, std::filesystem::path(keys.road).stem().string());
+  par[hull_marker] = marker_id(model, keys.hull);
+  par[road_marker] = marker_id(model, keys.road_marker);
+  par[reference_marker] = marker_id(model, keys.reference);
+  par[thickness] = table.number("thickness", 0);
+  if (par[thickness] < 0) table.fail("thickness", "must not be negative, is " + number_text(par[thickness]));
+  par[width] = table.positive("width");
+  par[points_along] = keys.grid[0];
+  par[points_across] = keys.grid[1];
+  par[wheel_count] = static_cast<double>(keys.wheels.size());
+  for (size_t i = 0; i < keys.wheels.size(); ++i) {
+    par.push_back(marker_id(model, keys.wheels[i]));
+    par.push_back(keys.radii[i]);
+  }
+  return par;
+}
+
+Element plain(const std::string& name, const char* subroutine, ElementKind kind, std::vector<double> par,
+              const Model& model) {
+  Element element;
+  element.name = name;
+  element.subroutine = subroutine;
+  element.kind = kind;
+  element.par = std::move(par);
+  set_defaults(element, *find_layout(subroutine), model);
+  return element;
+}
+
+/// A share of the soil's force on one marker, in the axes of the reference. Its torque is always 0 and not shown.
+Element force(const std::string& name, const char* subroutine, std::vector<double> par, int marker,
+              const TrackKeys& keys, const Model& model) {
+  Element element = plain(name, subroutine, ElementKind::force, std::move(par), model);
+  element.marker = marker;
+  element.axes = keys.reference;
+  element.reaction = keys.road_marker;
+  element.columns.resize(3);
+  return element;
+}
+
+}  // namespace
+
+std::vector<Element> read_track(const TableReader& table, int slot, Reading& reading, TrackElement& track) {
+  const TrackKeys keys = read_keys(table, reading);
+  track.wheels_at = table.position("wheels");
+  std::vector<double> par = interaction_par(table, keys, slot, reading);
+  const BeltDrive drive = read_belt_drive(table, keys.radii[0], slot, reading);
+  par[belt_speed] = drive.speed_variable;
+
+  const Model& model = reading.model();
+  const double road = slot;
+  std::vector<Element> elements;
+  elements.push_back(plain(keys.name, "qvsoil_interaction_mtl", ElementKind::evaluated, std::move(par), model));
+  if (elements[0].result_length == 0) table.fail("grid", "these are more points than a result array can hold");
+  for (size_t i = 0; i < keys.wheels.size(); ++i)
+    elements.push_back(force(keys.name + "_wheel_" + std::to_string(i + 1), "qvsoil_normalforce_mtl",
+                             {0, static_cast<double>(i), road}, keys.wheels[i], keys, model));
+  elements.push_back(force(keys.name + "_shear", "qvsoil_shearforce_mtl", {0, road}, keys.hull, keys, model));
+  if (drive.equation != 0) {
+    elements.push_back(plain(keys.name + "_belt", "qvsoil_mtl_velocity", ElementKind::report,
+                             {0, drive.radius, drive.equation}, model));
+    elements.back().columns = {{0, "speed", speed_symbol(model.units)}};
+  }
+  elements.push_back(plain(keys.name + "_sum", "qvsoil_interaction_mtl_sum", ElementKind::report, {road, 0}, model));
+  return elements;
+}
+
+void number_tracks(const std::vector<TrackElement>& tracks, Reading& reading) {
+  Model& model = reading.model();
+  for (const TrackElement& track : tracks) {
+    const Element& first = model.elements[tracks[0].first_element];
+    Element& element = model.elements[track.first_element];
+    if (element.par[wheel_count] > first.par[wheel_count])
+      throw ModelError(track.wheels_at, "element '" + element.name + "', wheels: there are " +
+                                            number_text(element.par[wheel_count]) + ", and the first track, '" +
+                                            first.name + "', has " + number_text(first.par[wheel_count]) +
+                                            "; the subroutine makes room for as many as the first has, so put the "
+                                            "track with the most wheels first");
+    element.par[road_count] = static_cast<double>(tracks.size());
+  }
+}
+
+}  // namespace qvslv

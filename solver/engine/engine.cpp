@@ -1,0 +1,126 @@
+#include "solver/engine/engine.h"
+
+#include <fmt/format.h>
+
+namespace qvslv {
+
+namespace {
+
+/// Of the whole run. At this step the integrator goes on whatever its error: so it passes a jump of a force. Forces
+/// that no step can follow keep it there, and it would creep on for ever; after so many such steps it is told to give
+/// up.
+constexpr double k_smallest_step = 1e-11;
+constexpr int k_most_smallest_steps = 200;
+
+}  // namespace
+
+Engine::Engine(const Model& model, const Plugin& plugin, EngineHost::Report report)
+    : m_model(model),
+      m_multibody(model, m_fault),
+      m_readings(m_multibody, m_fault),
+      m_host(m_readings, m_multibody, m_fault, std::move(report)),
+      m_calls(model, plugin, m_host, m_fault),
+      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_host, m_fault)) {
+  SimTK::Force::Custom(m_multibody.forces(), m_forces);
+}
+
+Engine::~Engine() = default;
+
+void Engine::start() {
+  m_initial = m_multibody.make_state();
+  m_readings.refresh(m_initial);
+  m_calls.set_up(m_initial);
+  start_equations();
+  if (m_fault.raised()) return;
+  make_integrator();
+  m_integrator->initialize(m_initial);
+}
+
+/// Derivatives that are no states come from an evaluation of their own; forces that read them are evaluated after it.
+void Engine::start_equations() {
+  if (m_fault.raised() || m_readings.equations().size() == 0) return;
+  m_multibody.system().realize(m_initial, SimTK::Stage::Dynamics);
+  m_readings.equations().accept(m_initial);
+  m_initial.invalidateAllCacheAtOrAbove(SimTK::Stage::Dynamics);
+}
+
+void Engine::make_integrator() {
+  const Simulation& simulation = m_model.simulation;
+  if (simulation.integrator == Integrator::semi_explicit_euler) {
+    m_integrator = std::make_unique<SimTK::SemiExplicitEulerIntegrator>(m_multibody.system(), simulation.step);
+  } else {
+    m_integrator = std::make_unique<SimTK::RungeKuttaMersonIntegrator>(m_multibody.system());
+    if (simulation.integrator == Integrator::runge_kutta_fixed) {
+      m_integrator->setFixedStepSize(simulation.step);
+    } else {
+      m_integrator->setAccuracy(simulation.accuracy);
+      if (simulation.end_time > 0) m_integrator->setMinimumStepSize(k_smallest_step * simulation.end_time);
+      if (simulation.max_step > 0) m_integrator->setMaximumStepSize(simulation.max_step);
+    }
+  }
+  m_integrator->setReturnEveryInternalStep(true);
+  m_integrator->setAllowInterpolation(false);
+}
+
+const SimTK::State& Engine::state() const { return m_integrator ? m_integrator->getAdvancedState() : m_initial; }
+
+long Engine::rejected_steps() const { return m_integrator ? m_integrator->getNumErrorTestFailures() : 0; }
+
+bool Engine::step(double limit) {
+  if (m_fault.raised()) return false;
+  const double before = time();
+  try {
+    // Control also comes back without an advance: at the start of an interval, and when the limit was reached already.
+    while (!(time() > before) && !m_fault.raised()) m_integrator->stepTo(limit, limit);
+  } catch (const std::exception& error) {
+    give_up(error.what());
+  }
+  if (m_fault.raised()) return false;
+  m_last_step = time() - before;
+  ++m_steps;
+  if (creeps(limit)) give_up("the error stays too large at the smallest step");
+  if (m_fault.raised()) return false;
+  call_after_step();
+  if (!m_fault.raised()) restart();
+  return !m_fault.raised();
+}
+
+void Engine::call_after_step() {
+  if (m_readings.equations().size() > 0) {
+    m_multibody.system().realize(state(), SimTK::Stage::Dynamics);
+    m_readings.equations().accept(state());
+  }
+  m_readings.refresh(state());
+  m_calls.after_step(state());
+}
+
+/// Whether error control has kept the smallest step for long. Steps that an output time cut short do not count.
+bool Engine::creeps(double limit) {
+  const double smallest = k_smallest_step * m_model.simulation.end_time;
+  const bool controlled = m_model.simulation.integrator == Integrator::runge_kutta_merson;
+  if (!controlled || m_last_step > 1.5 * smallest) {
+    m_smallest_steps = 0;
+  } else if (time() < limit) {
+    ++m_smallest_steps;
+  }
+  return m_smallest_steps >= k_most_smallest_steps;
+}
+
+/// Forces may have changed with the history: they are evaluated anew, and the next step starts from these.
+void Engine::restart() {
+  SimTK::State& advanced = m_integrator->updAdvancedState();
+  advanced.invalidateAllCacheAtOrAbove(SimTK::Stage::Dynamics);
+  m_multibody.system().realize(advanced, SimTK::Stage::Acceleration);
+  m_integrator->reinitialize(SimTK::Stage::Dynamics, false);
+}
+
+void Engine::give_up(const std::string& why) {
+  m_fault.raise(
+      RunOutcome::failed,
+      fmt::format("the integrator gave up at time {}, where no step is small enough (the last one was {}): {}. Forces "
+                  "that jump or are very stiff do that; try a larger accuracy number, more damping, a start without "
+                  "deep penetration, or integrator = \"semi-explicit\" with a fixed step",
+                  time(), m_last_step, why));
+}
+
+}  // namespace qvslv

@@ -1,0 +1,232 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "solver/model/vectors.h"
+
+/// A model as the engine needs it: every name resolved, every value checked. Plain data; made by the model file
+/// reader (solver/model_file.h), consumed by the engine, the recorder and `qvbrisk expand`.
+namespace qvslv {
+
+/// A place in a model file, for messages. Line and column count from 1; 0 is "not known".
+struct FilePosition {
+  std::string file;
+  int line = 0;
+  int column = 0;
+};
+
+/// A mistake in a model file. what() reads "file:line:column: text"; the text says what is wrong and what is meant.
+class ModelError : public std::runtime_error {
+public:
+  ModelError(const FilePosition& at, const std::string& text);
+  FilePosition at;
+  std::string text;  ///< without the place
+};
+
+constexpr int k_ground = -1;  ///< body index of the ground
+constexpr int k_none = -1;    ///< "no such index" for markers and joints
+
+/// A scalar function of time `t` (constants `pi` and those of [parameters] allowed), checked by the reader. In
+/// variables, equations and applied forces also of variables, equations and marker quantities; in motions of time
+/// alone. solver/expression.h and solver/state_expression.h list the functions.
+struct Expression {
+  std::string text = "0";
+  FilePosition at;
+  std::shared_ptr<const std::map<std::string, double>> parameters;  ///< [parameters]; null: none
+};
+
+/// About the centre of mass, in the body's axes [mass length^2].
+/// Entries of the inertia matrix: xx = integral of (y^2 + z^2) dm, xy = minus the integral of x y dm.
+struct Inertia {
+  double xx = 0, yy = 0, zz = 0, xy = 0, xz = 0, yz = 0;
+};
+
+enum class ShapeKind { none, box, cylinder, sphere };
+
+/// How a body is drawn; also what the inertia helpers were given. Centred on the body's centre of mass.
+struct Shape {
+  ShapeKind kind = ShapeKind::none;
+  Vec3 size = {0, 0, 0};  ///< box: full edge lengths
+  double radius = 0;      ///< cylinder, sphere
+  double length = 0;      ///< cylinder
+  int axis = 1;           ///< cylinder: 0 x, 1 y, 2 z
+};
+
+struct Body {
+  int id = 0;  ///< also the id of a marker on its centre of mass with the body's axes
+  std::string name;
+  double mass = 0;
+  Vec3 center = {0, 0, 0};  ///< centre of mass in the body's frame
+  Inertia inertia;
+  Shape shape;
+  // Start of a free body (one that no joint carries): place, axes and velocity of the body's frame (its origin, not
+  // the centre of mass), in ground axes; angular velocity in ground axes too.
+  Vec3 position = {0, 0, 0};
+  Rotation orientation = k_identity;
+  Vec3 velocity = {0, 0, 0};
+  Vec3 angular_velocity = {0, 0, 0};
+  FilePosition at;
+};
+
+struct Marker {
+  int id = 0;
+  std::string name;
+  int body = k_ground;  ///< index into Model::bodies, or k_ground
+  Vec3 position = {0, 0, 0};
+  Rotation orientation = k_identity;
+  FilePosition at;
+};
+
+/// Coordinates of each kind, in this order (the joint frames are the two markers):
+///   weld -, revolute (pin) angle about z, slider travel along x, cylindrical angle about z then travel along z,
+///   universal angle about x then about the new y, planar angle about z then x then y, ball and free: see below.
+/// A ball or free joint starts from body-fixed xyz angles (ball), and those followed by x, y, z (free); their
+/// speeds are angular velocity then velocity, of the child marker in the parent marker's axes.
+enum class JointType { free, planar, slider, revolute, cylindrical, universal, ball, weld };
+
+enum class MotionLevel { position, velocity };
+
+struct Motion {
+  int coordinate = 0;
+  MotionLevel level = MotionLevel::position;
+  Expression value;
+};
+
+struct Joint {
+  std::string name;
+  JointType type = JointType::free;
+  int parent_marker = k_none;    ///< index into Model::markers
+  int child_marker = k_none;     ///< index into Model::markers; its body hangs on this joint
+  std::vector<double> position;  ///< initial coordinates, one per degree of freedom
+  std::vector<double> velocity;  ///< initial speeds, one per degree of freedom
+  std::vector<Motion> motions;   ///< at most one per coordinate; not on ball and free joints
+  FilePosition at;
+};
+
+struct AppliedForce {
+  int id = 0;  ///< elements and applied forces are numbered together with bodies and markers
+  std::string name;
+  int marker = k_none;    ///< acts at this marker's origin
+  int reaction = k_none;  ///< the opposite acts on this marker's body, at the same point; k_none: on nothing
+  int axes = k_none;      ///< marker whose axes express the components; k_none: ground axes
+  std::array<Expression, 3> force;
+  std::array<Expression, 3> torque;
+  FilePosition at;
+};
+
+struct StringEntity {
+  int id = 0;
+  std::string name;
+  std::string text;
+};
+
+enum class ElementKind {
+  force,      ///< result 0-2 is a force on `marker`, 3-5 a torque about it, in the axes of `axes`
+  evaluated,  ///< called whenever forces are, in file order, but not applied: others read what it leaves behind
+  report      ///< result is only recorded
+};
+
+/// A value that subroutines ask for by its id ("VARVAL") and expressions by its name.
+struct Variable {
+  int id = 0;  ///< variables, equations and splines are each numbered from 1
+  std::string name;
+  Expression value;
+  FilePosition at;
+};
+
+/// A differential equation y' = f (order 1) or y'' = f (order 2). "DIF20", "DIF21" and "DIF22" are y, y' and y''.
+struct Equation {
+  int id = 0;
+  std::string name;
+  int order = 1;
+  Expression right_side;  ///< unless an element gives it
+  int element = k_none;   ///< index into Model::elements, of kind `evaluated`: f is its result 0
+  double value = 0;       ///< y at time 0
+  double rate = 0;        ///< y' at time 0 (order 2)
+  FilePosition at;
+};
+
+/// A curve through points, interpolated after Akima (1970): "AKISPL". x increases strictly.
+struct Spline {
+  int id = 0;
+  std::string name;
+  std::vector<double> x, y;
+  FilePosition at;
+};
+
+/// Where the points of a contact grid stand in a result array (for pictures); count 0: none.
+/// A point is eight values: local force (shear 1, shear 2, normal), position, sinkage, dynamic sinkage.
+struct ContactPoints {
+  int first = 0;
+  int count = 0;
+};
+
+/// One column of an element in results.csv.
+struct ResultColumn {
+  int index = 0;  ///< into the result array
+  std::string name;
+  std::string unit;
+};
+
+struct Element {
+  int id = 0;  ///< see AppliedForce
+  std::string name;
+  std::string subroutine;  ///< exported name
+  ElementKind kind = ElementKind::force;
+  std::vector<double> par;
+  std::vector<std::string> par_names;  ///< of a plain element: "marker:wheel" where par was a name, else empty
+  int marker = k_none;
+  int reaction = k_none;
+  int axes = k_none;
+  int result_length = 0;
+  std::vector<ResultColumn> columns;
+  ContactPoints points;
+  int road_string = 0;  ///< id of the string that names the road file, 0: none (for pictures)
+  int road_marker = k_none;
+  FilePosition at;
+};
+
+/// Only the first controls its error: it may reject a step and go back in time.
+enum class Integrator { runge_kutta_merson, runge_kutta_fixed, semi_explicit_euler };
+const char* integrator_name(Integrator integrator);  ///< as model files have it
+
+struct Simulation {
+  double end_time = 0;
+  double output_step = 0;
+  double frame_step = 0;  ///< 0: a frame at every output
+  Integrator integrator = Integrator::runge_kutta_merson;
+  double accuracy = 1e-4;
+  double step = 0;      ///< fixed-step: the step
+  double max_step = 0;  ///< error-controlled: 0 none
+};
+
+/// Names as in the model file (upper case) and what one model unit is in SI.
+struct Units {
+  std::string length = "METER", mass = "KILOGRAM", time = "SECOND", force = "NEWTON", angle = "RADIAN";
+  double length_factor = 1, mass_factor = 1, time_factor = 1, force_factor = 1, angle_factor = 1;
+};
+
+struct Model {
+  std::string path;  ///< of the model file
+  std::string title;
+  Simulation simulation;
+  Units units;
+  Vec3 gravity = {0, 0, 0};
+  int ground_id = 0;  ///< id of the ground marker at the origin (Model::markers[0])
+  std::vector<Body> bodies;
+  std::vector<Marker> markers;  ///< [0] is the ground's origin; one on each body's centre of mass follows
+  std::vector<Joint> joints;    ///< tree order: a joint's parent body is ground or hangs on an earlier joint
+  std::vector<AppliedForce> forces;
+  std::vector<StringEntity> strings;
+  std::vector<Variable> variables;  ///< a variable reads only those before it
+  std::vector<Equation> equations;
+  std::vector<Spline> splines;
+  std::vector<Element> elements;  ///< file order
+};
+
+}  // namespace qvslv

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "solver/data_files/make_current.h"
+#include "solver/data_files/make_road.h"
+#include "solver/data_files/make_wave.h"
+#include "solver/model/model.h"
+
+namespace qvslv {
+
+/// A road file that the model file describes by its settings instead of bringing it along.
+struct RoadRecipe {
+  std::string file;  ///< as the model names it
+  std::string path;  ///< where the file belongs: beside the model
+  RoadSettings settings;
+};
+
+/// The same for a WAVE and a CURRENT file.
+struct WaveRecipe {
+  std::string file, path;
+  WaveSettings settings;
+};
+struct CurrentRecipe {
+  std::string file, path;
+  CurrentSettings settings;
+};
+
+/// The whole mesh of a hull, for people.
+struct HullSummary {
+  std::string name;  ///< of the element
+  size_t nodes = 0, patches = 0;
+  double volume = 0, area = 0;
+  Vec3 center = {0, 0, 0};  ///< of the volume, in the mesh's frame
+};
+
+/// What a model file comes to.
+struct ModelFile {
+  Model model;
+  std::vector<RoadRecipe> roads;  ///< to be made before a run, see bring_files_up_to_date
+  std::vector<WaveRecipe> waves;
+  std::vector<CurrentRecipe> currents;
+  std::vector<HullSummary> hulls;
+  std::vector<std::string> warnings;  ///< what is suspicious but can be run
+};
+
+}  // namespace qvslv

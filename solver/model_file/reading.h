@@ -1,0 +1,110 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "solver/model_file/contents.h"
+#include "solver/model_file/names.h"
+#include "solver/model_file/parameters.h"
+#include "solver/model_file/toml_table.h"
+
+namespace qvslv {
+
+/// An entry of a `par` that is to hold the id of a force or element: of the one called `name`, or, without a name, the
+/// number written there, which is only checked.
+struct ForceReference {
+  size_t element = 0;   ///< index into Model::elements
+  size_t position = 0;  ///< in its `par`
+  std::string name;
+  double id = 0;
+  std::string role;
+  FilePosition at;
+};
+
+/// An equation whose right-hand side is a subroutine's result: its element is made behind those of the file.
+struct SubroutineEquation {
+  /// An entry of `par` that is to hold the id of a force.
+  struct NamedForce {
+    size_t position;
+    std::string name, role;
+    FilePosition at;
+  };
+  size_t equation = 0;               ///< index into Model::equations
+  std::optional<TableReader> table;  ///< none: another element made it, with what follows
+  std::string subroutine;
+  std::vector<double> par;
+  std::vector<NamedForce> forces;
+};
+
+/// The id that comes next among variables or equations: one more than the largest so far.
+template <class Entities>
+int next_id_of(const Entities& entities) {
+  int largest = 0;
+  for (const auto& entity : entities) largest = entity.id > largest ? entity.id : largest;
+  return largest + 1;
+}
+
+/// What the readers of the single tables share while a model file is read.
+struct Reading {
+  ModelFile file;
+  Parameters parameters;
+  NameTable markers{"marker or body"};  ///< a body's name is also the marker on its centre of mass
+  NameTable bodies{"body"};
+  NameTable joints{"joint"};
+  NameTable forces{"force"};
+  NameTable strings{"string"};
+  NameTable elements{"element"};
+  NameTable roads{"road"};
+  NameTable waves{"wave"};
+  NameTable currents{"current"};
+  NameTable variables{"variable"};
+  NameTable equations{"equation"};
+  NameTable splines{"spline"};
+  std::vector<ForceReference> force_references;
+  std::vector<SubroutineEquation> subroutine_equations;
+
+  Model& model() { return file.model; }
+  int next_id() const;  ///< bodies and markers are numbered together, from 1; forces and elements follow
+  /// Index of the marker that a key names.
+  int marker(const TableReader& table, const std::string& key) const;
+  int marker_or(const TableReader& table, const std::string& key, int otherwise) const;
+  /// Adds a marker that the file does not spell out; returns its index.
+  int add_internal_marker(const std::string& name, int body, const Vec3& position, const Rotation& orientation,
+                          const FilePosition& at);
+  /// Id of the string with this text, made when there is none yet.
+  int string_id(const std::string& text, const std::string& wished_name);
+};
+
+void read_units(const TableReader& root, Reading& reading);  // settings.cpp, as the next
+void read_simulation(const TableReader& root, Reading& reading);
+void read_bodies(const TableReader& root, Reading& reading);
+void read_markers(const TableReader& root, Reading& reading);
+void read_joints(const TableReader& root, Reading& reading);
+void read_variables(const TableReader& root, Reading& reading);
+void read_equations(const TableReader& root, Reading& reading);
+void read_splines(const TableReader& root, Reading& reading);
+void read_forces(const TableReader& root, Reading& reading);  // behind all that makes markers
+void read_strings(const TableReader& root, Reading& reading);
+void read_roads(const TableReader& root, Reading& reading);
+void read_waves(const TableReader& root, Reading& reading);     // model_file_water.cpp
+void read_currents(const TableReader& root, Reading& reading);  // model_file_water.cpp
+
+/// The tables of a list such as [[body]]; none when the key is missing.
+std::vector<TableReader> tables_of(const TableReader& root, const std::string& key,
+                                   const std::vector<std::string>& known);
+
+/// A name like the wished one that is not taken yet and that a file can refer to.
+std::string free_name(const NameTable& names, std::string wish);
+
+/// The file as the library will find it or as a recipe will make it, or ModelError saying where it was looked for and
+/// which table could describe it.
+std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
+                              const FilePosition& at, const std::string& table = "road");
+
+/// The file that an element's key means: that of a [[wave]] or [[current]] with this name, else the text itself, which
+/// must be there or be described.
+std::string wave_file_of(const TableReader& table, const char* key, const Reading& reading);
+std::string current_file_of(const TableReader& table, const char* key, const Reading& reading);
+
+}  // namespace qvslv

@@ -1,0 +1,28 @@
+#include "solver/results/csv.h"
+
+#include <fmt/format.h>
+
+namespace qvslv {
+
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+std::string csv_line(const std::vector<std::string>& fields) {
+  std::string line;
+  for (const std::string& field : fields) {
+    if (!line.empty()) line += ',';
+    line += csv_field(field);
+  }
+  return line + '\n';
+}
+
+std::string csv_line(const std::vector<double>& values) { return fmt::format("{}\n", fmt::join(values, ",")); }
+
+}  // namespace qvslv

@@ -1,0 +1,96 @@
+#include "solver/results/hull_picture.h"
+
+#include <algorithm>
+
+#include "solver/results/marker_pose.h"
+#include "solver/results/water_surface.h"
+
+namespace qvslv {
+
+namespace {
+
+// Where things stand in `par`.
+constexpr size_t k_water_marker = 5;
+constexpr size_t k_body_marker = 6;
+constexpr size_t k_wave_string = 7;
+constexpr size_t k_node_count = 20;
+
+/// A count or an id: truncated, -1 for what no container could hold.
+int whole(double value) { return value >= 0 && value < 2e9 ? static_cast<int>(value) : -1; }
+
+/// A count at a place of `par` whose items, of three numbers each, must all be there; -1 when they are not.
+int count_at(const std::vector<double>& par, size_t place) {
+  if (place >= par.size()) return -1;
+  const int count = whole(par[place]);
+  const size_t rest = (par.size() - place - 1) / 3;
+  return count >= 0 && static_cast<size_t>(count) <= rest ? count : -1;
+}
+
+std::optional<TriangleMesh> read_mesh(const std::vector<double>& par) {
+  const int nodes = count_at(par, k_node_count);
+  if (nodes < 0) return std::nullopt;
+  const double* at = par.data() + k_node_count + 1;
+  TriangleMesh mesh;
+  for (int k = 0; k < nodes; ++k, at += 3) mesh.points.push_back({at[0], at[1], at[2]});
+  const int patches = count_at(par, k_node_count + 1 + 3 * static_cast<size_t>(nodes));
+  ++at;
+  bool spare = false;  // the node behind the last, at the origin
+  for (int k = 0; k < patches; ++k, at += 3) {
+    const std::array<int, 3> patch = {whole(at[0]), whole(at[1]), whole(at[2])};
+    bool inside = true;
+    for (const int node : patch) inside = inside && node >= 0 && node <= nodes;
+    if (!inside) continue;
+    mesh.triangles.push_back(patch);
+    spare = spare || std::find(patch.begin(), patch.end(), nodes) != patch.end();
+  }
+  if (spare) mesh.points.push_back({0, 0, 0});
+  if (mesh.triangles.empty()) return std::nullopt;
+  return mesh;
+}
+
+/// Depth under the water of a point in the water's frame, 0 where there is none.
+double depth_of(const Water& water, double time, const Vec3& point) {
+  return is_over(water, point[0]) ? find_level(water, time, point[0]) - point[2] : 0;
+}
+
+}  // namespace
+
+bool is_hull(const Element& element) { return element.subroutine == "qvhydro_force"; }
+
+std::optional<Hull> read_hull(const Model& model, int element) {
+  const std::vector<double>& par = model.elements[static_cast<size_t>(element)].par;
+  std::optional<TriangleMesh> mesh = read_mesh(par);
+  if (!mesh) return std::nullopt;
+  Hull hull;
+  hull.element = element;
+  hull.marker = find_marker(model, whole(par[k_body_marker]));
+  hull.water_marker = find_marker(model, whole(par[k_water_marker]));
+  hull.wave_string = whole(par[k_wave_string]);
+  hull.mesh = std::move(*mesh);
+  if (hull.marker == k_none || hull.water_marker == k_none) return std::nullopt;
+  return hull;
+}
+
+HullState calc_hull_state(const Model& model, const Hull& hull, const Water* water, const Frame& frame) {
+  HullState state;
+  const MarkerPose pose = find_marker_pose(model, hull.marker, frame);
+  for (const Vec3& node : hull.mesh.points) state.points.push_back(to_ground(pose, node));
+  state.depth.assign(state.points.size(), 0);
+  state.wet.assign(hull.mesh.triangles.size(), false);
+  if (water == nullptr) return state;
+
+  const MarkerPose water_pose = find_marker_pose(model, water->marker, frame);
+  std::vector<Vec3> afloat;  // nodes in the water's frame
+  for (const Vec3& point : state.points) afloat.push_back(to_marker(water_pose, point));
+  for (size_t k = 0; k < afloat.size(); ++k) state.depth[k] = depth_of(*water, frame.time, afloat[k]);
+  for (size_t k = 0; k < state.wet.size(); ++k) {
+    Vec3 centroid{};
+    for (const int node : hull.mesh.triangles[k]) {
+      for (size_t c = 0; c < 3; ++c) centroid[c] += afloat[static_cast<size_t>(node)][c] / 3;
+    }
+    state.wet[k] = depth_of(*water, frame.time, centroid) > 0;
+  }
+  return state;
+}
+
+}  // namespace qvslv

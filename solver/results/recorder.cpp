@@ -1,0 +1,125 @@
+#include "solver/results/recorder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+#include <stdexcept>
+
+#include "solver/data_files/find_data_file.h"
+#include "solver/data_files/road_mesh.h"
+#include "solver/results/columns.h"
+#include "solver/results/csv.h"
+#include "solver/results/hull_picture.h"
+
+namespace qvslv {
+
+namespace {
+
+using Report = std::function<void(const std::string&)>;
+
+std::string string_text(const Model& model, int id) {
+  for (const StringEntity& entity : model.strings) {
+    if (entity.id == id) return entity.text;
+  }
+  return {};
+}
+
+/// All roads of the model, each once, where their markers stand.
+TriangleMesh place_roads(const Engine& engine, const Report& report) {
+  const Model& model = engine.multibody().model();
+  TriangleMesh terrain;
+  std::set<std::pair<int, int>> seen;
+  for (const Element& element : model.elements) {
+    if (element.road_string == 0 || !seen.emplace(element.road_string, element.road_marker).second) continue;
+    const std::string name = string_text(model, element.road_string);
+    const std::string file = find_data_file(name, model.path);
+    const auto mesh = read_road_mesh(file);
+    if (!mesh) {
+      if (report) report("element " + element.name + ": no picture of the road " + name + ": it cannot be read");
+      continue;
+    }
+    const SimTK::Transform pose = engine.multibody().find_pose(engine.state(), element.road_marker);
+    Rotation rotation{};
+    for (int k = 0; k < 9; ++k) rotation[static_cast<size_t>(k)] = pose.R()[k % 3][k / 3];
+    append_mesh(terrain, *mesh, rotation, {pose.p()[0], pose.p()[1], pose.p()[2]});
+  }
+  return terrain;
+}
+
+/// The water that a hull floats in: index into the recording's, k_none when its file cannot be read.
+int place_water(Recording& recording, const Hull& hull, const Report& report) {
+  const Model& model = *recording.model;
+  const Element& element = model.elements[static_cast<size_t>(hull.element)];
+  const std::string name = string_text(model, hull.wave_string);
+  const std::string file = find_data_file(name, model.path);
+  auto wave = read_wave_file(file);
+  if (!wave) {
+    if (report) report("element " + element.name + ": no picture of the water " + name + ": it cannot be read");
+    return k_none;
+  }
+  wave->velocity.clear();
+  recording.waters.push_back({hull.water_marker, std::move(*wave)});
+  return static_cast<int>(recording.waters.size()) - 1;
+}
+
+/// Patch meshes of the model, each with its water.
+void place_hulls(Recording& recording, const Report& report) {
+  const Model& model = *recording.model;
+  std::map<std::pair<int, int>, int> waters;  // by string and marker
+  for (size_t i = 0; i < model.elements.size(); ++i) {
+    if (!is_hull(model.elements[i])) continue;
+    std::optional<Hull> hull = read_hull(model, static_cast<int>(i));
+    if (!hull) {
+      if (report) report("element " + model.elements[i].name + ": no picture of the hull: its par holds no whole mesh");
+      continue;
+    }
+    const auto [water, added] = waters.try_emplace({hull->wave_string, hull->water_marker}, k_none);
+    if (added) water->second = place_water(recording, *hull, report);
+    hull->water = water->second;
+    recording.hulls.push_back(std::move(*hull));
+  }
+}
+
+}  // namespace
+
+Recorder::Recorder(const Engine& engine, const std::string& folder, const Report& report)
+    : m_frame_step(engine.multibody().model().simulation.frame_step), m_csv_path(folder + "/results.csv") {
+  const Model& model = engine.multibody().model();
+  m_recording.model = &model;
+  m_recording.terrain = place_roads(engine, report);
+  place_hulls(m_recording, report);
+  m_recording.columns = result_columns(model);
+  m_csv.open(m_csv_path, std::ios::trunc);
+  m_csv << csv_line(m_recording.columns) << std::flush;
+  if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
+  m_vtk = std::make_unique<VtkWriter>(m_recording, folder);
+  if (std::any_of(model.elements.begin(), model.elements.end(), is_belt))
+    m_contact_axes = std::make_unique<ContactAxes>(model, m_recording.terrain, find_up(model.gravity));
+}
+
+void Recorder::record(const Engine& engine) {
+  m_recording.rows.push_back(calc_result_row(engine));
+  m_csv << csv_line(m_recording.rows.back()) << std::flush;
+  if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
+  if (!frame_due(engine.time())) return;
+  m_recording.frames.push_back(calc_frame(engine, m_contact_axes.get()));
+  m_vtk->write(m_recording.frames.back());
+}
+
+/// Frames come with the first output at or after each multiple of the frame step.
+bool Recorder::frame_due(double time) {
+  if (!(m_frame_step > 0)) return true;
+  const double slack = 1e-9 * m_frame_step;  // output times are rounded multiples too
+  if (time < m_next_frame - slack) return false;
+  m_next_frame = m_frame_step * (std::floor((time + slack) / m_frame_step) + 1);
+  return true;
+}
+
+std::vector<std::string> Recorder::files() const {
+  std::vector<std::string> all = {"results.csv"};
+  all.insert(all.end(), m_vtk->files().begin(), m_vtk->files().end());
+  return all;
+}
+
+}  // namespace qvslv

@@ -1,0 +1,97 @@
+#include "solver/results/report_page.h"
+
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+
+#include "solver/results/report_page/page_data.h"
+
+namespace qvslv {
+
+/// Files embedded at build time (cmake/embed.cmake).
+namespace page_files {
+extern const std::string_view page_html;
+extern const std::string_view style_css;
+extern const std::string_view three_js;
+extern const std::string_view chart_js;
+extern const std::string_view page_data_js;
+extern const std::string_view color_map_js;
+extern const std::string_view camera_js;
+extern const std::string_view body_shapes_js;
+extern const std::string_view terrain_js;
+extern const std::string_view afloat_js;
+extern const std::string_view replay_js;
+extern const std::string_view player_js;
+extern const std::string_view header_js;
+extern const std::string_view plots_js;
+extern const std::string_view main_js;
+}  // namespace page_files
+
+namespace {
+
+std::string html_text(const std::string& text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '&':
+        out += "&amp;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string scripts() {
+  using namespace page_files;
+  std::string text;
+  for (const std::string_view script : {three_js, chart_js, page_data_js, color_map_js, camera_js, body_shapes_js,
+                                        terrain_js, afloat_js, replay_js, player_js, header_js, plots_js, main_js}) {
+    text += "<script>\n";
+    text += script;
+    text += "</script>\n";
+  }
+  return text;
+}
+
+/// The template with the parts in place of its `<!--@name-->`. What a part holds is not looked into.
+std::string filled(std::string_view page, const std::map<std::string_view, std::string>& parts) {
+  constexpr std::string_view k_open = "<!--@", k_close = "-->";
+  std::string text;
+  for (;;) {
+    const size_t open = page.find(k_open);
+    text += page.substr(0, open);
+    if (open == std::string_view::npos) return text;
+    page.remove_prefix(open + k_open.size());
+    const size_t close = page.find(k_close);
+    text += parts.at(page.substr(0, close));
+    page.remove_prefix(close + k_close.size());
+  }
+}
+
+}  // namespace
+
+std::string report_page(const Model& model, const Recording& recording, const RunRecord& record,
+                        const ReportLimits& limits) {
+  return filled(page_files::page_html, {{"title", html_text(model.title.empty() ? model.path : model.title)},
+                                        {"style", std::string(page_files::style_css)},
+                                        {"data", page_data(model, recording, record, limits)},
+                                        {"scripts", scripts()}});
+}
+
+void write_report_page(const Model& model, const Recording& recording, const RunRecord& record) {
+  const std::string path = record.out_folder + "/report.html";
+  std::ofstream out(path, std::ios::trunc | std::ios::binary);
+  out << report_page(model, recording, record) << std::flush;
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+}  // namespace qvslv

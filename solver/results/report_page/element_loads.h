@@ -1,0 +1,36 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "solver/results/recording.h"
+
+namespace qvslv {
+
+/// Force of an element on its body, in ground axes.
+struct ElementLoad {
+  Vec3 place = {0, 0, 0};
+  Vec3 force = {0, 0, 0};
+};
+
+/// Reads the force of each force element out of the table of results.
+class ElementLoads {
+public:
+  /// @param columns  headers of the table; elements whose force is not recorded are left out
+  ElementLoads(const Model& model, const std::vector<std::string>& columns);
+
+  /// Indices into Model::elements.
+  const std::vector<int>& elements() const { return m_elements; }
+
+  /// One per element, from the row with the frame's time; no force without such a row. Points that touch the ground
+  /// draw the place to where they carry, weighed by normal force; else it is the element's marker.
+  std::vector<ElementLoad> find_loads(const Frame& frame, const std::vector<std::vector<double>>& rows) const;
+
+private:
+  const Model& m_model;
+  std::vector<int> m_elements;
+  std::vector<std::array<size_t, 3>> m_columns;  ///< of the force, one per element
+};
+
+}  // namespace qvslv

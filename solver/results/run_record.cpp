@@ -1,0 +1,90 @@
+#include "solver/results/run_record.h"
+
+#include <Simbody.h>
+#include <fmt/format.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+namespace qvslv {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* outcome_name(RunOutcome outcome) {
+  switch (outcome) {
+    case RunOutcome::finished:
+      return "finished";
+    case RunOutcome::interrupted:
+      return "interrupted";
+    case RunOutcome::stopped:
+      return "stopped";
+    case RunOutcome::failed:
+      return "failed";
+  }
+  return "failed";
+}
+
+Json versions() {
+  int major = 0, minor = 0, build = 0;
+  SimTK_version_simbody(&major, &minor, &build);
+  return {{"qvbrisk", QVBRISK_VERSION},
+          {"simbody", fmt::format("{}.{}.{}", major, minor, build)},
+          {"compiler", __VERSION__}};
+}
+
+Json settings(const Model& model) {
+  const Simulation& s = model.simulation;
+  const bool fixed = s.integrator != Integrator::runge_kutta_merson;
+  Json json = {{"end_time", s.end_time},
+               {"output_step", s.output_step},
+               {"frame_step", s.frame_step > 0 ? s.frame_step : s.output_step},
+               {"integrator", integrator_name(s.integrator)}};
+  if (fixed) {
+    json["step"] = s.step;
+  } else {
+    json["accuracy"] = s.accuracy;
+    if (s.max_step > 0) json["max_step"] = s.max_step;
+  }
+  json["gravity"] = model.gravity;
+  const Units& u = model.units;
+  json["units"] = {{"length", u.length}, {"mass", u.mass}, {"time", u.time}, {"force", u.force}, {"angle", u.angle}};
+  return json;
+}
+
+}  // namespace
+
+std::string run_record_text(const Model& model, const RunRecord& record) {
+  const RunSummary& summary = record.summary;
+  Json json;
+  json["title"] = model.title;
+  json["model"] = model.path;
+  json["library"] = record.plugin_path;
+  json["command"] = record.command;
+  json["overrides"] = record.overrides;
+  json["versions"] = versions();
+  json["settings"] = settings(model);
+  json["started"] = record.started;
+  json["outcome"] = record.running ? "running" : outcome_name(summary.outcome);
+  json["complete"] = !record.running && summary.outcome == RunOutcome::finished;
+  json["message"] = summary.message;
+  json["messages"] = record.messages;
+  json["time_reached"] = summary.time;
+  json["wall_seconds"] = summary.wall_seconds;
+  json["steps"] = summary.steps;
+  json["evaluations"] = summary.evaluations;
+  json["files"] = summary.files;
+  // A text that is no UTF-8 (a subroutine's message) is kept readable instead of failing the run.
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+void write_run_record(const Model& model, const RunRecord& record) {
+  const std::string path = record.out_folder + "/run.json";
+  std::ofstream out(path, std::ios::trunc);
+  out << run_record_text(model, record) << std::flush;
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+}  // namespace qvslv

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "solver/results/recording.h"
+#include "solver/results/water_surface.h"
+
+namespace qvslv {
+
+/// Pictures of a run as VTK XML PolyData, for ParaView and its kin:
+///   frames/terrain.vtp            the roads, in their places of the start
+///   frames/bodies_000000.vtp ...  all bodies that have a shape; cells carry `body` (index in the model's order)
+///   frames/points_000000.vtp ...  contact points with sinkage, dynamic_sinkage, local_force (shear 1, shear 2,
+///   normal),
+///                                 force, normal_force, in_contact, element; written when an element has points
+///   frames/hulls_000000.vtp ...   patch meshes of hydro force elements; nodes carry `depth` under the water, cells
+///                                 `wet` and `element` (index in the model's order)
+///   frames/water_000000.vtp ...   the waters' surfaces around the hulls; nodes carry `elevation`
+///   frames.pvd                    the index over time: parts bodies, points, hulls, water, terrain
+/// The index is complete after every frame. Throws std::runtime_error when a file cannot be written.
+class VtkWriter {
+public:
+  /// @param recording  with its model, terrain, hulls and waters; outlives this
+  /// @param folder  of the run; frames/ is made inside
+  VtkWriter(const Recording& recording, std::string folder);
+
+  void write(const Frame& frame);
+
+  /// Written so far, relative to the folder.
+  const std::vector<std::string>& files() const { return m_files; }
+
+private:
+  void write_bodies(const Frame& frame, const std::string& name);
+  void write_points(const Frame& frame, const std::string& name);
+  void write_hulls(const Frame& frame, const std::string& name);
+  void write_water(const Frame& frame, const std::string& name);
+  void index_frame(double time, const std::vector<std::string>& parts);
+  void write_file(const std::string& name, const std::string& text);
+
+  const Recording& m_recording;
+  std::string m_folder;
+  std::vector<TriangleMesh> m_shapes;  ///< one per body, empty where it has none
+  bool m_has_terrain;
+  bool m_has_points;
+  std::vector<WaterReach> m_reaches;  ///< so far, one per water
+  std::ofstream m_index;
+  std::streampos m_index_end;  ///< before the closing tags
+  long m_frames = 0;
+  std::vector<std::string> m_files;
+};
+
+}  // namespace qvslv
