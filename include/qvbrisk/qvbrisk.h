@@ -4,6 +4,7 @@
 
 #include "qvbrisk/codes.h"
 #include "qvbrisk/constants.h"
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/services.h"
 #include "qvbrisk/subroutines.h"
 
