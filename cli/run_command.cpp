@@ -81,11 +81,6 @@ void tell_outcome(const qvslv::RunSummary& summary, const RunRequest& request, c
     if (const char* hint = how_to_look(file)) std::fprintf(stream, "  %-20s %s\n", file.c_str(), hint);
 }
 
-std::string time_unit_symbol(const qvslv::Units& units) {
-  const qvslv::UnitName* unit = qvslv::find_unit(qvslv::UnitQuantity::time, units.time);
-  return unit == nullptr ? units.time : unit->symbol;
-}
-
 int run(RunRequest request) {
   const qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
   for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
@@ -93,7 +88,7 @@ int run(RunRequest request) {
     if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
   if (request.out.empty()) request.out = default_results_folder(request.model);
 
-  const std::string time_unit = time_unit_symbol(file.model.units);
+  const std::string time_unit = qvslv::UnitSymbols(file.model.units).time;
   ProgressLine progress_line(!request.quiet, time_unit);
   qvslv::RunOptions options;
   options.plugin_path = request.plugin_path.empty() ? default_library() : request.plugin_path;

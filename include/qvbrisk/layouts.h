@@ -12,16 +12,16 @@
  *   parameters  X(P, name, kind, unit, meaning)
  *   results     X(P, name, values, column, quantity, meaning)
  *
- *   kind      number (a value, index, count or switch), marker, marker_or_none (0: none), body, file (a string that names
- *             a file), variable, equation, spline, force (a force or element, or a marker for the sum of the forces
- *             there): ids; unused: not read
- *   unit      of a number, in the model's units; "" for none
- *   values    how many entries of `result` belong together: 1, or 3 for a vector (x, y, z)
- *   column    name in the stand-alone solver's results.csv; "" is not recorded
- *   quantity  force, moment, length, area, volume, energy, speed, degrees, none: gives the unit
+ *   kind      number (a value, index, count or switch), marker, marker_or_none (0: none), body, file (a string that
+ * names a file), variable, equation, spline, force (a force or element, or a marker for the sum of the forces there):
+ * ids; unused: not read unit      of a number, in the model's units; "" for none values    how many entries of `result`
+ * belong together: 1, or 3 for a vector (x, y, z) column    name in the stand-alone solver's results.csv, "%" in it the
+ * name of the point or body; "" is not recorded quantity  force, moment, length, area, volume, energy, speed, degrees,
+ * none: gives the unit
  *
  * Positions are enumerators: P followed by the name is an entry's position in `par` or, its first value's, in `result`;
- * P followed by LENGTH is the number of entries. Ids, indices, counts and switches are doubles, truncated toward zero. */
+ * P followed by LENGTH is the number of entries. Ids, indices, counts and switches are doubles, truncated toward zero.
+ */
 #ifndef QVBRISK_LAYOUTS_H
 #define QVBRISK_LAYOUTS_H
 
@@ -201,9 +201,9 @@ enum { QV_TRACK_SUM_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_TRACK_SUM_RESULT_) QV_
   X(P, NODE_COUNT,             number, "",                       "N: number of nodes")
 /* Node i, i = 0 .. N - 1, behind the entries above; then the number of patches P; then patch p, p = 0 .. P - 1. */
 #define QV_HULL_NODE_PAR(X, P) \
-  X(P, X, number, "length", "x of node i, in the body marker's axes") \
-  X(P, Y, number, "length", "y of node i") \
-  X(P, Z, number, "length", "z of node i")
+  X(P, POSITION_X, number, "length", "x of node i, in the body marker's axes") \
+  X(P, POSITION_Y, number, "length", "y of node i") \
+  X(P, POSITION_Z, number, "length", "z of node i")
 #define QV_HULL_PATCH_COUNT_PAR(X, P) \
   X(P, COUNT, number, "", "P: number of patches")
 #define QV_HULL_PATCH_PAR(X, P) \
@@ -236,7 +236,7 @@ enum { QV_HULL_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_HULL_RESULT_) QV_HULL_RESUL
   X(P, BODY_MARKER,           marker, "", "body marker") \
   X(P, WATER_MARKER,          marker, "", "water marker") \
   X(P, UNUSED_4,              unused, "", "not read") \
-  X(P, REPORTED_FORCE,        force,  "", "force whose z component is reported (\"TFORCE\")") \
+  X(P, REPORTED_FORCE,        force,  "", "force whose z component is reported") \
   X(P, REPORTED_FORCE_MARKER, marker, "", "marker of that force") \
   X(P, UNUSED_7,              unused, "", "not read") \
   X(P, UNUSED_8,              unused, "", "not read") \
@@ -258,8 +258,8 @@ enum { QV_HULL_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_HULL_RESULT_) QV_HULL_RESUL
   X(P, FORCE_Z,         1, "force_z",         force,   "z component of the force named") \
   X(P, MASS_CENTRE,     3, "mass_centre",     length,  "centre of mass G: the force markers' positions weighted by the masses")
 #define QV_HULL_REPORT_POINT_RESULTS(X, P) \
-  X(P, HEIGHT,   1, "height", length, "height of check point i over the water marker") \
-  X(P, POSITION, 3, "",       length, "its position")
+  X(P, HEIGHT,   1, "%_height", length, "height of check point i over the water marker") \
+  X(P, POSITION, 3, "%",        length, "its position")
 
 enum { QV_HULL_REPORT_PAR(QV_LAYOUT_PAR_POSITION, QV_HULL_REPORT_) QV_HULL_REPORT_LENGTH };
 enum { QV_HULL_REPORT_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_HULL_REPORT_RESULT_) QV_HULL_REPORT_RESULT_LENGTH };
@@ -275,11 +275,11 @@ enum { QV_HULL_REPORT_POINT_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_HULL_REPORT_PO
   X(P, WATER_MARKER,           marker,   "", "water marker: frame of the WAVE file, z up") \
   X(P, MODE,                   number,   "", "mode: 1 variable, 2 feedback zero with the variable, 3 feedback limited by a spline, other feedback") \
   X(P, SPLINE,                 spline,   "", "spline (mode 3)") \
-  X(P, VARIABLE,               variable, "", "variable, its value is v") \
-  X(P, EQUATION,               equation, "", "differential equation (all modes but 1), its value and derivatives are d0, d1, d2") \
-  X(P, FIRST_DERIVATIVE_GAIN,  number,   "", "gain of d1") \
-  X(P, SECOND_DERIVATIVE_GAIN, number,   "", "gain of d2") \
-  X(P, STATE_GAIN,             number,   "", "gain of d0") \
+  X(P, VARIABLE,               variable, "", "variable v") \
+  X(P, EQUATION,               equation, "", "differential equation (all modes but 1)") \
+  X(P, FIRST_DERIVATIVE_GAIN,  number,   "", "gain of the equation's first derivative") \
+  X(P, SECOND_DERIVATIVE_GAIN, number,   "", "gain of its second derivative") \
+  X(P, STATE_GAIN,             number,   "", "gain of its value") \
   X(P, WAVE_SWITCH,            number,   "", "wave switch: 1 needs the water of a WAVE file") \
   X(P, WAVE_STRING,            file,     "", "string: WAVE file (read when the wave switch is 1)")
 #define QV_THRUST_RESULTS(X, P) \
@@ -294,7 +294,7 @@ enum { QV_THRUST_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_THRUST_RESULT_) QV_THRUST
   X(P, UNUSED_0,         unused,   "", "not read") \
   X(P, VEHICLE_MARKER,   marker,   "", "vehicle marker") \
   X(P, REFERENCE_MARKER, marker,   "", "reference marker") \
-  X(P, COMMAND,          variable, "", "variable: the velocity commanded [length/time]")
+  X(P, COMMAND,          variable, "", "variable: commanded speed")
 #define QV_SPEED_ERROR_RESULTS(X, P) \
   X(P, VALUE, 1, "velocity_error", speed, "velocity along the vehicle marker's x axis less the command; 0 while the command is exactly 0")
 
@@ -307,13 +307,13 @@ enum { QV_SPEED_ERROR_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_SPEED_ERROR_RESULT_)
   X(P, BALL_COUNT, number, "", "n: number of balls")
 /* The bodies of all balls, behind the entries above; then all diameters. */
 #define QV_BALLS_BODY_PAR(X, P) \
-  X(P, BODY, body, "", "ball i: its body")
+  X(P, BODY, body, "", "body of ball i")
 #define QV_BALLS_DIAMETER_PAR(X, P) \
-  X(P, DIAMETER, number, "length", "diameter d of ball i")
+  X(P, DIAMETER, number, "length", "diameter of ball i")
 #define QV_BALL_RESULTS(X, P) \
-  X(P, DIAMETER,             1, "diameter",             length, "diameter of ball i, as given") \
-  X(P, TRANSLATIONAL_ENERGY, 1, "translational_energy", energy, "its translational kinetic energy") \
-  X(P, ROTATIONAL_ENERGY,    1, "rotational_energy",    energy, "its rotational kinetic energy")
+  X(P, DIAMETER,             1, "%.diameter",             length, "diameter of ball i, as given") \
+  X(P, TRANSLATIONAL_ENERGY, 1, "%.translational_energy", energy, "its translational kinetic energy") \
+  X(P, ROTATIONAL_ENERGY,    1, "%.rotational_energy",    energy, "its rotational kinetic energy")
 
 enum { QV_BALLS_PAR(QV_LAYOUT_PAR_POSITION, QV_BALLS_) QV_BALLS_LENGTH };
 enum { QV_BALL_RESULTS(QV_LAYOUT_RESULT_POSITION, QV_BALL_RESULT_) QV_BALL_RESULT_LENGTH };

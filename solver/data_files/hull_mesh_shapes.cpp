@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "solver/data_files/hull_mesh.h"
-#include "solver/results/shape_mesh.h"
 
 namespace qvslv {
 

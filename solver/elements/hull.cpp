@@ -1,51 +1,37 @@
-#include "solver/elements/hull.h"
-
 #include <cmath>
 #include <filesystem>
+#include <optional>
 
+#include "qvbrisk/layouts.h"
+#include "solver/data_files/hull_mesh.h"
+#include "solver/elements/defaults.h"
+#include "solver/elements/hull_mesh.h"
+#include "solver/elements/hull_water.h"
 #include "solver/elements/kinds.h"
 #include "solver/model_file/par.h"
 
+/// type = "hull": a qvhydro_force for each slice of its mesh, and a qvhydro_report if one is asked for.
 namespace qvslv {
 
 namespace {
 
-/// Positions in the parameter list of qvhydro_force.
-enum HullPar : size_t {
-  part_number,
-  part_count,
-  hull_number,
-  hull_count,
-  force_marker,
-  water_marker,
-  mesh_marker,
-  wave_string,
-  current_string,
-  part_mass,
-  load_scale = 12,
-  active_from,
-  active_to,
-  density,
-  gravity,
-  tangential_coefficient,
-  tangential_exponent,
-  drag_scale,
-  node_count,
-  fixed_count
+/// The report of a hull, made when all elements are there.
+struct HullReport {
+  std::string force;  ///< name of the force whose z component it tells; empty: the hull's first slice
+  FilePosition force_at;
+  int force_marker = 0;     ///< index into Model::markers, for the force's axes
+  std::vector<int> points;  ///< likewise, markers whose heights over the water marker it tells
 };
 
-/// Of qvhydro_report.
-enum ReportPar : size_t {
-  report_hull = 1,
-  report_body,
-  report_water,
-  report_force = 5,
-  report_force_marker,
-  point_count = 11,
-  report_fixed_count
+struct HullElement {
+  std::string name;
+  size_t first_element = 0;  ///< index into Model::elements of the first slice; the others follow
+  int parts = 1;
+  int body = 0;          ///< index into Model::bodies
+  int water_marker = 0;  ///< index into Model::markers
+  std::optional<HullReport> report;
+  FilePosition at;
 };
-
-double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
 
 /// A marker that must be fixed to the hull's body.
 int marker_on_body(const TableReader& table, const char* key, int body, const Reading& reading) {
@@ -93,35 +79,35 @@ std::vector<double> common_par(const TableReader& table, const HullElement& hull
   const Model& model = reading.model();
   const Body& body = model.bodies[static_cast<size_t>(hull.body)];
   const auto stem = [](const std::string& file) { return std::filesystem::path(file).stem().string(); };
-  std::vector<double> par(fixed_count, 0.0);
-  par[part_count] = hull.parts;
-  par[force_marker] =
+  std::vector<double> par(QV_HULL_LENGTH, 0.0);
+  par[QV_HULL_PART_COUNT] = hull.parts;
+  par[QV_HULL_FORCE_MARKER] =
       table.has("marker") ? marker_id(model, marker_on_body(table, "marker", hull.body, reading)) : body.id;
-  par[water_marker] = marker_id(model, hull.water_marker);
-  par[mesh_marker] =
+  par[QV_HULL_WATER_MARKER] = marker_id(model, hull.water_marker);
+  par[QV_HULL_BODY_MARKER] =
       table.has("mesh_marker") ? marker_id(model, marker_on_body(table, "mesh_marker", hull.body, reading)) : body.id;
   const std::string wave = wave_file_of(table, "wave", reading), current = current_file_of(table, "current", reading);
-  par[wave_string] = reading.string_id(wave, stem(wave));
-  par[current_string] = reading.string_id(current, stem(current));
-  par[load_scale] = scale_in_units(table.number("scale", 1), model.units);
+  par[QV_HULL_WAVE_STRING] = reading.string_id(wave, stem(wave));
+  par[QV_HULL_CURRENT_STRING] = reading.string_id(current, stem(current));
+  par[QV_HULL_LOAD_SCALE] = scale_in_units(table.number("scale", 1), model.units);
   if (table.has("active")) {
     const std::vector<double> active = table.numbers("active", 2);
     if (!(active[1] > active[0])) table.fail("active", "the end must be later than the start");
-    par[active_from] = active[0];
-    par[active_to] = active[1];
+    par[QV_HULL_ACTIVE_FROM] = active[0];
+    par[QV_HULL_ACTIVE_TO] = active[1];
   }
-  par[density] = table.positive("density");
-  par[gravity] = gravity_of(table, model);
+  par[QV_HULL_DENSITY] = table.positive("density");
+  par[QV_HULL_GRAVITY] = gravity_of(table, model);
   const Skin skin = skin_of(table);
-  par[tangential_coefficient] = coefficient_in_units(skin, model.units);
-  par[tangential_exponent] = skin.exponent;
-  par[drag_scale] = table.number("drag_scale", 1);
+  par[QV_HULL_TANGENTIAL_COEFFICIENT] = coefficient_in_units(skin, model.units);
+  par[QV_HULL_TANGENTIAL_EXPONENT] = skin.exponent;
+  par[QV_HULL_DRAG_SCALE] = table.number("drag_scale", 1);
   return par;
 }
 
 /// Nodes and patches behind the fixed entries; `shift` goes from the marker that carries the mesh to its origin.
-void append_mesh(const TriangleMesh& mesh, const Vec3& shift, std::vector<double>& par) {
-  par[node_count] = static_cast<double>(mesh.points.size());
+void append_nodes_and_patches(const TriangleMesh& mesh, const Vec3& shift, std::vector<double>& par) {
+  par[QV_HULL_NODE_COUNT] = static_cast<double>(mesh.points.size());
   par.reserve(par.size() + 3 * mesh.points.size() + 1 + 3 * mesh.triangles.size());
   for (const Vec3& point : mesh.points)
     for (size_t k = 0; k < 3; ++k) par.push_back(point[k] + shift[k]);
@@ -174,22 +160,21 @@ Element report_element(const HullElement& hull, int number, Reading& reading) {
   element.subroutine = "qvhydro_report";
   element.kind = ElementKind::report;
   element.at = hull.at;
-  element.par.assign(report_fixed_count, 0.0);
-  element.par[report_hull] = number;
-  element.par[report_body] = model.bodies[static_cast<size_t>(hull.body)].id;
-  element.par[report_water] = marker_id(model, hull.water_marker);
-  element.par[report_force_marker] = marker_id(model, report.force_marker);
-  element.par[point_count] = static_cast<double>(report.points.size());
+  element.par.assign(QV_HULL_REPORT_LENGTH, 0.0);
+  element.par[QV_HULL_REPORT_FORCE_ID] = number;
+  element.par[QV_HULL_REPORT_BODY_MARKER] = model.bodies[static_cast<size_t>(hull.body)].id;
+  element.par[QV_HULL_REPORT_WATER_MARKER] = marker_id(model, hull.water_marker);
+  element.par[QV_HULL_REPORT_REPORTED_FORCE_MARKER] = marker_id(model, report.force_marker);
+  element.par[QV_HULL_REPORT_POINT_COUNT] = static_cast<double>(report.points.size());
   for (const int point : report.points) element.par.push_back(marker_id(model, point));
   const std::string force = report.force.empty() ? model.elements[hull.first_element].name : report.force;
-  ask_for_force(reading, model.elements.size(), report_force, force, "element '" + hull.name + "', report, force",
-                report.force_at);
-  set_defaults(element, *find_layout(element.subroutine), model);
+  ask_for_force(reading, model.elements.size(), QV_HULL_REPORT_REPORTED_FORCE, force,
+                "element '" + hull.name + "', report, force", report.force_at);
+  set_defaults(element, model);
   return element;
 }
 
-}  // namespace
-
+/// The slices of a hull, not yet numbered. `hull` gets what the rest needs.
 std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullElement& hull) {
   hull.name = table.text("name");
   hull.at = table.at();
@@ -201,7 +186,7 @@ std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullE
     table.fail("parts", "there are only " + std::to_string(mesh.triangles.size()) + " triangles to share");
   tell(mesh, hull, reading);
   check_water_files(table, reading);
-  warn_about_reach(table, mesh, hull, reading);
+  warn_about_reach(table, mesh, hull.body, hull.water_marker, reading);
   if (wants_report(table)) hull.report = read_report(table, hull, reading);
 
   const Body& body = reading.model().bodies[static_cast<size_t>(hull.body)];
@@ -214,21 +199,22 @@ std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullE
     element.subroutine = "qvhydro_force";
     element.kind = ElementKind::force;
     element.par = common;
-    element.par[part_number] = static_cast<double>(elements.size());
-    element.par[part_mass] = hull.parts == 1 ? mass : mass * (calc_area(slice) / area);
-    append_mesh(slice, shift, element.par);
-    set_defaults(element, *find_layout(element.subroutine), reading.model());
+    element.par[QV_HULL_PART] = static_cast<double>(elements.size());
+    element.par[QV_HULL_MASS] = hull.parts == 1 ? mass : mass * (calc_area(slice) / area);
+    append_nodes_and_patches(slice, shift, element.par);
+    set_defaults(element, reading.model());
     elements.push_back(std::move(element));
   }
   return elements;
 }
 
+/// Hydro force ids and their count need all hulls of the model; the reports need the ids.
 void number_hulls(const std::vector<HullElement>& hulls, Reading& reading) {
   for (size_t i = 0; i < hulls.size(); ++i)
     for (int part = 0; part < hulls[i].parts; ++part) {
       std::vector<double>& par = reading.model().elements[hulls[i].first_element + static_cast<size_t>(part)].par;
-      par[hull_number] = static_cast<double>(i + 1);
-      par[hull_count] = static_cast<double>(hulls.size());
+      par[QV_HULL_FORCE_ID] = static_cast<double>(i + 1);
+      par[QV_HULL_FORCE_COUNT] = static_cast<double>(hulls.size());
     }
   for (size_t i = 0; i < hulls.size(); ++i) {
     if (!hulls[i].report) continue;
@@ -236,6 +222,30 @@ void number_hulls(const std::vector<HullElement>& hulls, Reading& reading) {
     reading.elements.add_internal(report.name, static_cast<int>(reading.model().elements.size()));
     reading.model().elements.push_back(std::move(report));
   }
+}
+
+class HullReader : public KindReader {
+public:
+  std::vector<Element> read(const TableReader& table, Reading& reading) override {
+    m_hulls.emplace_back();
+    m_hulls.back().first_element = reading.model().elements.size();
+    return read_hull(table, reading, m_hulls.back());
+  }
+  void finish(Reading& reading) override { number_hulls(m_hulls, reading); }
+
+private:
+  std::vector<HullElement> m_hulls;
+};
+
+}  // namespace
+
+ReadableKind hull_kind() {
+  return {"hull",
+          {"body", "mesh", "mesh_scale", "flip", "mesh_marker", "marker", "water", "wave", "current", "density",
+           "gravity", "scale", "active", "drag_scale", "mass", "parts", "tangential", "report"},
+          make_kind_reader<HullReader>,
+          {"qvhydro_force"},
+          "hydro force ids are counted over all hulls"};
 }
 
 }  // namespace qvslv

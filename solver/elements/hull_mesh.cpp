@@ -1,9 +1,11 @@
+#include "solver/elements/hull_mesh.h"
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 
 #include "solver/data_files/find_data_file.h"
-#include "solver/elements/hull.h"
+#include "solver/data_files/hull_mesh.h"
 
 namespace qvslv {
 

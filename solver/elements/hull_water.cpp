@@ -1,9 +1,10 @@
+#include "solver/elements/hull_water.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
 
 #include "solver/data_files/find_data_file.h"
-#include "solver/elements/hull.h"
 
 namespace qvslv {
 
@@ -75,10 +76,11 @@ void check_water_files(const TableReader& table, const Reading& reading) {
                             "' is in the current folder, and then both are looked for there only; move one of them");
 }
 
-void warn_about_reach(const TableReader& table, const TriangleMesh& mesh, const HullElement& hull, Reading& reading) {
+void warn_about_reach(const TableReader& table, const TriangleMesh& mesh, int hull_body, int water_marker,
+                      Reading& reading) {
   const Model& model = reading.model();
-  const Marker& water = model.markers[static_cast<size_t>(hull.water_marker)];
-  const std::optional<Pose> body = start_of(hull.body, model);
+  const Marker& water = model.markers[static_cast<size_t>(water_marker)];
+  const std::optional<Pose> body = start_of(hull_body, model);
   const std::string file = wave_file_of(table, "wave", reading);
   const std::optional<Range> wave = range_of_wave(file, reading);
   if (!body || !wave || water.body != k_ground) return;

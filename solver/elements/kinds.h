@@ -1,52 +1,54 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "solver/model_file/layouts.h"
 #include "solver/model_file/reading.h"
 
+/// Readable elements: each kind of [[element]] table comes to plain ones, a subroutine and its `par`. A kind is one
+/// file that ends in a function returning its ReadableKind, and one row of the table in kinds.cpp.
 namespace qvslv {
 
-/// The list [[element]] of a model file; to be read behind everything else.
-void read_elements(const TableReader& root, Reading& reading);
+/// Reads the tables of one kind; made anew for each model file, so that it can count over all of them.
+class KindReader {
+public:
+  virtual ~KindReader() = default;
 
-/// The readers of the element layers. Every readable layer makes plain elements: a subroutine and its `par`.
+  /// The plain elements that a table comes to, one or more. They will follow Model::elements as it is now, and get the
+  /// table's name (and a number, if there are several) unless they have names already.
+  virtual std::vector<Element> read(const TableReader& table, Reading& reading) = 0;
 
-/// type = "subroutine": the plain layer.
-Element read_plain_element(const TableReader& table, Reading& reading);
-
-/// An equation's subroutine, called with the forces for the right-hand side.
-Element read_equation_element(const TableReader& table, Reading& reading);
-
-/// type = "balls": one qvballplacing_report.
-Element read_balls(const TableReader& table, Reading& reading);
-
-/// type = "soil_contact": a qvsoil_interaction each. Road numbers, element numbers and their counts need all of the
-/// model's contacts, so they are filled in by `number_soil_contacts`.
-struct SoilContact {
-  size_t element = 0;  ///< index into Model::elements
-  std::string road;    ///< file
-  bool sum = false;    ///< asks for the road's qvsoil_interaction_Sum
+  /// Called once the elements of all tables are there: fills in numbers and counts that need all of them, and may add
+  /// elements.
+  virtual void finish(Reading&) {}
 };
-Element read_soil_contact(const TableReader& table, Reading& reading, SoilContact& contact);
-void number_soil_contacts(const std::vector<SoilContact>& contacts, Reading& reading);
 
-/// The file that the key `road` means: that of a [[road]] with this name, else the text itself.
-std::string road_file_of(const TableReader& table, const Reading& reading);
+/// One kind of [[element]].
+struct ReadableKind {
+  std::string name;               ///< value of the key `type`
+  std::vector<std::string> keys;  ///< besides `name` and `type`
+  std::unique_ptr<KindReader> (*make_reader)() = nullptr;
+  /// Subroutines whose numbers in `par` the kind counts over the whole model: a plain element of these beside it would
+  /// claim the same numbers and is refused. `counted` says in words what is counted over what.
+  std::vector<std::string> numbered_subroutines = {};
+  std::string counted = {};
+};
 
-/// Sets what an element of a known subroutine has unless the file says otherwise: result length, columns, points,
-/// and marker, axes and reaction from the ids in `par`.
-void set_defaults(Element& element, const SubroutineLayout& layout, const Model& model);
+/// A reader that keeps nothing from one table to the next.
+template <Element (*read_one)(const TableReader&, Reading&)>
+class SingleReader : public KindReader {
+public:
+  std::vector<Element> read(const TableReader& table, Reading& reading) override { return {read_one(table, reading)}; }
+};
 
-/// Columns of a known subroutine's result, names and units.
-std::vector<ResultColumn> default_columns(const Element& element, const Model& model);
+template <class Reader>
+std::unique_ptr<KindReader> make_kind_reader() {
+  return std::make_unique<Reader>();
+}
 
-/// "m/s"
-std::string speed_symbol(const Units& units);
-
-/// Index of the marker or body with an id, or -1.
-int marker_with_id(const Model& model, double id);
-int body_with_id(const Model& model, double id);
+/// Reads the list [[element]] of a model file and numbers what came of it, with the elements of equations behind. To be
+/// called when everything else of the file is read. Throws ModelError at the first mistake.
+void read_elements(const TableReader& root, Reading& reading);
 
 }  // namespace qvslv

@@ -1,5 +1,9 @@
-#include <cmath>
+#include "solver/elements/plain.h"
 
+#include <cmath>
+#include <stdexcept>
+
+#include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 #include "solver/model/nearest_name.h"
 #include "solver/model_file/par.h"
@@ -45,6 +49,16 @@ ElementKind kind_named(const std::string& word) {
   return word == "evaluated" ? ElementKind::evaluated : ElementKind::report;
 }
 
+/// What a known subroutine writes for these parameters, 0 for another one.
+int least_result_length(const Element& element, const TableReader& table) {
+  const SubroutineLayout* layout = find_layout(element.subroutine);
+  try {
+    return layout != nullptr ? result_length(*layout, element.par) : 0;
+  } catch (const std::runtime_error& error) {
+    table.fail("par", error.what());
+  }
+}
+
 /// Subroutine, parameters and results, which elements and equations have alike.
 void read_call(const TableReader& table, Element& element, Reading& reading) {
   element.subroutine = table.text("subroutine");
@@ -52,25 +66,26 @@ void read_call(const TableReader& table, Element& element, Reading& reading) {
   if (layout == nullptr) check_foreign(table, element, reading);
   read_par(table, layout, element, reading);
   if (table.has("result_length")) element.result_length = table.count("result_length");
-  const int least = layout != nullptr ? layout->result_length(element.par) : 0;
+  const int least = least_result_length(element, table);
   if (element.result_length == 0) element.result_length = least;
   if (element.result_length < least || element.result_length == 0)
     table.fail(table.has("result_length") ? "result_length" : "par",
                "these parameters make " + element.subroutine + " write " + std::to_string(least) + " results");
 }
 
-void set_defaults_of_call(Element& element, const Model& model) {
-  const SubroutineLayout* layout = find_layout(element.subroutine);
-  if (layout != nullptr) {
-    set_defaults(element, *layout, model);
-  } else if (element.columns.empty()) {
-    element.columns = default_columns(element, model);
-  }
-}
-
 }  // namespace
 
-Element read_plain_element(const TableReader& table, Reading& reading) {
+Element read_equation_call(const TableReader& table, Reading& reading) {
+  Element element;
+  element.kind = ElementKind::evaluated;
+  read_call(table, element, reading);
+  set_defaults(element, reading.model());
+  return element;
+}
+
+namespace {
+
+Element read_plain(const TableReader& table, Reading& reading) {
   Element element;
   const SubroutineLayout* layout = find_layout(table.text("subroutine"));
   element.kind = layout != nullptr ? layout->kind : ElementKind::report;
@@ -80,43 +95,19 @@ Element read_plain_element(const TableReader& table, Reading& reading) {
   element.reaction = reading.marker_or(table, "reaction", k_none);
   element.axes = reading.marker_or(table, "axes", k_none);
   element.columns = read_columns(table, element.result_length);
-  set_defaults_of_call(element, reading.model());
+  set_defaults(element, reading.model());
   if (element.kind == ElementKind::force && element.marker == k_none) table.fail("a force needs a 'marker' to act on");
   if (element.kind == ElementKind::force && element.result_length < 6)
     table.fail("a force needs six results (force and torque), there are " + std::to_string(element.result_length));
   return element;
 }
 
-Element read_equation_element(const TableReader& table, Reading& reading) {
-  Element element;
-  element.kind = ElementKind::evaluated;
-  read_call(table, element, reading);
-  set_defaults_of_call(element, reading.model());
-  return element;
-}
+}  // namespace
 
-Element read_balls(const TableReader& table, Reading& reading) {
-  const std::vector<std::string> names = table.texts("bodies");
-  std::vector<double> diameters;
-  if (table.has("diameters")) diameters = table.numbers("diameters", names.size());
-  Element element;
-  element.subroutine = "qvballplacing_report";
-  element.kind = ElementKind::report;
-  element.par = {0, static_cast<double>(names.size())};
-  const Model& model = reading.model();
-  std::vector<double> shape_diameters;
-  for (const std::string& name : names) {
-    const Body& body = model.bodies[static_cast<size_t>(
-        reading.bodies.find(name, table.what() + ", bodies", table.position("bodies")))];
-    if (diameters.empty() && body.shape.kind != ShapeKind::sphere)
-      table.fail("bodies", "'" + name + "' has no sphere as its shape; give its diameter in 'diameters'");
-    element.par.push_back(body.id);
-    shape_diameters.push_back(2.0 * body.shape.radius);
-  }
-  for (const double diameter : diameters.empty() ? shape_diameters : diameters) element.par.push_back(diameter);
-  if (names.empty()) table.fail("bodies", "name at least one ball");
-  set_defaults(element, *find_layout(element.subroutine), model);
-  return element;
+ReadableKind plain_kind() {
+  return {"subroutine",
+          {"subroutine", "par", "kind", "marker", "reaction", "axes", "result_length", "columns"},
+          make_kind_reader<SingleReader<read_plain>>};
 }
 
 }  // namespace qvslv

@@ -1,56 +1,22 @@
 #include <filesystem>
 #include <map>
 
+#include "qvbrisk/layouts.h"
+#include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 
+/// type = "soil_contact": a qvsoil_interaction each, and a qvsoil_interaction_Sum per road if one asks for it.
 namespace qvslv {
 
 namespace fs = std::filesystem;
 
 namespace {
 
-/// Positions in the parameter list of qvsoil_interaction.
-enum SoilPar : size_t {
-  element_number,
-  body_marker,
-  road_number = 3,
-  road_string,
-  road_marker,
-  elements_on_road = 7,
-  road_count,
-  shape,
-  size,
-  width,
-  points_along,
-  points_across,
-  ground_marker,
-  par_count
+struct SoilContact {
+  size_t element = 0;  ///< index into Model::elements
+  std::string road;    ///< file
+  bool sum = false;    ///< asks for the road's sum
 };
-
-double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
-
-void add_sum(const std::string& road, int number, Reading& reading) {
-  Element sum;
-  sum.subroutine = "qvsoil_interaction_Sum";
-  sum.kind = ElementKind::report;
-  sum.par = {static_cast<double>(number)};
-  sum.name = free_name(reading.elements, fs::path(road).stem().string() + "_sum");
-  reading.elements.add_internal(sum.name, static_cast<int>(reading.model().elements.size()));
-  set_defaults(sum, *find_layout(sum.subroutine), reading.model());
-  reading.model().elements.push_back(std::move(sum));
-}
-
-}  // namespace
-
-std::string road_file_of(const TableReader& table, const Reading& reading) {
-  const std::string road = table.text("road");
-  if (reading.roads.has(road)) {
-    const int index = reading.roads.find(road, table.what(), table.position("road"));
-    return fs::path(reading.file.roads[static_cast<size_t>(index)].file).lexically_normal().string();
-  }
-  require_data_file(road, reading, table.what() + ", road", table.position("road"));
-  return fs::path(road).lexically_normal().string();
-}
 
 Element read_soil_contact(const TableReader& table, Reading& reading, SoilContact& contact) {
   const bool wheel = table.choice("shape", {"plate", "wheel"}) == "wheel";
@@ -62,7 +28,7 @@ Element read_soil_contact(const TableReader& table, Reading& reading, SoilContac
   for (const double count : grid)
     if (!(count >= 1 && count <= 1e5) || count != static_cast<double>(static_cast<int>(count)))
       table.fail("grid", "two whole numbers, 1 or more, are expected: points along (or around) and across");
-  contact.road = road_file_of(table, reading);
+  contact.road = road_file_of(table, "road", reading);
   contact.sum = table.flag("sum", false);
 
   const Model& model = reading.model();
@@ -70,20 +36,33 @@ Element read_soil_contact(const TableReader& table, Reading& reading, SoilContac
   Element element;
   element.subroutine = "qvsoil_interaction";
   element.kind = ElementKind::force;
-  element.par.assign(par_count, 0.0);
-  element.par[body_marker] = marker_id(model, on_body);
-  element.par[road_string] = reading.string_id(contact.road, fs::path(contact.road).stem().string());
-  element.par[road_marker] = marker_id(model, on_road);
-  element.par[shape] = wheel ? 2 : 1;
-  element.par[size] = table.positive(size_key);
-  element.par[width] = table.positive("width");
-  element.par[points_along] = grid[0];
-  element.par[points_across] = grid[1];
-  element.par[ground_marker] = model.ground_id;
-  set_defaults(element, *find_layout(element.subroutine), model);
+  element.par.assign(QV_SOIL_LENGTH, 0.0);
+  element.par[QV_SOIL_BODY_MARKER] = marker_id(model, on_body);
+  element.par[QV_SOIL_ROAD_STRING] = reading.string_id(contact.road, fs::path(contact.road).stem().string());
+  element.par[QV_SOIL_ROAD_MARKER] = marker_id(model, on_road);
+  element.par[QV_SOIL_SHAPE] = wheel ? 2 : 1;
+  element.par[QV_SOIL_SIZE] = table.positive(size_key);
+  element.par[QV_SOIL_WIDTH] = table.positive("width");
+  element.par[QV_SOIL_POINTS_ALONG] = grid[0];
+  element.par[QV_SOIL_POINTS_ACROSS] = grid[1];
+  element.par[QV_SOIL_GROUND_MARKER] = model.ground_id;
+  set_defaults(element, model);
   return element;
 }
 
+void add_sum(const std::string& road, int number, Reading& reading) {
+  Element sum;
+  sum.subroutine = "qvsoil_interaction_Sum";
+  sum.kind = ElementKind::report;
+  sum.par.assign(QV_SOIL_SUM_LENGTH, 0.0);
+  sum.par[QV_SOIL_SUM_ROAD] = number;
+  sum.name = free_name(reading.elements, fs::path(road).stem().string() + "_sum");
+  reading.elements.add_internal(sum.name, static_cast<int>(reading.model().elements.size()));
+  set_defaults(sum, reading.model());
+  reading.model().elements.push_back(std::move(sum));
+}
+
+/// Roads are numbered by their first contact, the contacts of a road one after the other.
 void number_soil_contacts(const std::vector<SoilContact>& contacts, Reading& reading) {
   std::vector<std::string> roads;
   std::map<std::string, int> number, count;
@@ -91,17 +70,40 @@ void number_soil_contacts(const std::vector<SoilContact>& contacts, Reading& rea
   for (const SoilContact& contact : contacts) {
     if (number.emplace(contact.road, static_cast<int>(roads.size())).second) roads.push_back(contact.road);
     std::vector<double>& par = reading.model().elements[contact.element].par;
-    par[element_number] = count[contact.road]++;
-    par[road_number] = number[contact.road];
+    par[QV_SOIL_ELEMENT] = count[contact.road]++;
+    par[QV_SOIL_ROAD] = number[contact.road];
     sum[contact.road] = sum[contact.road] || contact.sum;
   }
   for (const SoilContact& contact : contacts) {
     std::vector<double>& par = reading.model().elements[contact.element].par;
-    par[elements_on_road] = count[contact.road];
-    par[road_count] = static_cast<double>(roads.size());
+    par[QV_SOIL_ELEMENTS_ON_ROAD] = count[contact.road];
+    par[QV_SOIL_ROAD_COUNT] = static_cast<double>(roads.size());
   }
   for (const std::string& road : roads)
     if (sum[road]) add_sum(road, number[road], reading);
+}
+
+class SoilContactReader : public KindReader {
+public:
+  std::vector<Element> read(const TableReader& table, Reading& reading) override {
+    m_contacts.emplace_back();
+    m_contacts.back().element = reading.model().elements.size();
+    return {read_soil_contact(table, reading, m_contacts.back())};
+  }
+  void finish(Reading& reading) override { number_soil_contacts(m_contacts, reading); }
+
+private:
+  std::vector<SoilContact> m_contacts;
+};
+
+}  // namespace
+
+ReadableKind soil_contact_kind() {
+  return {"soil_contact",
+          {"shape", "marker", "road", "road_marker", "radius", "length", "width", "grid", "sum"},
+          make_kind_reader<SoilContactReader>,
+          {"qvsoil_interaction"},
+          "road and element numbers are counted over all contacts"};
 }
 
 }  // namespace qvslv

@@ -1,31 +1,14 @@
-#include "solver/elements/thruster.h"
-
 #include <filesystem>
 
+#include "qvbrisk/layouts.h"
+#include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 
+/// type = "thruster": one qvsoil_thrustforce, which pushes along its marker's x axis; with `speed_control` also the
+/// equation whose right-hand side is qvsoil_error_velocity.
 namespace qvslv {
 
 namespace {
-
-/// Positions in the parameter list of qvsoil_thrustforce.
-enum ThrustPar : size_t {
-  thruster_number,
-  thruster_count,
-  thrust_marker,
-  second_marker = 4,
-  water_marker,
-  thrust_mode,
-  limit_spline,
-  command_variable,
-  feedback_equation,
-  first_derivative_gain,
-  second_derivative_gain,
-  state_gain,
-  wave_switch,
-  wave_string,
-  par_count
-};
 
 /// Numbers of the modes as the subroutine has them.
 enum ThrustMode { feedback = 0, variable_itself = 1, feedback_or_off = 2, limited = 3 };
@@ -36,8 +19,6 @@ ThrustMode read_mode(const TableReader& table) {
   if (word == "feedback_or_off") return feedback_or_off;
   return word == "limited" ? limited : feedback;
 }
-
-double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
 
 double variable_id(const TableReader& table, const std::string& key, const Reading& reading) {
   const int index = reading.variables.find(table.text(key), table.what() + ", " + key, table.position(key));
@@ -70,8 +51,12 @@ double add_speed_equation(const TableReader& thruster, double marker, Reading& r
   equation.id = next_id_of(model.equations);
   reading.equations.add_internal(equation.name, static_cast<int>(model.equations.size()));
   reading.elements.add_internal(equation.name, k_none);
+  std::vector<double> par(QV_SPEED_ERROR_LENGTH, 0.0);
+  par[QV_SPEED_ERROR_VEHICLE_MARKER] = marker;
+  par[QV_SPEED_ERROR_REFERENCE_MARKER] = reference;
+  par[QV_SPEED_ERROR_COMMAND] = command;
   reading.subroutine_equations.push_back(
-      {model.equations.size(), std::nullopt, "qvsoil_error_velocity", {0, marker, reference, command}, {}});
+      {model.equations.size(), std::nullopt, "qvsoil_error_velocity", std::move(par), {}});
   model.equations.push_back(std::move(equation));
   return model.equations.back().id;
 }
@@ -89,17 +74,17 @@ double equation_id(const TableReader& table, double marker, Reading& reading) {
 void read_gains(const TableReader& thruster, std::vector<double>& par) {
   const TableReader table = thruster.table("gains", {"p", "i", "d"});
   if (!table.has("p") && !table.has("i") && !table.has("d")) thruster.fail("gains", "give at least one of p, i and d");
-  par[first_derivative_gain] = table.number("p", 0);
-  par[second_derivative_gain] = table.number("d", 0);
-  par[state_gain] = table.number("i", 0);
+  par[QV_THRUST_FIRST_DERIVATIVE_GAIN] = table.number("p", 0);
+  par[QV_THRUST_SECOND_DERIVATIVE_GAIN] = table.number("d", 0);
+  par[QV_THRUST_STATE_GAIN] = table.number("i", 0);
 }
 
 void read_feedback(const TableReader& table, ThrustMode mode, Reading& reading, std::vector<double>& par) {
-  par[feedback_equation] = equation_id(table, par[thrust_marker], reading);
+  par[QV_THRUST_EQUATION] = equation_id(table, par[QV_THRUST_THRUST_MARKER], reading);
   read_gains(table, par);
   if (mode != limited) return;
   const int spline = reading.splines.find(table.text("limit"), table.what() + ", limit", table.position("limit"));
-  par[limit_spline] = reading.model().splines[static_cast<size_t>(spline)].id;
+  par[QV_THRUST_SPLINE] = reading.model().splines[static_cast<size_t>(spline)].id;
 }
 
 /// Thrust elements that are fed back from a commanded speed follow that command unless another variable is named.
@@ -109,8 +94,6 @@ double command_id(const TableReader& table, const Reading& reading) {
   return variable_id(table, "variable", reading);
 }
 
-}  // namespace
-
 Element read_thruster(const TableReader& table, Reading& reading) {
   const ThrustMode mode = read_mode(table);
   check_keys_of_mode(table, mode);
@@ -119,29 +102,50 @@ Element read_thruster(const TableReader& table, Reading& reading) {
   element.subroutine = "qvsoil_thrustforce";
   element.kind = ElementKind::force;
   std::vector<double>& par = element.par;
-  par.assign(par_count, 0.0);
-  par[thrust_marker] = marker_id(model, reading.marker(table, "marker"));
-  par[second_marker] = par[water_marker] = marker_id(model, reading.marker_or(table, "water", 0));
-  par[thrust_mode] = mode;
-  par[command_variable] = command_id(table, reading);
+  par.assign(QV_THRUST_LENGTH, 0.0);
+  par[QV_THRUST_THRUST_MARKER] = marker_id(model, reading.marker(table, "marker"));
+  par[QV_THRUST_SECOND_MARKER] = par[QV_THRUST_WATER_MARKER] = marker_id(model, reading.marker_or(table, "water", 0));
+  par[QV_THRUST_MODE] = mode;
+  par[QV_THRUST_VARIABLE] = command_id(table, reading);
   if (mode != variable_itself) read_feedback(table, mode, reading, par);
   if (table.has("wave")) {
     const std::string wave = wave_file_of(table, "wave", reading);
-    par[wave_switch] = 1;
-    par[wave_string] = reading.string_id(wave, std::filesystem::path(wave).stem().string());
+    par[QV_THRUST_WAVE_SWITCH] = 1;
+    par[QV_THRUST_WAVE_STRING] = reading.string_id(wave, std::filesystem::path(wave).stem().string());
   } else if (table.has("water")) {
     table.fail("water", "is the frame of a WAVE file; give that as 'wave'");
   }
-  set_defaults(element, *find_layout(element.subroutine), model);
+  set_defaults(element, model);
   return element;
 }
 
-void number_thrusters(const std::vector<size_t>& elements, Reading& reading) {
-  for (size_t i = 0; i < elements.size(); ++i) {
-    std::vector<double>& par = reading.model().elements[elements[i]].par;
-    par[thruster_number] = static_cast<double>(i + 1);
-    par[thruster_count] = static_cast<double>(elements.size());
+class ThrusterReader : public KindReader {
+public:
+  std::vector<Element> read(const TableReader& table, Reading& reading) override {
+    m_elements.push_back(reading.model().elements.size());
+    return {read_thruster(table, reading)};
   }
+
+  void finish(Reading& reading) override {
+    for (size_t i = 0; i < m_elements.size(); ++i) {
+      std::vector<double>& par = reading.model().elements[m_elements[i]].par;
+      par[QV_THRUST_ELEMENT] = static_cast<double>(i + 1);
+      par[QV_THRUST_ELEMENT_COUNT] = static_cast<double>(m_elements.size());
+    }
+  }
+
+private:
+  std::vector<size_t> m_elements;  ///< indices into Model::elements
+};
+
+}  // namespace
+
+ReadableKind thruster_kind() {
+  return {"thruster",
+          {"marker", "mode", "variable", "equation", "speed_control", "gains", "limit", "wave", "water"},
+          make_kind_reader<ThrusterReader>,
+          {"qvsoil_thrustforce"},
+          "thrust element ids are counted over all thrusters"};
 }
 
 }  // namespace qvslv

@@ -1,34 +1,25 @@
-#include "solver/elements/track.h"
-
 #include <cmath>
 #include <filesystem>
 
+#include "qvbrisk/layouts.h"
+#include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 #include "solver/elements/track_drive.h"
 
+/// type = "track": a belt over wheels on soil. It makes, in this order,
+///   - qvsoil_interaction_mtl, evaluated and not applied: it leaves its sums behind for the others,
+///   - a qvsoil_normalforce_mtl on the marker of each wheel and a qvsoil_shearforce_mtl on the hull's,
+///   - qvsoil_mtl_velocity if the belt is driven, and qvsoil_interaction_mtl_sum, which are reports,
+/// and the variable that is the belt's speed. If it is driven also the variable of the torque and the equation of the
+/// sprocket's angle, y'' from qvsoil_mtl_eom, which share one id.
 namespace qvslv {
 
 namespace {
 
-/// Positions in the parameter list of qvsoil_interaction_mtl.
-enum TrackPar : size_t {
-  track_number,
-  road_number,
-  road_string,
-  hull_marker,
-  road_marker,
-  reference_marker,
-  road_count,
-  thickness,
-  width,
-  points_along,
-  points_across,
-  belt_speed,
-  wheel_count,
-  fixed_count = 14
+struct TrackElement {
+  size_t first_element = 0;  ///< index into Model::elements of the qvsoil_interaction_mtl
+  FilePosition wheels_at;
 };
-
-double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
 
 /// What the keys of a track come to.
 struct TrackKeys {
@@ -85,7 +76,7 @@ TrackKeys read_keys(const TableReader& table, Reading& reading) {
   TrackKeys keys;
   keys.name = table.text("name");
   keys.hull = reading.marker(table, "hull");
-  keys.road = road_file_of(table, reading);
+  keys.road = road_file_of(table, "road", reading);
   keys.road_marker = reading.marker_or(table, "road_marker", 0);
   keys.reference = read_reference(table, reading);
   keys.grid = read_grid(table);
@@ -95,21 +86,24 @@ TrackKeys read_keys(const TableReader& table, Reading& reading) {
 
 std::vector<double> interaction_par(const TableReader& table, const TrackKeys& keys, int slot, Reading& reading) {
   const Model& model = reading.model();
-  std::vector<double> par(fixed_count, 0.0);
-  par[road_number] = slot;
-  par[road_string] = reading.string_id(keys.road, std::filesystem::path(keys.road).stem().string());
-  par[hull_marker] = marker_id(model, keys.hull);
-  par[road_marker] = marker_id(model, keys.road_marker);
-  par[reference_marker] = marker_id(model, keys.reference);
-  par[thickness] = table.number("thickness", 0);
-  if (par[thickness] < 0) table.fail("thickness", "must not be negative, is " + number_text(par[thickness]));
-  par[width] = table.positive("width");
-  par[points_along] = keys.grid[0];
-  par[points_across] = keys.grid[1];
-  par[wheel_count] = static_cast<double>(keys.wheels.size());
+  std::vector<double> par(QV_TRACK_LENGTH, 0.0);
+  par[QV_TRACK_ROAD] = slot;
+  par[QV_TRACK_ROAD_STRING] = reading.string_id(keys.road, std::filesystem::path(keys.road).stem().string());
+  par[QV_TRACK_MARKER_I] = marker_id(model, keys.hull);
+  par[QV_TRACK_MARKER_J] = marker_id(model, keys.road_marker);
+  par[QV_TRACK_MARKER_R] = marker_id(model, keys.reference);
+  par[QV_TRACK_THICKNESS] = table.number("thickness", 0);
+  if (par[QV_TRACK_THICKNESS] < 0)
+    table.fail("thickness", "must not be negative, is " + number_text(par[QV_TRACK_THICKNESS]));
+  par[QV_TRACK_WIDTH] = table.positive("width");
+  par[QV_TRACK_POINTS_ALONG] = keys.grid[0];
+  par[QV_TRACK_POINTS_ACROSS] = keys.grid[1];
+  par[QV_TRACK_NODE_COUNT] = static_cast<double>(keys.wheels.size());
+  par.resize(QV_TRACK_LENGTH + QV_TRACK_NODE_LENGTH * keys.wheels.size());
   for (size_t i = 0; i < keys.wheels.size(); ++i) {
-    par.push_back(marker_id(model, keys.wheels[i]));
-    par.push_back(keys.radii[i]);
+    double* node = &par[QV_TRACK_LENGTH + QV_TRACK_NODE_LENGTH * i];
+    node[QV_TRACK_NODE_MARKER] = marker_id(model, keys.wheels[i]);
+    node[QV_TRACK_NODE_RADIUS] = keys.radii[i];
   }
   return par;
 }
@@ -121,7 +115,7 @@ Element plain(const std::string& name, const char* subroutine, ElementKind kind,
   element.subroutine = subroutine;
   element.kind = kind;
   element.par = std::move(par);
-  set_defaults(element, *find_layout(subroutine), model);
+  set_defaults(element, model);
   return element;
 }
 
@@ -136,46 +130,97 @@ Element force(const std::string& name, const char* subroutine, std::vector<doubl
   return element;
 }
 
-}  // namespace
+std::vector<double> normal_par(int slot, size_t wheel) {
+  std::vector<double> par(QV_TRACK_NORMAL_LENGTH, 0.0);
+  par[QV_TRACK_NORMAL_NODE] = static_cast<double>(wheel);
+  par[QV_TRACK_NORMAL_ROAD] = slot;
+  return par;
+}
 
+std::vector<double> shear_par(int slot) {
+  std::vector<double> par(QV_TRACK_SHEAR_LENGTH, 0.0);
+  par[QV_TRACK_SHEAR_ROAD] = slot;
+  return par;
+}
+
+/// The first derivative of the sprocket's angle, as a speed of the belt.
+std::vector<double> velocity_par(const BeltDrive& drive) {
+  std::vector<double> par(QV_TRACK_VELOCITY_LENGTH, 0.0);
+  par[QV_TRACK_VELOCITY_FACTOR] = drive.radius;
+  par[QV_TRACK_VELOCITY_SOURCE] = drive.equation;
+  return par;
+}
+
+std::vector<double> sum_par(int slot) {
+  std::vector<double> par(QV_TRACK_SUM_LENGTH, 0.0);
+  par[QV_TRACK_SUM_ROAD] = slot;
+  return par;
+}
+
+/// The elements of a track, named. A road slot holds one track: this is the one with the number `slot`, from 0.
 std::vector<Element> read_track(const TableReader& table, int slot, Reading& reading, TrackElement& track) {
   const TrackKeys keys = read_keys(table, reading);
   track.wheels_at = table.position("wheels");
   std::vector<double> par = interaction_par(table, keys, slot, reading);
   const BeltDrive drive = read_belt_drive(table, keys.radii[0], slot, reading);
-  par[belt_speed] = drive.speed_variable;
+  par[QV_TRACK_BELT_SPEED] = drive.speed_variable;
 
   const Model& model = reading.model();
-  const double road = slot;
   std::vector<Element> elements;
   elements.push_back(plain(keys.name, "qvsoil_interaction_mtl", ElementKind::evaluated, std::move(par), model));
   if (elements[0].result_length == 0) table.fail("grid", "these are more points than a result array can hold");
   for (size_t i = 0; i < keys.wheels.size(); ++i)
     elements.push_back(force(keys.name + "_wheel_" + std::to_string(i + 1), "qvsoil_normalforce_mtl",
-                             {0, static_cast<double>(i), road}, keys.wheels[i], keys, model));
-  elements.push_back(force(keys.name + "_shear", "qvsoil_shearforce_mtl", {0, road}, keys.hull, keys, model));
+                             normal_par(slot, i), keys.wheels[i], keys, model));
+  elements.push_back(force(keys.name + "_shear", "qvsoil_shearforce_mtl", shear_par(slot), keys.hull, keys, model));
   if (drive.equation != 0) {
-    elements.push_back(plain(keys.name + "_belt", "qvsoil_mtl_velocity", ElementKind::report,
-                             {0, drive.radius, drive.equation}, model));
-    elements.back().columns = {{0, "speed", speed_symbol(model.units)}};
+    elements.push_back(
+        plain(keys.name + "_belt", "qvsoil_mtl_velocity", ElementKind::report, velocity_par(drive), model));
+    elements.back().columns = {{0, "speed", UnitSymbols(model.units).speed}};
   }
-  elements.push_back(plain(keys.name + "_sum", "qvsoil_interaction_mtl_sum", ElementKind::report, {road, 0}, model));
+  elements.push_back(
+      plain(keys.name + "_sum", "qvsoil_interaction_mtl_sum", ElementKind::report, sum_par(slot), model));
   return elements;
 }
 
+/// The number of slots needs all tracks of the model.
 void number_tracks(const std::vector<TrackElement>& tracks, Reading& reading) {
   Model& model = reading.model();
   for (const TrackElement& track : tracks) {
     const Element& first = model.elements[tracks[0].first_element];
     Element& element = model.elements[track.first_element];
-    if (element.par[wheel_count] > first.par[wheel_count])
+    if (element.par[QV_TRACK_NODE_COUNT] > first.par[QV_TRACK_NODE_COUNT])
       throw ModelError(track.wheels_at, "element '" + element.name + "', wheels: there are " +
-                                            number_text(element.par[wheel_count]) + ", and the first track, '" +
-                                            first.name + "', has " + number_text(first.par[wheel_count]) +
+                                            number_text(element.par[QV_TRACK_NODE_COUNT]) + ", and the first track, '" +
+                                            first.name + "', has " + number_text(first.par[QV_TRACK_NODE_COUNT]) +
                                             "; the subroutine makes room for as many as the first has, so put the "
                                             "track with the most wheels first");
-    element.par[road_count] = static_cast<double>(tracks.size());
+    element.par[QV_TRACK_ROAD_COUNT] = static_cast<double>(tracks.size());
   }
+}
+
+class TrackReader : public KindReader {
+public:
+  std::vector<Element> read(const TableReader& table, Reading& reading) override {
+    const int slot = static_cast<int>(m_tracks.size());
+    m_tracks.emplace_back();
+    m_tracks.back().first_element = reading.model().elements.size();
+    return read_track(table, slot, reading, m_tracks.back());
+  }
+  void finish(Reading& reading) override { number_tracks(m_tracks, reading); }
+
+private:
+  std::vector<TrackElement> m_tracks;
+};
+
+}  // namespace
+
+ReadableKind track_kind() {
+  return {"track",
+          {"hull", "wheels", "road", "road_marker", "reference", "width", "thickness", "grid", "belt_speed", "drive"},
+          make_kind_reader<TrackReader>,
+          {"qvsoil_interaction_mtl", "qvsoil_normalforce_mtl", "qvsoil_shearforce_mtl", "qvsoil_interaction_mtl_sum"},
+          "road numbers are counted over all tracks"};
 }
 
 }  // namespace qvslv

@@ -3,22 +3,11 @@
 #include <algorithm>
 #include <cctype>
 
+#include "qvbrisk/layouts.h"
+
 namespace qvslv {
 
 namespace {
-
-/// Positions in the parameter list of qvsoil_mtl_eom.
-enum MotionPar : size_t {
-  drive_variable = 2,
-  inertia,
-  ratio,
-  road_number,
-  first_force,
-  second_force = 8,
-  soil_factor = 10,
-  resistance_factor,
-  par_count = 15
-};
 
 /// A name that can stand in an expression: the track's, with an underscore for every other character.
 std::string made_name(const TableReader& track, const char* ending, const Reading& reading) {
@@ -64,7 +53,7 @@ double positive_or_zero(const TableReader& table, const char* key) {
 /// The two forces whose magnitudes resist. Without resistance they are asked for all the same: the shear force, which
 /// is there in any case, with the factor 0. One force stands in both places, with half the factor.
 void read_resistance(const TableReader& track, const TableReader& drive, SubroutineEquation& motion) {
-  motion.par[resistance_factor] = positive_or_zero(drive, "resistance");
+  motion.par[QV_TRACK_EOM_RESISTANCE_FACTOR] = positive_or_zero(drive, "resistance");
   std::vector<std::string> forces;
   FilePosition at = track.position("drive");
   if (drive.has("forces")) {
@@ -77,10 +66,10 @@ void read_resistance(const TableReader& track, const TableReader& drive, Subrout
     drive.fail("resistance", "is that by one or two 'forces', which are missing (a track's wheels are called '" +
                                  track.text("name") + "_wheel_1', ...)");
   }
-  if (forces.size() == 1) motion.par[resistance_factor] /= 2;
+  if (forces.size() == 1) motion.par[QV_TRACK_EOM_RESISTANCE_FACTOR] /= 2;
   if (forces.empty()) forces = {track.text("name") + "_shear"};
-  motion.forces = {{first_force, forces.front(), drive.what() + ", forces", at},
-                   {second_force, forces.back(), drive.what() + ", forces", at}};
+  motion.forces = {{QV_TRACK_EOM_FIRST_FORCE, forces.front(), drive.what() + ", forces", at},
+                   {QV_TRACK_EOM_SECOND_FORCE, forces.back(), drive.what() + ", forces", at}};
 }
 
 }  // namespace
@@ -101,11 +90,11 @@ BeltDrive read_belt_drive(const TableReader& track, double sprocket_radius, int 
   made.radius = drive.positive("radius", sprocket_radius);
 
   SubroutineEquation motion{model.equations.size(), std::nullopt, "qvsoil_mtl_eom", {}, {}};
-  motion.par.assign(par_count, 0.0);
-  motion.par[inertia] = drive.positive("inertia");
-  motion.par[ratio] = drive.positive("ratio", 1);
-  motion.par[road_number] = slot;
-  motion.par[soil_factor] = made.radius;
+  motion.par.assign(QV_TRACK_EOM_LENGTH, 0.0);
+  motion.par[QV_TRACK_EOM_INERTIA] = drive.positive("inertia");
+  motion.par[QV_TRACK_EOM_RATIO] = drive.positive("ratio", 1);
+  motion.par[QV_TRACK_EOM_ROAD] = slot;
+  motion.par[QV_TRACK_EOM_SOIL_FACTOR] = made.radius;
   read_resistance(track, drive, motion);
 
   Equation equation;
@@ -116,7 +105,7 @@ BeltDrive read_belt_drive(const TableReader& track, double sprocket_radius, int 
   // One id for both: qvsoil_mtl_eom asks for the torque as a variable and for the rate as an equation of that id.
   equation.id = std::max(next_id_of(model.variables), next_id_of(model.equations));
   made.equation = equation.id;
-  motion.par[drive_variable] =
+  motion.par[QV_TRACK_EOM_DRIVE] =
       add_variable(made_name(track, "_drive", reading), equation.id, drive.state_expression("torque"), reading);
   reading.equations.add_internal(equation.name, static_cast<int>(model.equations.size()));
   reading.elements.add_internal(equation.name, k_none);

@@ -64,4 +64,25 @@ std::string upper_case(std::string text) {
   return text;
 }
 
+namespace {
+
+std::string symbol(UnitQuantity quantity, const std::string& name) {
+  const UnitName* unit = find_unit(quantity, name);
+  return unit == nullptr ? name : unit->symbol;
+}
+
+}  // namespace
+
+UnitSymbols::UnitSymbols(const Units& units)
+    : length(symbol(UnitQuantity::length, units.length)),
+      mass(symbol(UnitQuantity::mass, units.mass)),
+      time(symbol(UnitQuantity::time, units.time)),
+      force(symbol(UnitQuantity::force, units.force)),
+      area(length + "^2"),
+      volume(length + "^3"),
+      speed(length + "/" + time),
+      spin("rad/" + time),
+      moment(force + " " + length),
+      energy(mass == "kg" && speed == "m/s" ? "J" : mass + " " + length + "^2/" + time + "^2") {}
+
 }  // namespace qvslv

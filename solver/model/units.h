@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "solver/model/model.h"
+
 namespace qvslv {
 
 /// The quantities whose units a model file and a road file declare, in the order of the five unit services.
@@ -25,5 +27,14 @@ const UnitName* find_unit(UnitQuantity quantity, const std::string& name);
 std::vector<std::string> all_unit_names(UnitQuantity quantity);
 
 std::string upper_case(std::string text);
+
+/// How the units of a model are written in column heads and messages: "N m", "t mm^2/s^2". Products have a blank,
+/// powers a ^. Angles are radians in a model, whatever its file was written in.
+struct UnitSymbols {
+  explicit UnitSymbols(const Units& units);
+  std::string length, mass, time, force;
+  std::string area, volume, speed, spin, moment;
+  std::string energy;  ///< "J" in kilograms, metres and seconds, else built from the three: "t mm^2/s^2"
+};
 
 }  // namespace qvslv

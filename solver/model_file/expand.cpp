@@ -1,6 +1,5 @@
 #include "solver/model_file/expand.h"
 
-#include "solver/elements/kinds.h"
 #include "solver/model_file/par.h"
 
 namespace qvslv {

@@ -1,277 +1,262 @@
 #include "solver/model_file/layouts.h"
 
+#include <cctype>
 #include <stdexcept>
+
+#include "qvbrisk/layouts.h"
 
 namespace qvslv {
 
 namespace {
 
-constexpr ParKind N = ParKind::number, M = ParKind::marker, O = ParKind::other_marker, F = ParKind::file,
-                  V = ParKind::variable, E = ParKind::equation, S = ParKind::spline, L = ParKind::force,
-                  U = ParKind::unused;
-constexpr int k_not_from_par = -1;
+ParSlot par_slot(ParKind kind, const std::string& unit, const std::string& meaning) {
+  return {kind, unit.empty() ? meaning : meaning + " [" + unit + "]"};
+}
 
-int counted(const std::vector<double>& par, size_t position) {
+// A row of qvbrisk/layouts.h as a slot.
+#define QV_PAR_SLOT(P, name, kind, unit, meaning) par_slot(ParKind::kind, unit, meaning),
+#define QV_RESULT_SLOT(P, name, values, column, quantity, meaning) \
+  ResultSlot{values, column, ResultQuantity::quantity, meaning},
+#define QV_PAR(list) \
+  { list(QV_PAR_SLOT, ) }
+#define QV_RESULTS(list) \
+  { list(QV_RESULT_SLOT, ) }
+
+int count_in(const std::vector<double>& par, size_t position) {
   constexpr double k_most = 1e7;
+  if (position >= par.size()) return 0;
   if (!(par[position] >= 0 && par[position] <= k_most))
     throw std::runtime_error("par[" + std::to_string(position) + "] is a count and must be 0 to 10000000");
   return static_cast<int>(par[position]);
 }
 
-std::string numbered(const char* before, int number, const char* after = "") {
-  return before + std::to_string(number) + after;
+template <size_t position>
+int count_at(const std::vector<double>& par) {
+  return count_in(par, position);
 }
 
-void add_track_nodes(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  for (int i = 0; i < counted(par, 12); ++i) {
-    slots.push_back({M, numbered("marker of node ", i)});
-    slots.push_back({N, numbered("radius of node ", i, " [length]")});
-  }
-}
-
-void add_hull_mesh(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  const int nodes = counted(par, 20);
-  for (int i = 0; i < nodes; ++i)
-    for (const char* axis : {" x", " y", " z"}) slots.push_back({N, numbered("node ", i, axis)});
-  const size_t patch_count_at = slots.size();
-  slots.push_back({N, "number of patches"});
-  if (par.size() <= patch_count_at) return;
-  for (int i = 0; i < counted(par, patch_count_at); ++i)
-    for (const char* corner : {", first node (from 0)", ", second node", ", third node"})
-      slots.push_back({N, numbered("patch ", i, corner)});
-}
-
-void add_check_points(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  for (int i = 0; i < counted(par, 11); ++i) slots.push_back({M, numbered("marker of check point ", i)});
-}
-
-void add_balls(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  for (int i = 0; i < counted(par, 1); ++i) slots.push_back({ParKind::body, numbered("ball ", i)});
-  for (int i = 0; i < counted(par, 1); ++i) slots.push_back({N, numbered("diameter of ball ", i, " [length]")});
-}
-
-/// The WAVE file of a thrust is only opened when the wave switch is on; spline and equation are asked for as the mode
-/// tells.
-void add_wave_string(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  const double mode = par[6], wave_switch = par[13];
-  if (!(mode >= 3 && mode < 4)) slots[7].kind = U;
-  if (mode >= 1 && mode < 2) slots[9].kind = U;
-  slots.push_back({wave_switch >= 1 && wave_switch < 2 ? F : U, "string: WAVE file (read when par[13] is 1)"});
-}
-
-/// The value is that of a variable, the derivative that of an equation.
-void decide_velocity_slot(const std::vector<double>& par, std::vector<ParSlot>& slots) {
-  if (par[0] >= 1 && par[0] < 2) slots[2].kind = V;
-}
-
-template <int length>
-int fixed_length(const std::vector<double>&) {
-  return length;
-}
-
-/// Lengths that no sensible model has come out as 0, which the reader refuses.
-int bounded(double length) { return length >= 0 && length < 1e9 ? static_cast<int>(length) : 0; }
-
-int soil_result(const std::vector<double>& par) {
-  return bounded(7.0 + 8.0 * static_cast<int>(par[12]) * static_cast<int>(par[13]));
-}
-
-int track_result(const std::vector<double>& par) {
-  const double rows = (counted(par, 12) - 1.0) * (counted(par, 9) - 1.0) + 1.0;
-  return bounded(4.0 + 8.0 * rows * counted(par, 10));
-}
-
-int hull_report_result(const std::vector<double>& par) { return 18 + 4 * counted(par, 11); }
-int ball_result(const std::vector<double>& par) { return 3 * counted(par, 1); }
+int once(const std::vector<double>&) { return 1; }
 
 SubroutineLayout soil_layout() {
-  return {"qvsoil_interaction",
-          ElementKind::force,
-          {{N, "number of this element among those on its road, from 0"},
-           {M, "body marker: the contact points are fixed in its axes"},
-           {U, "not read"},
-           {N, "number of the road, from 0"},
-           {F, "string: RDF road file"},
-           {M, "road base marker: the road's mesh is given in its axes"},
-           {U, "not read"},
-           {N, "number of soil elements on this road"},
-           {N, "number of roads in the model"},
-           {N, "shape: 1 plate, 2 wheel"},
-           {N, "plate length or wheel radius [length]"},
-           {N, "width [length]"},
-           {N, "contact points along the plate or around the wheel"},
-           {N, "contact points across the width"},
-           {M, "ground reference marker"}},
-          nullptr,
-          soil_result,
-          1,
-          14,
-          5};
+  SubroutineLayout layout;
+  layout.name = "qvsoil_interaction";
+  layout.kind = ElementKind::force;
+  layout.fixed_par = QV_PAR(QV_SOIL_PAR);
+  layout.fixed_results = QV_RESULTS(QV_SOIL_RESULTS);
+  layout.repeated_results = {QV_SOIL_RESULT_LENGTH, "8k", "k", QV_RESULTS(QV_SOIL_POINT_RESULTS), [](const auto& par) {
+                               const double points = static_cast<double>(count_in(par, QV_SOIL_POINTS_ALONG)) *
+                                                     count_in(par, QV_SOIL_POINTS_ACROSS);
+                               return points < 1e8 ? static_cast<int>(points) : -1;
+                             }};
+  layout.marker_par = QV_SOIL_BODY_MARKER;
+  layout.axes_par = QV_SOIL_GROUND_MARKER;
+  layout.reaction_par = layout.road_marker_par = QV_SOIL_ROAD_MARKER;
+  layout.road_string_par = QV_SOIL_ROAD_STRING;
+  layout.contact_points = true;
+  return layout;
+}
+
+SubroutineLayout soil_sum_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_interaction_Sum";
+  layout.fixed_par = QV_PAR(QV_SOIL_SUM_PAR);
+  layout.fixed_results = QV_RESULTS(QV_SOIL_SUM_RESULTS);
+  return layout;
+}
+
+/// Spans share the points over their common node.
+int track_points(const std::vector<double>& par) {
+  const double along = count_in(par, QV_TRACK_POINTS_ALONG), nodes = count_in(par, QV_TRACK_NODE_COUNT);
+  const double points = ((nodes - 1) * (along - 1) + 1) * count_in(par, QV_TRACK_POINTS_ACROSS);
+  return points >= 0 && points < 1e8 ? static_cast<int>(points) : -1;
 }
 
 SubroutineLayout track_layout() {
-  return {"qvsoil_interaction_mtl",
-          ElementKind::evaluated,
-          {{N, "track index (0)"},
-           {N, "number of the road, from 0"},
-           {F, "string: RDF road file"},
-           {M, "marker I, on the vehicle"},
-           {M, "marker J, on the road"},
-           {M, "marker R, whose axes express positions and velocities"},
-           {N, "number of roads in the model"},
-           {N, "belt thickness, added to every node radius [length]"},
-           {N, "belt width [length]"},
-           {N, "contact points along each span"},
-           {N, "contact points across the belt"},
-           {V, "variable: belt speed"},
-           {N, "number of nodes"},
-           {U, "read, not used"}},
-          add_track_nodes,
-          track_result,
-          3,
-          5,
-          k_not_from_par};
+  SubroutineLayout layout;
+  layout.name = "qvsoil_interaction_mtl";
+  layout.kind = ElementKind::evaluated;
+  layout.fixed_par = QV_PAR(QV_TRACK_PAR);
+  layout.repeated_par = {{QV_TRACK_LENGTH, "2i", "i", QV_PAR(QV_TRACK_NODE_PAR), count_at<QV_TRACK_NODE_COUNT>}};
+  layout.fixed_results = QV_RESULTS(QV_TRACK_RESULTS);
+  layout.repeated_results = {QV_TRACK_RESULT_LENGTH, "8p", "p", QV_RESULTS(QV_TRACK_POINT_RESULTS), track_points};
+  layout.marker_par = QV_TRACK_MARKER_I;
+  layout.axes_par = QV_TRACK_MARKER_R;
+  layout.road_string_par = QV_TRACK_ROAD_STRING;
+  layout.road_marker_par = QV_TRACK_MARKER_J;
+  layout.contact_points = true;
+  return layout;
 }
 
 SubroutineLayout track_eom_layout() {
-  return {"qvsoil_mtl_eom",
-          ElementKind::report,
-          {{N, "track index (0)"},
-           {U, "read, not used"},
-           {V, "variable: driving input (its rate is that of the equation of this id)"},
-           {N, "divisor of the right-hand side (inertia)"},
-           {N, "divisor of the driving input (radius or ratio)"},
-           {N, "number of the road, from 0"},
-           {L, "first force: its id, or the marker it acts at"},
-           {O, "first force: marker it reacts on, 0 for any"},
-           {L, "second force: its id, or the marker it acts at"},
-           {O, "second force: marker it reacts on, 0 for any"},
-           {N, "coefficient of the soil shear"},
-           {N, "coefficient of the resistance"},
-           {U, "not read"},
-           {U, "not read"},
-           {U, "read, not used"}},
-          nullptr,
-          fixed_length<6>,
-          k_not_from_par,
-          k_not_from_par,
-          k_not_from_par};
+  SubroutineLayout layout;
+  layout.name = "qvsoil_mtl_eom";
+  layout.fixed_par = QV_PAR(QV_TRACK_EOM_PAR);
+  layout.fixed_results = QV_RESULTS(QV_TRACK_EOM_RESULTS);
+  return layout;
+}
+
+SubroutineLayout track_velocity_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_mtl_velocity";
+  layout.fixed_par = QV_PAR(QV_TRACK_VELOCITY_PAR);
+  // The value is that of a variable, the derivative that of an equation.
+  layout.decide = [](const std::vector<double>& par, std::vector<ParSlot>& slots) {
+    const double mode = par[QV_TRACK_VELOCITY_MODE];
+    if (mode >= 1 && mode < 2) slots[QV_TRACK_VELOCITY_SOURCE].kind = ParKind::variable;
+  };
+  layout.fixed_results = QV_RESULTS(QV_TRACK_VELOCITY_RESULTS);
+  return layout;
+}
+
+SubroutineLayout track_shear_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_shearforce_mtl";
+  layout.fixed_par = QV_PAR(QV_TRACK_SHEAR_PAR);
+  layout.fixed_results = QV_RESULTS(QV_TRACK_SHARE_RESULTS);
+  return layout;
+}
+
+SubroutineLayout track_normal_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_normalforce_mtl";
+  layout.fixed_par = QV_PAR(QV_TRACK_NORMAL_PAR);
+  layout.fixed_results = QV_RESULTS(QV_TRACK_SHARE_RESULTS);
+  return layout;
+}
+
+SubroutineLayout track_sum_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_interaction_mtl_sum";
+  layout.fixed_par = QV_PAR(QV_TRACK_SUM_PAR);
+  layout.fixed_results = QV_RESULTS(QV_TRACK_SUM_RESULTS);
+  return layout;
+}
+
+/// Patches stand behind the nodes and their own count.
+int hull_patches(const std::vector<double>& par) {
+  const auto nodes = static_cast<size_t>(count_in(par, QV_HULL_NODE_COUNT));
+  return count_in(par, QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * nodes);
 }
 
 SubroutineLayout hull_layout() {
-  return {"qvhydro_force",
-          ElementKind::force,
-          {{N, "number of this mesh within its hydro force, from 0"},
-           {N, "number of meshes of this hydro force"},
-           {N, "hydro force id"},
-           {N, "number of hydro forces in the model"},
-           {M, "force marker: force and torque act there"},
-           {M, "water marker: frame of waves and currents, its z axis is up"},
-           {M, "body marker: the nodes are given in its axes"},
-           {F, "string: WAVE file"},
-           {F, "string: CURRENT file"},
-           {N, "mass of the mesh, for the report [mass]"},
-           {N, "option, stored only"},
-           {N, "reserve, stored only"},
-           {N, "load scale factor, 0 switches the loads off"},
-           {N, "start of the active interval [time]"},
-           {N, "end of the active interval [time]"},
-           {N, "fluid density"},
-           {N, "gravitational acceleration"},
-           {N, "tangential drag coefficient"},
-           {N, "exponent of the tangential speed"},
-           {N, "drag scale factor"},
-           {N, "number of nodes"}},
-          add_hull_mesh,
-          fixed_length<34>,
-          4,
-          k_not_from_par,
-          k_not_from_par};
+  SubroutineLayout layout;
+  layout.name = "qvhydro_force";
+  layout.kind = ElementKind::force;
+  layout.fixed_par = QV_PAR(QV_HULL_PAR);
+  layout.repeated_par = {{QV_HULL_LENGTH, "3i", "i", QV_PAR(QV_HULL_NODE_PAR), count_at<QV_HULL_NODE_COUNT>},
+                         {QV_HULL_LENGTH, "3N", "", QV_PAR(QV_HULL_PATCH_COUNT_PAR), once},
+                         {QV_HULL_LENGTH + 1, "3N + 3p", "p", QV_PAR(QV_HULL_PATCH_PAR), hull_patches}};
+  layout.fixed_results = QV_RESULTS(QV_HULL_RESULTS);
+  layout.marker_par = QV_HULL_FORCE_MARKER;
+  return layout;
 }
 
 SubroutineLayout hull_report_layout() {
-  return {"qvhydro_report",
-          ElementKind::report,
-          {{U, "not read"},
-           {N, "hydro force id"},
-           {M, "body marker"},
-           {M, "water marker"},
-           {U, "not read"},
-           {L, "force whose z component is reported"},
-           {M, "marker of that force"},
-           {U, "not read"},
-           {U, "not read"},
-           {U, "not read"},
-           {U, "not read"},
-           {N, "number of check points"}},
-          add_check_points,
-          hull_report_result,
-          k_not_from_par,
-          k_not_from_par,
-          k_not_from_par};
+  SubroutineLayout layout;
+  layout.name = "qvhydro_report";
+  layout.fixed_par = QV_PAR(QV_HULL_REPORT_PAR);
+  layout.repeated_par = {
+      {QV_HULL_REPORT_LENGTH, "i", "i", QV_PAR(QV_HULL_REPORT_POINT_PAR), count_at<QV_HULL_REPORT_POINT_COUNT>}};
+  layout.fixed_results = QV_RESULTS(QV_HULL_REPORT_RESULTS);
+  layout.repeated_results = {QV_HULL_REPORT_RESULT_LENGTH, "4i", "i", QV_RESULTS(QV_HULL_REPORT_POINT_RESULTS),
+                             count_at<QV_HULL_REPORT_POINT_COUNT>};
+  return layout;
+}
+
+/// Spline and equation are asked for as the mode tells; the WAVE file is only opened when the wave switch is 1.
+void decide_thrust_slots(const std::vector<double>& par, std::vector<ParSlot>& slots) {
+  const double mode = par[QV_THRUST_MODE], wave_switch = par[QV_THRUST_WAVE_SWITCH];
+  if (!(mode >= 3 && mode < 4)) slots[QV_THRUST_SPLINE].kind = ParKind::unused;
+  if (mode >= 1 && mode < 2) slots[QV_THRUST_EQUATION].kind = ParKind::unused;
+  if (!(wave_switch >= 1 && wave_switch < 2)) slots[QV_THRUST_WAVE_STRING].kind = ParKind::unused;
 }
 
 SubroutineLayout thrust_layout() {
-  return {"qvsoil_thrustforce",
-          ElementKind::force,
-          {{N, "thrust element id"},
-           {N, "number of thrust elements"},
-           {M, "thrust marker"},
-           {U, "not read"},
-           {M, "second marker, stored only"},
-           {M, "water marker: frame of the WAVE file"},
-           {N, "mode: 1 variable, 2 feedback zero with the variable, 3 feedback limited by a spline, other feedback"},
-           {S, "spline (mode 3)"},
-           {V, "variable"},
-           {E, "differential equation (all modes but 1)"},
-           {N, "gain of the first derivative"},
-           {N, "gain of the second derivative"},
-           {N, "gain of the state"},
-           {N, "wave switch: 1 uses the WAVE file"}},
-          add_wave_string,
-          fixed_length<6>,
-          2,
-          2,
-          k_not_from_par};
+  SubroutineLayout layout;
+  layout.name = "qvsoil_thrustforce";
+  layout.kind = ElementKind::force;
+  layout.fixed_par = QV_PAR(QV_THRUST_PAR);
+  layout.decide = decide_thrust_slots;
+  layout.fixed_results = QV_RESULTS(QV_THRUST_RESULTS);
+  layout.marker_par = layout.axes_par = QV_THRUST_THRUST_MARKER;
+  return layout;
 }
 
-/// Layouts with a handful of entries and nothing counted.
-SubroutineLayout report_layout(const char* name, std::vector<ParSlot> slots,
-                               int (*length)(const std::vector<double>&)) {
-  return {name, ElementKind::report, std::move(slots), nullptr, length, k_not_from_par, k_not_from_par, k_not_from_par};
+SubroutineLayout speed_error_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvsoil_error_velocity";
+  layout.fixed_par = QV_PAR(QV_SPEED_ERROR_PAR);
+  layout.fixed_results = QV_RESULTS(QV_SPEED_ERROR_RESULTS);
+  return layout;
 }
 
-std::vector<SubroutineLayout> made_layouts() {
-  const ParSlot track{N, "track index (0)"}, road{N, "number of the road, from 0"};
-  SubroutineLayout balls =
-      report_layout("qvballplacing_report", {{U, "not read"}, {N, "number of balls"}}, ball_result);
-  balls.add_counted_slots = add_balls;
-  SubroutineLayout velocity = report_layout(
-      "qvsoil_mtl_velocity", {{N, "mode: 1 value, other derivative"}, {N, "factor"}, {E, "equation or variable"}},
-      fixed_length<1>);
-  velocity.add_counted_slots = decide_velocity_slot;
-  return {
-      balls,
-      hull_layout(),
-      hull_report_layout(),
-      track_layout(),
-      track_eom_layout(),
-      velocity,
-      report_layout("qvsoil_shearforce_mtl", {track, road}, fixed_length<6>),
-      report_layout("qvsoil_normalforce_mtl", {track, {N, "node, from 0"}, road}, fixed_length<6>),
-      report_layout("qvsoil_interaction_mtl_sum", {road, track}, fixed_length<4>),
-      soil_layout(),
-      report_layout("qvsoil_interaction_Sum", {road}, fixed_length<4>),
-      report_layout("qvsoil_error_velocity",
-                    {{U, "not read"}, {M, "vehicle marker"}, {M, "reference marker"}, {V, "variable: commanded speed"}},
-                    fixed_length<1>),
-      thrust_layout()};
+SubroutineLayout balls_layout() {
+  SubroutineLayout layout;
+  layout.name = "qvballplacing_report";
+  layout.fixed_par = QV_PAR(QV_BALLS_PAR);
+  layout.repeated_par = {{QV_BALLS_LENGTH, "i", "i", QV_PAR(QV_BALLS_BODY_PAR), count_at<QV_BALLS_BALL_COUNT>},
+                         {QV_BALLS_LENGTH, "n + i", "i", QV_PAR(QV_BALLS_DIAMETER_PAR), count_at<QV_BALLS_BALL_COUNT>}};
+  layout.repeated_results = {0, "3i", "i", QV_RESULTS(QV_BALL_RESULTS), count_at<QV_BALLS_BALL_COUNT>};
+  return layout;
+}
+
+#undef QV_PAR_SLOT
+#undef QV_RESULT_SLOT
+#undef QV_PAR
+#undef QV_RESULTS
+
+bool is_word(const std::string& text, size_t at, size_t length) {
+  const auto letter = [&](size_t k) {
+    return k < text.size() && std::isalnum(static_cast<unsigned char>(text[k])) != 0;
+  };
+  return !(at > 0 && letter(at - 1)) && !letter(at + length);
+}
+
+/// The meaning of round `number`: "radius of node i" becomes "radius of node 3".
+std::string numbered(std::string meaning, const std::string& index, int number) {
+  if (index.empty()) return meaning;
+  for (size_t at = meaning.find(index); at != std::string::npos; at = meaning.find(index, at + 1))
+    if (is_word(meaning, at, index.size())) return meaning.replace(at, index.size(), std::to_string(number));
+  return meaning;
+}
+
+int values_of(const std::vector<ResultSlot>& slots) {
+  int values = 0;
+  for (const ResultSlot& slot : slots) values += slot.values;
+  return values;
 }
 
 }  // namespace
 
+std::string unit_of(ResultQuantity quantity, const UnitSymbols& units) {
+  switch (quantity) {
+    case ResultQuantity::force:
+      return units.force;
+    case ResultQuantity::moment:
+      return units.moment;
+    case ResultQuantity::length:
+      return units.length;
+    case ResultQuantity::area:
+      return units.area;
+    case ResultQuantity::volume:
+      return units.volume;
+    case ResultQuantity::energy:
+      return units.energy;
+    case ResultQuantity::speed:
+      return units.speed;
+    case ResultQuantity::degrees:
+      return "deg";
+    case ResultQuantity::none:
+      break;
+  }
+  return "";
+}
+
 const std::vector<SubroutineLayout>& subroutine_layouts() {
-  static const std::vector<SubroutineLayout> layouts = made_layouts();
+  static const std::vector<SubroutineLayout> layouts = {
+      balls_layout(),          hull_layout(),        hull_report_layout(),  track_layout(),     track_eom_layout(),
+      track_velocity_layout(), track_shear_layout(), track_normal_layout(), track_sum_layout(), soil_layout(),
+      soil_sum_layout(),       speed_error_layout(), thrust_layout()};
   return layouts;
 }
 
@@ -282,9 +267,29 @@ const SubroutineLayout* find_layout(const std::string& subroutine) {
 }
 
 std::vector<ParSlot> slots_of(const SubroutineLayout& layout, const std::vector<double>& par) {
-  std::vector<ParSlot> slots = layout.fixed_slots;
-  if (layout.add_counted_slots != nullptr && par.size() >= slots.size()) layout.add_counted_slots(par, slots);
+  std::vector<ParSlot> slots = layout.fixed_par;
+  if (par.size() < slots.size()) return slots;
+  if (layout.decide != nullptr) layout.decide(par, slots);
+  for (const Repeated<ParSlot>& repeated : layout.repeated_par) {
+    const int rounds = repeated.count(par);
+    for (int round = 0; round < rounds; ++round)
+      for (const ParSlot& slot : repeated.slots)
+        slots.push_back({slot.kind, numbered(slot.meaning, repeated.index, round)});
+  }
   return slots;
+}
+
+int fixed_result_length(const SubroutineLayout& layout) { return values_of(layout.fixed_results); }
+
+int repeated_result_length(const SubroutineLayout& layout) { return values_of(layout.repeated_results.slots); }
+
+int result_length(const SubroutineLayout& layout, const std::vector<double>& par) {
+  const int fixed = fixed_result_length(layout);
+  if (layout.repeated_results.slots.empty()) return fixed;
+  constexpr double k_most = 1e9;
+  const int rounds = layout.repeated_results.count(par);
+  const double length = fixed + static_cast<double>(rounds) * repeated_result_length(layout);
+  return rounds >= 0 && length < k_most ? static_cast<int>(length) : 0;
 }
 
 std::string layout_text(const std::vector<ParSlot>& slots) {

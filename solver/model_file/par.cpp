@@ -3,7 +3,6 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "solver/elements/kinds.h"
 #include "solver/model/nearest_name.h"
 
 namespace qvslv {
@@ -58,7 +57,7 @@ double par_value(const Value& value, const TableReader& table, Reading& reading,
 std::vector<std::string> prefixes_of(ParKind kind) {
   switch (kind) {
     case ParKind::marker:
-    case ParKind::other_marker:
+    case ParKind::marker_or_none:
       return {"marker"};
     case ParKind::body:
       return {"body"};
@@ -123,7 +122,7 @@ void check_reads_equation(const Value& value, double id, const std::string& role
 /// An id must be that of something of the right kind, however it was written.
 void check_slot(const ParSlot& slot, size_t position, const TableReader& table, Reading& reading, double number) {
   const std::vector<std::string> prefixes = prefixes_of(slot.kind);
-  if (prefixes.empty() || (slot.kind == ParKind::other_marker && number == 0)) return;
+  if (prefixes.empty() || (slot.kind == ParKind::marker_or_none && number == 0)) return;
   const Value& value = table.value("par").list[position];
   const Model& model = reading.model();
   const std::string role = role_of(table, position) + " (" + slot.meaning + ")";
@@ -150,7 +149,7 @@ void check_par(const Element& element, const SubroutineLayout& layout, const Tab
     table.fail("par", error.what());
   }
   if (element.par.size() != slots.size()) {
-    const bool fixed_part_only = element.par.size() < layout.fixed_slots.size() && layout.add_counted_slots != nullptr;
+    const bool fixed_part_only = element.par.size() < layout.fixed_par.size() && !layout.repeated_par.empty();
     table.fail("par", element.subroutine + " takes " + (fixed_part_only ? "at least " : "") +
                           std::to_string(slots.size()) + " numbers, not " + std::to_string(element.par.size()) + ":" +
                           layout_text(slots));
@@ -214,7 +213,7 @@ void number_elements(Reading& reading) {
 std::string name_behind(const Model& model, const ParSlot& slot, double value) {
   switch (slot.kind) {
     case ParKind::marker:
-    case ParKind::other_marker:
+    case ParKind::marker_or_none:
       return name_at(model.markers, "marker:", value);
     case ParKind::body:
       return name_with_id(model.bodies, "body:", value);

@@ -87,8 +87,8 @@ void read_splines(const TableReader& root, Reading& reading);
 void read_forces(const TableReader& root, Reading& reading);  // behind all that makes markers
 void read_strings(const TableReader& root, Reading& reading);
 void read_roads(const TableReader& root, Reading& reading);
-void read_waves(const TableReader& root, Reading& reading);     // model_file_water.cpp
-void read_currents(const TableReader& root, Reading& reading);  // model_file_water.cpp
+void read_waves(const TableReader& root, Reading& reading);     // water.cpp
+void read_currents(const TableReader& root, Reading& reading);  // water.cpp
 
 /// The tables of a list such as [[body]]; none when the key is missing.
 std::vector<TableReader> tables_of(const TableReader& root, const std::string& key,
@@ -102,8 +102,9 @@ std::string free_name(const NameTable& names, std::string wish);
 std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
                               const FilePosition& at, const std::string& table = "road");
 
-/// The file that an element's key means: that of a [[wave]] or [[current]] with this name, else the text itself, which
-/// must be there or be described.
+/// The file that an element's key means: that of a [[road]], [[wave]] or [[current]] with this name, else the text
+/// itself, which must be there or be described. Throws ModelError if it is neither.
+std::string road_file_of(const TableReader& table, const char* key, const Reading& reading);
 std::string wave_file_of(const TableReader& table, const char* key, const Reading& reading);
 std::string current_file_of(const TableReader& table, const char* key, const Reading& reading);
 

@@ -126,18 +126,6 @@ CurrentProfile read_profile(const TableReader& current, const char* key) {
   return profile;
 }
 
-template <class Recipe>
-std::string named_file(const TableReader& table, const char* key, const Reading& reading, const NameTable& names,
-                       const std::vector<Recipe>& recipes) {
-  const std::string text = table.text(key);
-  if (names.has(text)) {
-    const int index = names.find(text, table.what(), table.position(key));
-    return fs::path(recipes[static_cast<size_t>(index)].file).lexically_normal().string();
-  }
-  require_data_file(text, reading, table.what() + ", " + key, table.position(key), key);
-  return fs::path(text).lexically_normal().string();
-}
-
 }  // namespace
 
 void read_waves(const TableReader& root, Reading& reading) {
@@ -162,14 +150,6 @@ void read_currents(const TableReader& root, Reading& reading) {
     if (!mistake.empty()) table.fail(mistake);
     currents.push_back({table.text("file"), path, settings});
   }
-}
-
-std::string wave_file_of(const TableReader& table, const char* key, const Reading& reading) {
-  return named_file(table, key, reading, reading.waves, reading.file.waves);
-}
-
-std::string current_file_of(const TableReader& table, const char* key, const Reading& reading) {
-  return named_file(table, key, reading, reading.currents, reading.file.currents);
 }
 
 }  // namespace qvslv

@@ -1,29 +1,43 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "solver/engine/engine.h"
-#include "solver/results/contact_axes.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {
 
-/// Headers of results.csv, "name [unit]": time; per body its centre of mass (x, y, z), quaternion (qw, qx, qy, qz),
+/// The engine at an output time, with what several columns are taken from, computed once.
+struct Moment {
+  explicit Moment(const Engine& engine);
+
+  struct BodyMotion {
+    BodyPose pose;                    ///< of the centre of mass, in ground axes
+    Vec3 velocity, angular_velocity;  ///< likewise
+  };
+
+  const Engine& engine;
+  std::vector<BodyMotion> bodies;   ///< one per body of the model
+  std::vector<JointMotion> joints;  ///< one per joint
+};
+
+/// A column of results.csv: its head, "name [unit]", and where its values come from.
+struct Column {
+  std::string header;
+  std::function<double(const Moment&)> value;
+};
+
+/// The columns of results.csv in their order: time; per body its centre of mass (x, y, z), quaternion (qw, qx, qy, qz),
 /// velocity of the centre of mass (vx, vy, vz) and angular velocity (wx, wy, wz), all in ground axes; per joint its
-/// coordinates and their rates; per element its columns; variables, and equations (y, and y' as its rate); kinetic and
-/// potential energy.
-std::vector<std::string> result_columns(const Model& model);
+/// coordinates and their rates; per element its columns, results of its latest call; variables, and equations (y, and
+/// y' as its rate); kinetic and potential energy. The model outlives them.
+std::vector<Column> result_columns(const Model& model);
 
-/// The values under those headers for the engine's present state. Elements: results of their latest call.
-std::vector<double> calc_result_row(const Engine& engine);
+std::vector<std::string> headers_of(const std::vector<Column>& columns);
 
-/// Whether the points of an element are a belt's: their forces come in the axes of its reference marker, not along
-/// shear 1, shear 2 and the normal.
-bool is_belt(const Element& element);
-
-/// What a frame shows of the present state. With `axes` the forces on a belt's points are along shear 1, shear 2 and
-/// the normal as those of other points are; without, they stay in ground axes.
-Frame calc_frame(const Engine& engine, const ContactAxes* axes = nullptr);
+/// The values of all columns at the engine's present state.
+std::vector<double> calc_result_row(const std::vector<Column>& columns, const Engine& engine);
 
 }  // namespace qvslv

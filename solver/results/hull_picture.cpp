@@ -2,18 +2,13 @@
 
 #include <algorithm>
 
+#include "qvbrisk/layouts.h"
 #include "solver/results/marker_pose.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
 
 namespace {
-
-// Where things stand in `par`.
-constexpr size_t k_water_marker = 5;
-constexpr size_t k_body_marker = 6;
-constexpr size_t k_wave_string = 7;
-constexpr size_t k_node_count = 20;
 
 /// A count or an id: truncated, -1 for what no container could hold.
 int whole(double value) { return value >= 0 && value < 2e9 ? static_cast<int>(value) : -1; }
@@ -27,12 +22,12 @@ int count_at(const std::vector<double>& par, size_t place) {
 }
 
 std::optional<TriangleMesh> read_mesh(const std::vector<double>& par) {
-  const int nodes = count_at(par, k_node_count);
+  const int nodes = count_at(par, QV_HULL_NODE_COUNT);
   if (nodes < 0) return std::nullopt;
-  const double* at = par.data() + k_node_count + 1;
+  const double* at = par.data() + QV_HULL_LENGTH;
   TriangleMesh mesh;
   for (int k = 0; k < nodes; ++k, at += 3) mesh.points.push_back({at[0], at[1], at[2]});
-  const int patches = count_at(par, k_node_count + 1 + 3 * static_cast<size_t>(nodes));
+  const int patches = count_at(par, QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * static_cast<size_t>(nodes));
   ++at;
   bool spare = false;  // the node behind the last, at the origin
   for (int k = 0; k < patches; ++k, at += 3) {
@@ -63,9 +58,9 @@ std::optional<Hull> read_hull(const Model& model, int element) {
   if (!mesh) return std::nullopt;
   Hull hull;
   hull.element = element;
-  hull.marker = find_marker(model, whole(par[k_body_marker]));
-  hull.water_marker = find_marker(model, whole(par[k_water_marker]));
-  hull.wave_string = whole(par[k_wave_string]);
+  hull.marker = find_marker(model, whole(par[QV_HULL_BODY_MARKER]));
+  hull.water_marker = find_marker(model, whole(par[QV_HULL_WATER_MARKER]));
+  hull.wave_string = whole(par[QV_HULL_WAVE_STRING]);
   hull.mesh = std::move(*mesh);
   if (hull.marker == k_none || hull.water_marker == k_none) return std::nullopt;
   return hull;

@@ -9,12 +9,9 @@ namespace qvslv {
 /// Whether an element's parameters are those of a hull.
 bool is_hull(const Element& element);
 
-/// The patch mesh of a hydro force element out of its parameters:
-///   par[5] water marker, par[6] marker of the mesh, par[7] string of the WAVE file, par[20] number of nodes, then
-///   x y z per node, the number of patches, three node numbers (from 0) per patch.
-/// The number behind the last node's names one at the origin. Patches of other nodes that are not there are left out;
-/// Hull::water stays unset. Nothing when the parameters end too soon, hold no patch, or name markers that the model
-/// does not have.
+/// The patch mesh of a hydro force element out of its parameters (qvbrisk/layouts.h, QV_HULL_PAR). The number behind
+/// the last node's names one at the origin; patches of other nodes that are not there are left out. Hull::water stays
+/// unset. Nothing when the parameters end too soon, hold no patch, or name markers that the model does not have.
 /// @param element  index into Model::elements
 std::optional<Hull> read_hull(const Model& model, int element);
 

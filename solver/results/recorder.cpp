@@ -8,8 +8,8 @@
 
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/road_mesh.h"
-#include "solver/results/columns.h"
 #include "solver/results/csv.h"
+#include "solver/results/frames.h"
 #include "solver/results/hull_picture.h"
 
 namespace qvslv {
@@ -84,12 +84,14 @@ void place_hulls(Recording& recording, const Report& report) {
 }  // namespace
 
 Recorder::Recorder(const Engine& engine, const std::string& folder, const Report& report)
-    : m_frame_step(engine.multibody().model().simulation.frame_step), m_csv_path(folder + "/results.csv") {
+    : m_frame_step(engine.multibody().model().simulation.frame_step),
+      m_columns(result_columns(engine.multibody().model())),
+      m_csv_path(folder + "/results.csv") {
   const Model& model = engine.multibody().model();
   m_recording.model = &model;
   m_recording.terrain = place_roads(engine, report);
   place_hulls(m_recording, report);
-  m_recording.columns = result_columns(model);
+  m_recording.columns = headers_of(m_columns);
   m_csv.open(m_csv_path, std::ios::trunc);
   m_csv << csv_line(m_recording.columns) << std::flush;
   if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
@@ -99,7 +101,7 @@ Recorder::Recorder(const Engine& engine, const std::string& folder, const Report
 }
 
 void Recorder::record(const Engine& engine) {
-  m_recording.rows.push_back(calc_result_row(engine));
+  m_recording.rows.push_back(calc_result_row(m_columns, engine));
   m_csv << csv_line(m_recording.rows.back()) << std::flush;
   if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
   if (!frame_due(engine.time())) return;

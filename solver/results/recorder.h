@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "solver/engine/engine.h"
+#include "solver/results/columns.h"
 #include "solver/results/contact_axes.h"
 #include "solver/results/recording.h"
 #include "solver/results/vtk_writer.h"
@@ -33,6 +34,7 @@ private:
 
   double m_frame_step;
   double m_next_frame = 0;
+  std::vector<Column> m_columns;
   Recording m_recording;
   std::ofstream m_csv;
   std::string m_csv_path;

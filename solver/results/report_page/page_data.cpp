@@ -20,16 +20,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string symbol(UnitQuantity quantity, const std::string& name) {
-  const UnitName* unit = find_unit(quantity, name);
-  return unit == nullptr ? name : unit->symbol;
-}
-
 Json unit_symbols(const Units& units) {
-  return {{"length", symbol(UnitQuantity::length, units.length)},
-          {"mass", symbol(UnitQuantity::mass, units.mass)},
-          {"time", symbol(UnitQuantity::time, units.time)},
-          {"force", symbol(UnitQuantity::force, units.force)}};
+  const UnitSymbols symbols(units);
+  return {{"length", symbols.length}, {"mass", symbols.mass}, {"time", symbols.time}, {"force", symbols.force}};
 }
 
 Json shape_json(const Shape& shape) {

@@ -143,7 +143,7 @@ TEST(Element, LengthsFollowFromTheCountsInThePar) {
     SCOPED_TRACE(row.subroutine);
     const qvslv::SubroutineLayout& layout = *qvslv::find_layout(row.subroutine);
     EXPECT_EQ(qvslv::slots_of(layout, row.par).size(), row.par_length);
-    EXPECT_EQ(layout.result_length(row.par), row.result_length);
+    EXPECT_EQ(result_length(layout, row.par), row.result_length);
   }
 }
 

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <vector>
+
+#include "solver/model_file/layouts.h"
+
+namespace qvslv {
+
+/// Sets what an element of one of the thirteen subroutines has unless the file says otherwise: result length, columns,
+/// contact points, and marker, axes, reaction and road from the ids in `par`. For another subroutine only the columns,
+/// if it has none yet. Throws std::runtime_error when a count in `par` is no sensible number.
+void set_defaults(Element& element, const Model& model);
+
+/// Columns of an element's result, names and units: those of its layout, or one per value of an unknown subroutine.
+std::vector<ResultColumn> default_columns(const Element& element, const Model& model);
+
+/// Index of the marker or body with an id as `par` has it, or k_none.
+int marker_with_id(const Model& model, double id);
+int body_with_id(const Model& model, double id);
+
+/// Id of a marker, as `par` has it.
+double marker_id(const Model& model, int marker);
+
+}  // namespace qvslv
