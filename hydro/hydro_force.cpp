@@ -6,6 +6,7 @@
 #include "common/call/entry_frame.h"
 #include "common/call/parameters.h"
 #include "hydro/evaluation.h"
+#include "qvbrisk/layouts.h"
 
 namespace qvhydro {
 
@@ -16,12 +17,15 @@ namespace {
 
 using qv::fault_channel;
 
+// The messages below name these positions.
+static_assert(QV_HULL_PART == 0 && QV_HULL_FORCE_ID == 2 && QV_HULL_FORCE_COUNT == 3);
+
 Chydro_force& find_element(void* handle, const double* par, int& ierr, char** msg) {
   const fault_channel channel{k_prefix, ierr, msg};
-  const int id = qv::to_int(par[2], "hydro force ID (parameter 2)", channel);
+  const int id = qv::to_int(par[QV_HULL_FORCE_ID], "hydro force ID (parameter 2)", channel);
   if (gp_hydro_force.empty()) {
-    const auto count =
-        static_cast<std::size_t>(qv::to_count(par[3], "number of hydro force elements (parameter 3)", channel));
+    const auto count = static_cast<std::size_t>(
+        qv::to_count(par[QV_HULL_FORCE_COUNT], "number of hydro force elements (parameter 3)", channel));
     s_HydroForce_Report.resize(count + 1);
     gp_hydro_force.resize(count + 1);
   }
@@ -29,7 +33,7 @@ Chydro_force& find_element(void* handle, const double* par, int& ierr, char** ms
   Chydro_force& element = gp_hydro_force[static_cast<std::size_t>(id)];
   if (element.initialized != 1) {
     element.id = id;
-    element.initialized = 1;  // whatever comes of it: an element is set up once
+    element.initialized = 1;  // before the set-up: an element is set up once, even if that fails
     ini_hydro_force(handle, &element, par, ierr, msg);
   } else if (!element.files_read) {
     qv::fault(k_prefix + ("The set-up failed before, there are no forces. HYDRO FORCE ID = " + std::to_string(id)) +
@@ -40,16 +44,16 @@ Chydro_force& find_element(void* handle, const double* par, int& ierr, char** ms
 }
 
 void force(void* handle, double time, const double* par, int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, k_results, 0.0);
+  std::fill_n(result, QV_HULL_RESULT_LENGTH, 0.0);
   Chydro_force& element = find_element(handle, par, ierr, msg);
   const fault_channel channel{k_prefix, ierr, msg};
-  const int index = qv::to_int(par[0], "sub-element index (parameter 0)", channel);
+  const int index = qv::to_int(par[QV_HULL_PART], "sub-element index (parameter 0)", channel);
   qv::check_index(index, element.subs.size(), "sub-element index (parameter 0)", channel);
   element.wave_x_first = element.wave_x[0];
   element.wave_x_last = element.wave_x.last();
   Chydro_force_sub& sub = element.subs[static_cast<std::size_t>(index)];
   if (sub.initialized != 1) {
-    sub.initialized = 1;
+    sub.initialized = 1;  // likewise
     ini_hydro_force_sub(&sub, par, ierr, msg, element.id);
   }
   evaluate(handle, time, iflag, element, sub, result);
