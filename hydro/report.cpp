@@ -130,8 +130,7 @@ Chydro_force& find_element(const report_parameters& p) {
   return gp_hydro_force[static_cast<std::size_t>(p.force)];
 }
 
-void report(void* handle, const double* par, int iflag, double* result, int& ierr, char** msg) {
-  const qv::fault_channel channel{k_report_prefix, ierr, msg};
+void report(void* handle, const double* par, int iflag, double* result, const qv::fault_channel& channel) {
   std::fill_n(result, QV_HULL_REPORT_RESULT_LENGTH, 0.0);  // now: how many follow is only known behind the next guard
   const int points = qv::to_count(par[QV_HULL_REPORT_POINT_COUNT], "number of check points (parameter 11)", channel);
   double* const point_results = result + QV_HULL_REPORT_RESULT_LENGTH;
@@ -145,7 +144,9 @@ void report(void* handle, const double* par, int iflag, double* result, int& ier
     return;
   }
   Chydro_force& element = find_element(p);
-  if (element.report_mass_sum == 0.0) qv::fault("HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO", ierr, msg);
+  if (element.report_mass_sum == 0.0) {
+    qv::fault("HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO", channel.ierr, channel.msg);
+  }
   const centres c = consume(element);
   write_results(answers(handle, p), c, result);
   fetch_points(handle, p, point_results);
@@ -156,7 +157,7 @@ void report(void* handle, const double* par, int iflag, double* result, int& ier
 void qvhydro_report(void* handle, double /*time*/, double* par, int /*npar*/, int /*difflag*/, int iflag,
                     double* result, int& ierr, char** msg) {
   try {
-    report(handle, par, iflag, result, ierr, msg);
+    report(handle, par, iflag, result, {k_report_prefix, ierr, msg});
   } catch (const std::exception& error) {
     qv::fault(std::string(k_report_prefix) + error.what(), ierr, msg);
   }
