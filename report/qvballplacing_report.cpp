@@ -8,8 +8,8 @@
 ///
 ///   Et = m v^2 / 2,   Er = I w^2 / 2,   I = 2/5 m (d/2)^2
 ///
-/// d diameter [length], m mass, v and w sizes of velocity and angular velocity, global; Et, Er energies [force length].
-/// Source: moment of inertia of a homogeneous sphere about its centre (textbook result).
+/// d diameter [length], m mass, v and w magnitudes of velocity and angular velocity, global; Et, Er energies [force
+/// length]. Source: moment of inertia of a homogeneous sphere about its centre (textbook result).
 ///
 ///   par     QV_BALLS_... of qvbrisk/layouts.h: the number n of balls, then n body ids, then n diameters
 ///   result  QV_BALL_RESULT_LENGTH entries per ball: d, Et, Er

@@ -34,9 +34,9 @@ public:
 
 struct frugal_scene {
   FrugalHost host;
-  std::vector<double> par, report_par,
-      result = std::vector<double>(QV_HULL_RESULT_LENGTH),
-      report = std::vector<double>(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH);
+  std::vector<double> par, report_par;
+  std::vector<double> result = std::vector<double>(QV_HULL_RESULT_LENGTH);
+  std::vector<double> report = std::vector<double>(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH);
 
   explicit frugal_scene(const hull& shape) {
     HydroScene scene(shape);
