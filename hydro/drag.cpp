@@ -52,7 +52,7 @@ QV_WIDE_VECTORS void drag_block::turn_normals(const double* A6) {
   }
 }
 
-/// The velocity of corner n, divided into that along the normal and that along the patch.
+/// Splits the velocity of corner n into its part along the normal and its part along the patch.
 QV_WIDE_VECTORS void drag_block::find_speeds(int n) {
   const auto& v = velocity_[n];
   auto& t = along_[n];
@@ -75,8 +75,8 @@ void drag_block::find_powers(int n, double exponent) {
   for (int i = 0; i < count_; ++i) power_[n][i] = n < reached_[i] ? std::pow(speed_[n][i], exponent) : 0.0;
 }
 
-/// Pressure drag against the normal where the corner runs into the water, friction against the motion along the patch;
-/// nothing at corners that were not reached.
+/// Pressure drag if the corner runs into the water, and friction against its motion along the patch. Corners that were
+/// not reached get 0: the block computes something for them too, which is dropped here.
 QV_WIDE_VECTORS void drag_block::find_loads(const coefficients& k, int n) {
   const auto& r = lever_[n];
   auto& p = pressure_[n];

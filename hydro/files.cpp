@@ -14,7 +14,7 @@ using qv::fault_channel;
             channel.ierr, channel.msg);
 }
 
-/// A count of 1 or more.
+/// Reads a count, which must be 1 or more.
 int read_count(qv::token_source& tokens, const char* kind, const char* of_what, const named_file& file,
                const fault_channel& channel) {
   int count = 0;
@@ -23,12 +23,12 @@ int read_count(qv::token_source& tokens, const char* kind, const char* of_what, 
   return count;
 }
 
-/// Memory is only asked for where it is little or the rest of the file may hold the numbers that are to go there.
+/// Refuses a count that the file cannot fill before memory is asked for, if that memory is more than 1 GiB.
 void check_fits(const qv::token_source& tokens, const char* kind, double bytes, double numbers, const std::string& what,
                 const named_file& file, const fault_channel& channel) {
   constexpr double k_gibibyte = 1024.0 * 1024.0 * 1024.0;
   if (bytes <= k_gibibyte) return;
-  const double least_size = 2.0 * numbers - 1.0;  // one digit and one separator each
+  const double least_size = 2.0 * numbers - 1.0;  // in bytes: one digit and one separator for each number
   if (static_cast<double>(tokens.bytes_left()) >= least_size) return;
   refuse(channel, kind, file, what + ", which are more than the file holds.");
 }
@@ -52,7 +52,7 @@ void fill(qv::token_source& tokens, wave_table& wave) {
   }
 }
 
-/// The entry behind every row and column repeats the last one.
+/// Lets the entry behind every row and column repeat the last one.
 void close_table(number_table& table, int rows, int columns) {
   for (int i = 0; i < rows; ++i) table[i][columns] = table[i][columns - 1];
   for (int j = 0; j <= columns; ++j) table[rows][j] = table[rows - 1][j];

@@ -6,6 +6,7 @@
 #include "common/call/entry_frame.h"
 #include "common/call/parameters.h"
 #include "hydro/evaluation.h"
+#include "qvbrisk/layouts.h"
 
 namespace qvhydro {
 
@@ -16,12 +17,15 @@ namespace {
 
 using qv::fault_channel;
 
-Chydro_force& find_element(void* handle, const double* par, int& ierr, char** msg) {
-  const fault_channel channel{k_prefix, ierr, msg};
-  const int id = qv::to_int(par[2], "hydro force ID (parameter 2)", channel);
+// The messages below name these positions.
+static_assert(QV_HULL_PART == 0 && QV_HULL_FORCE_ID == 2 && QV_HULL_FORCE_COUNT == 3);
+
+/// The element that the call is for. Its first call sets it up.
+Chydro_force& find_element(void* handle, const double* par, const fault_channel& channel) {
+  const int id = qv::to_int(par[QV_HULL_FORCE_ID], "hydro force ID (parameter 2)", channel);
   if (gp_hydro_force.empty()) {
-    const auto count =
-        static_cast<std::size_t>(qv::to_count(par[3], "number of hydro force elements (parameter 3)", channel));
+    const auto count = static_cast<std::size_t>(
+        qv::to_count(par[QV_HULL_FORCE_COUNT], "number of hydro force elements (parameter 3)", channel));
     s_HydroForce_Report.resize(count + 1);
     gp_hydro_force.resize(count + 1);
   }
@@ -29,29 +33,34 @@ Chydro_force& find_element(void* handle, const double* par, int& ierr, char** ms
   Chydro_force& element = gp_hydro_force[static_cast<std::size_t>(id)];
   if (element.initialized != 1) {
     element.id = id;
-    element.initialized = 1;  // whatever comes of it: an element is set up once
-    ini_hydro_force(handle, &element, par, ierr, msg);
+    element.initialized = 1;  // before the set-up: an element is set up once, even if that fails
+    ini_hydro_force(handle, &element, par, channel.ierr, channel.msg);
   } else if (!element.files_read) {
     qv::fault(k_prefix + ("The set-up failed before, there are no forces. HYDRO FORCE ID = " + std::to_string(id)) +
                   ". Mend what the first message named (parameters, WAVE or CURRENT file) and start again.",
-              ierr, msg);
+              channel.ierr, channel.msg);
   }
   return element;
 }
 
-void force(void* handle, double time, const double* par, int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, k_results, 0.0);
-  Chydro_force& element = find_element(handle, par, ierr, msg);
-  const fault_channel channel{k_prefix, ierr, msg};
-  const int index = qv::to_int(par[0], "sub-element index (parameter 0)", channel);
+/// The patch mesh of the element that the call is for. Its first call sets it up.
+Chydro_force_sub& find_mesh(Chydro_force& element, const double* par, const fault_channel& channel) {
+  const int index = qv::to_int(par[QV_HULL_PART], "sub-element index (parameter 0)", channel);
   qv::check_index(index, element.subs.size(), "sub-element index (parameter 0)", channel);
-  element.wave_x_first = element.wave_x[0];
-  element.wave_x_last = element.wave_x.last();
   Chydro_force_sub& sub = element.subs[static_cast<std::size_t>(index)];
   if (sub.initialized != 1) {
-    sub.initialized = 1;
-    ini_hydro_force_sub(&sub, par, ierr, msg, element.id);
+    sub.initialized = 1;  // before the set-up, as for the element
+    ini_hydro_force_sub(&sub, par, channel.ierr, channel.msg, element.id);
   }
+  return sub;
+}
+
+void force(void* handle, double time, const double* par, int iflag, double* result, const fault_channel& channel) {
+  std::fill_n(result, QV_HULL_RESULT_LENGTH, 0.0);
+  Chydro_force& element = find_element(handle, par, channel);
+  element.wave_x_first = element.wave_x[0];
+  element.wave_x_last = element.wave_x.last();
+  Chydro_force_sub& sub = find_mesh(element, par, channel);
   evaluate(handle, time, iflag, element, sub, result);
 }
 
@@ -60,7 +69,7 @@ void force(void* handle, double time, const double* par, int iflag, double* resu
 void qvhydro_force(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag, double* result,
                    int& ierr, char** msg) {
   try {
-    force(handle, time, par, iflag, result, ierr, msg);
+    force(handle, time, par, iflag, result, {k_prefix, ierr, msg});
   } catch (const std::exception& error) {
     qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
   }

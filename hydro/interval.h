@@ -6,12 +6,16 @@
 
 namespace qvhydro {
 
-/// Positions or keys of a table in file order. One entry more than the file has: it repeats the last.
+/// Positions, times or keys of a table in the order of the file, in the model's units. The axis has one entry more than
+/// the file, which repeats the last one, so that the interval behind the last entry exists and is empty.
+///
+/// Interval j holds x if a[j] <= x < a[j + 1]. Nothing below the first entry, at or behind the last one, or NaN is in
+/// an interval. An axis that does not increase strictly is searched from its start, so that the first interval counts.
 class interval_axis {
 public:
-  /// `count` zeros and the entry behind them.
+  /// Makes `count` zeros and the entry behind them.
   void resize(int count) { values_.assign(static_cast<std::size_t>(count) + 1, 0.0); }
-  /// Repeats the last entry behind itself. To be called once all are known.
+  /// Repeats the last entry behind itself. To be called once all entries are filled in.
   void close();
 
   double operator[](int i) const { return values_[static_cast<std::size_t>(i)]; }
@@ -20,8 +24,8 @@ public:
   double last() const { return (*this)[count() - 1]; }
 
   bool holds(int j, double x) const { return (*this)[j] <= x && x < (*this)[j + 1]; }
-  /// The first j from 0 with a[j] <= x < a[j+1], or -1; a NaN is in no interval.
-  /// @param guess  where it may be, between 0 and count() - 1: an answer near it costs no search
+  /// Finds the first interval that holds x, or -1.
+  /// @param guess  interval that may hold x, between 0 and count() - 1; if it does, there is no search
   int find(double x, int guess) const {
     if (!increasing_) return find_first(x);
     if (holds(guess, x)) return guess;
@@ -33,7 +37,7 @@ private:
   int find_first(double x) const;
 
   std::vector<double> values_;
-  bool increasing_ = false;  ///< strictly, so that an interval that holds x is the only one
+  bool increasing_ = false;  ///< strictly: then an interval that holds x is the only one
 };
 
 }  // namespace qvhydro

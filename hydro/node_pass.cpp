@@ -11,8 +11,10 @@ using qv::k_block;
 using qv::rotate;
 using qv::vectors;
 
-/// The water's velocity from one table of the CURRENT file, at x, y of the water frame. Row `row` is where the last
-/// search ended; `found` tells that it names the interval of this one.
+/// The water's velocity from one table of the CURRENT file at x, y of the water frame, interpolated linearly.
+/// Mode 1: a table over x, 0 outside of it. Any other mode: a table over y, held at its ends.
+/// @param row    where the last search ended; receives the interval found now
+/// @param found  whether there is one
 double current_at(const current_table& table, double x, double y, int& row, bool& found) {
   const interval_axis& keys = table.key;
   const int last = keys.count() - 1;
@@ -29,25 +31,27 @@ double current_at(const current_table& table, double x, double y, int& row, bool
   }
   const int j = keys.find(key, row);
   found = j >= 0;
-  if (!found) return clamped ? key : 0.0;  // every clamped key is in an interval but a NaN, which travels on
+  if (!found) return clamped ? key : 0.0;  // only a NaN is in no interval of a clamped table; it travels on
   row = j;
   const double a = (keys[j + 1] - key) / (keys[j + 1] - keys[j]);
   const double* value = table.value.data() + j;
   return value[0] * a + value[1] * (1.0 - a);
 }
 
-/// Nodes side by side, for loops that run several at a time.
+/// Nodes side by side, for loops that are vectorised.
 struct node_block {
   int count = 0;
   vectors local, position;
 };
 
-/// Those of them that are wet.
+/// The wet nodes of a block.
 struct wet_block {
   int count = 0;
-  int index[k_block];
-  vectors local, water;  ///< body marker frame; velocity of the water, water frame
-  vectors velocity, lever;
+  int index[k_block];  ///< in the block of all nodes
+  vectors local;       ///< position, body marker frame
+  vectors water;       ///< velocity of the water, water frame
+  vectors velocity;    ///< relative to the water, global axes
+  vectors lever;       ///< from the force marker, global axes
 };
 
 QV_WIDE_VECTORS void find_positions(const motion& m, node_block& b) {
@@ -59,9 +63,8 @@ QV_WIDE_VECTORS void find_positions(const motion& m, node_block& b) {
   }
 }
 
-/// Velocities relative to the water, and levers, both in global axes.
 QV_WIDE_VECTORS void find_velocities(const motion& m, wet_block& b) {
-  vectors turning, relative;
+  vectors turning, relative;  // body marker frame; water frame
   for (int i = 0; i < b.count; ++i) {
     turning.x[i] = m.spin[1] * b.local.z[i] - m.spin[2] * b.local.y[i];
     turning.y[i] = m.spin[2] * b.local.x[i] - m.spin[0] * b.local.z[i];
@@ -106,7 +109,7 @@ public:
   }
 
 private:
-  /// Where node i is, how high the water stands there, and how it flows at a wet one.
+  /// Finds where node i is and how high the water stands there; a wet node joins the wet block with the water's flow.
   void find_surface(int i, node_state& s) {
     take(nodes_.position, i, s.position);
     const double x = s.position[0], y = s.position[1];
@@ -138,7 +141,7 @@ private:
   }
 
   const Chydro_force& element_;
-  blended_rows elevation_, rising_;  ///< of the water
+  blended_rows elevation_, rising_;  ///< of the water: height of its surface, vertical velocity
   const motion& m_;
   node_block nodes_;
   wet_block wet_;

@@ -1,19 +1,23 @@
 #pragma once
 
-#include "hydro/records.h"
+#include "hydro/motion.h"
 
 namespace qvhydro {
 
-/// Where the hull and the water are. Suffixes: 4 force marker, 5 water marker, 6 body marker.
-struct motion {
-  double p4[3] = {}, p5[3] = {}, p6[3] = {};  ///< global positions
-  double A5[9] = {}, A6[9] = {};
-  double R[9];                  ///< body marker frame -> water frame
-  double d[3] = {}, v[3] = {};  ///< body marker's position and velocity in the water frame
-  double spin[3];               ///< of the body marker, in its own axes
-};
-
-/// Works out every node of a mesh, once per call, whatever the number of its patches.
+/// Computes every node of a mesh once per call, whatever the number of patches that share it.
+///
+///   q = R node + d                              position, water frame
+///   eta, wz                                     elevation and vertical velocity of the water at q.x, from the wave
+///   table u = A5 (R (spin x node) + v - (cx, cy, wz)) velocity relative to the water, global axes r = A6 node + p6 -
+///   p4                       lever from the force marker, global axes
+///
+/// cx and cy are the currents along the water frame's x and y axis. Symbols of the motion: see hydro/motion.h. Source:
+/// rigid-body kinematics; the tables as documented in docs/floating-bodies.md, "The water".
+///
+/// Borders: a node is off the table if q.x < 0 or q.x is at or behind the last position of the wave table; between 0
+/// and the first position the water stands at 0 and does not rise. A node exactly at the surface is wet. A NaN selects
+/// nothing: if q.x is NaN the water stands at 0, and a node whose height or elevation is NaN passes for wet, so that
+/// the NaN travels into the forces. Velocity and lever are written for wet nodes only.
 void evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub);
 
 }  // namespace qvhydro

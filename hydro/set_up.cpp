@@ -5,12 +5,19 @@
 #include "common/kernels/kernels.h"
 #include "hydro/files.h"
 #include "hydro/hydro_force.h"
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/services.h"
 
 namespace qvhydro {
 namespace {
 
 using qv::fault_channel;
+
+// The messages below name these positions.
+static_assert(QV_HULL_PART == 0 && QV_HULL_PART_COUNT == 1 && QV_HULL_FORCE_ID == 2);
+static_assert(QV_HULL_FORCE_MARKER == 4 && QV_HULL_WATER_MARKER == 5 && QV_HULL_BODY_MARKER == 6);
+static_assert(QV_HULL_WAVE_STRING == 7 && QV_HULL_CURRENT_STRING == 8);
+static_assert(QV_HULL_OPTION == 10 && QV_HULL_NODE_COUNT == 20);
 
 void fetch_units(void* handle, inverse_units& inverse) {
   double scale[5] = {};
@@ -32,7 +39,8 @@ void read_files(void* handle, Chydro_force& element, const fault_channel& channe
   read_wave_file(wave, element, channel);
 
   current.name = fetch_file_name(handle, element.current_string_id, channel);
-  // Deliberate: the model's path is the one that the WAVE file needed. Where that opened as named there is none.
+  // Kept: the model's path is the one that the WAVE file asked for. If that file opened as named, there is none, and a
+  // CURRENT file that does not open as named is not found.
   if (!current.open_as_named() && !current.open_beside(model_path)) {
     qv::fault("HYDRO FORCE ERROR : Failded to open CURREWNT file. HYDRO FORCE ID = " + std::to_string(element.id),
               channel.ierr, channel.msg);
@@ -42,14 +50,14 @@ void read_files(void* handle, Chydro_force& element, const fault_channel& channe
 }
 
 void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& channel) {
-  sub.node_count = qv::to_count(par[20], "number of nodes (parameter 20)", channel);
+  sub.node_count = qv::to_count(par[QV_HULL_NODE_COUNT], "number of nodes (parameter 20)", channel);
   const auto count = static_cast<std::size_t>(sub.node_count);
   sub.node_states.assign(count + 1, node_state());
-  sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: without memory there are no nodes to evaluate
+  sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // after the states: every node that exists has a state
   for (std::size_t i = 0; i < count; ++i) {
-    const double* at = par + 21 + 3 * i;
+    const double* at = par + QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * i;
     sub.nodes[i] = {at[0], at[1], at[2]};
-    if (i == 0 || at[2] > sub.max_node_z) sub.max_node_z = at[2];
+    if (i == 0 || sub.nodes[i].z > sub.max_node_z) sub.max_node_z = sub.nodes[i].z;
   }
 }
 
@@ -69,7 +77,7 @@ patch_outline outline_of(const Chydro_force_sub& sub, const int* node_ids) {
   return outline;
 }
 
-/// Area, and the normal before it is brought to unit length.
+/// Computes the area by the Gram determinant, and the normal before it is brought to unit length.
 void measure(const patch_outline& outline, Cpatch& patch) {
   double aa = 0.0, bb = 0.0, ab = 0.0;
   qv::vectrvec(outline.edge01, outline.edge01, aa);
@@ -96,25 +104,31 @@ std::string degenerate_text(const Chydro_force_sub& sub, const Cpatch& patch, in
          "\n Node2 ID = " + point_text(sub, patch.node_ids[1]) + "\n Node2 ID = " + point_text(sub, patch.node_ids[2]);
 }
 
-/// A patch that cannot be set up leaves its record and those after it at zero: they add nothing.
+/// Reads the node numbers of patch i. The spare node behind the last one may be named.
+void read_node_ids(const Chydro_force_sub& sub, const double* numbers, int i, int* node_ids,
+                   const fault_channel& channel) {
+  for (int k = 0; k < QV_HULL_PATCH_LENGTH; ++k) {
+    const double node = numbers[k];
+    if (!(node > -1.0 && node < sub.node_count + 1.0)) {
+      const std::string quantity = "node of patch " + std::to_string(i + 1);
+      qv::to_int(node, quantity.c_str(), channel);
+      qv::check_index(static_cast<int>(node), sub.nodes.size(), quantity.c_str(), channel);
+    }
+    node_ids[k] = static_cast<int>(node);
+  }
+}
+
+/// Reads patch after patch. One that cannot be set up leaves its record and those after it at zero: they add nothing.
 void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const fault_channel& channel) {
-  const std::size_t count_at = 21 + 3 * static_cast<std::size_t>(sub.node_count);
+  const std::size_t count_at = QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * static_cast<std::size_t>(sub.node_count);
   const int count = qv::to_count(par[count_at], "number of patches", channel);
   sub.patches.assign(static_cast<std::size_t>(count) + 1, Cpatch());
   sub.outlines.assign(static_cast<std::size_t>(count) + 1, patch_outline());
   sub.patch_count = count;
   for (int i = 0; i < count; ++i) {
+    const auto at = static_cast<std::size_t>(i);
     Cpatch patch;
-    for (std::size_t k = 0; k < 3; ++k) {
-      // The spare node behind the last one may be named.
-      const double node = par[count_at + 1 + 3 * static_cast<std::size_t>(i) + k];
-      const auto quantity = [&] { return "node of patch " + std::to_string(i + 1); };
-      if (!(node > -1.0 && node < sub.node_count + 1.0)) {
-        qv::to_int(node, quantity().c_str(), channel);
-        qv::check_index(static_cast<int>(node), sub.nodes.size(), quantity().c_str(), channel);
-      }
-      patch.node_ids[k] = static_cast<int>(node);
-    }
+    read_node_ids(sub, par + count_at + 1 + QV_HULL_PATCH_LENGTH * at, i, patch.node_ids, channel);
     const patch_outline outline = outline_of(sub, patch.node_ids);
     measure(outline, patch);
     double square = 0.0;
@@ -123,8 +137,8 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
     if (length <= 0.0) qv::fault(degenerate_text(sub, patch, i + 1, length, force_id), channel.ierr, channel.msg);
     int flag = 0;
     qv::normalization_vec(patch.normal, flag);
-    sub.patches[static_cast<std::size_t>(i)] = patch;
-    sub.outlines[static_cast<std::size_t>(i)] = outline;
+    sub.patches[at] = patch;
+    sub.outlines[at] = outline;
   }
 }
 
@@ -133,35 +147,36 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
 void ini_hydro_force(void* handle, Chydro_force* element, const double* par, int& ierr, char** msg) {
   const fault_channel channel{k_prefix, ierr, msg};
   fetch_units(handle, element->inv_unit);
-  element->subelement_count = qv::to_count(par[1], "number of sub-elements (parameter 1)", channel);
+  element->subelement_count = qv::to_count(par[QV_HULL_PART_COUNT], "number of sub-elements (parameter 1)", channel);
   element->subs.resize(static_cast<std::size_t>(element->subelement_count) + 1);
   for (int k = 0; k < 3; ++k) element->report_mass_moment[k] = element->report_buoyancy_moment[k] = 0.0;
   element->report_mass_sum = element->report_buoyancy_sum = 0.0;
-  element->density = par[15];
-  element->gravity = par[16];
-  element->drag_scale = par[19];
+  element->density = par[QV_HULL_DENSITY];
+  element->gravity = par[QV_HULL_GRAVITY];
+  element->drag_scale = par[QV_HULL_DRAG_SCALE];
   element->time_index = 0;
-  element->wave_string_id = qv::to_int(par[7], "string of the WAVE file (parameter 7)", channel);
-  element->current_string_id = qv::to_int(par[8], "string of the CURRENT file (parameter 8)", channel);
+  element->wave_string_id = qv::to_int(par[QV_HULL_WAVE_STRING], "string of the WAVE file (parameter 7)", channel);
+  element->current_string_id =
+      qv::to_int(par[QV_HULL_CURRENT_STRING], "string of the CURRENT file (parameter 8)", channel);
   read_files(handle, *element, channel);
   element->files_read = true;
 }
 
 void ini_hydro_force_sub(Chydro_force_sub* sub, const double* par, int& ierr, char** msg, int force_id) {
   const fault_channel channel{k_prefix, ierr, msg};
-  sub->index = qv::to_int(par[0], "sub-element index (parameter 0)", channel);
-  sub->force_id = qv::to_int(par[2], "hydro force ID (parameter 2)", channel);
-  sub->force_marker = qv::to_int(par[4], "force marker (parameter 4)", channel);
-  sub->water_marker = qv::to_int(par[5], "water marker (parameter 5)", channel);
-  sub->body_marker = qv::to_int(par[6], "body marker (parameter 6)", channel);
-  sub->mass = par[9];
-  sub->option = qv::to_int(par[10], "option (parameter 10)", channel);
-  sub->reserve = par[11];
-  sub->scale = par[12];
-  sub->t_start = par[13];
-  sub->t_end = par[14];
-  sub->tangential_coef = par[17];
-  sub->tangential_exp = par[18];
+  sub->index = qv::to_int(par[QV_HULL_PART], "sub-element index (parameter 0)", channel);
+  sub->force_id = qv::to_int(par[QV_HULL_FORCE_ID], "hydro force ID (parameter 2)", channel);
+  sub->force_marker = qv::to_int(par[QV_HULL_FORCE_MARKER], "force marker (parameter 4)", channel);
+  sub->water_marker = qv::to_int(par[QV_HULL_WATER_MARKER], "water marker (parameter 5)", channel);
+  sub->body_marker = qv::to_int(par[QV_HULL_BODY_MARKER], "body marker (parameter 6)", channel);
+  sub->mass = par[QV_HULL_MASS];
+  sub->option = qv::to_int(par[QV_HULL_OPTION], "option (parameter 10)", channel);
+  sub->reserve = par[QV_HULL_RESERVE];
+  sub->scale = par[QV_HULL_LOAD_SCALE];
+  sub->t_start = par[QV_HULL_ACTIVE_FROM];
+  sub->t_end = par[QV_HULL_ACTIVE_TO];
+  sub->tangential_coef = par[QV_HULL_TANGENTIAL_COEFFICIENT];
+  sub->tangential_exp = par[QV_HULL_TANGENTIAL_EXPONENT];
   read_nodes(*sub, par, channel);
   read_patches(*sub, par, force_id, channel);
 }

@@ -9,7 +9,7 @@ time_blend blend_at(wave_table& wave, double time, bool set_up_call) {
   int& i = blend.row;
   if (rows[i] <= time) {
     if (time < rows.last()) {
-      while (!rows.holds(i, time)) ++i;  // ends: the rows lead from one that is not later to one that is
+      while (!rows.holds(i, time)) ++i;  // this ends: row i is not later than `time`, and the last row is later
       blend.w0 = (rows[i + 1] - time) / (rows[i + 1] - rows[i]);
       blend.w1 = 1.0 - blend.w0;
     } else {

@@ -7,10 +7,10 @@
 
 namespace qvhydro {
 
-/// Rows of numbers in one piece.
+/// A table of numbers, row after row in one piece of memory.
 class number_table {
 public:
-  /// Zeros, and one row and one column more than said.
+  /// Makes zeros: one row and one column more than `rows` and `columns`.
   void resize(int rows, int columns) {
     columns_ = static_cast<std::size_t>(columns) + 1;
     values_.assign((static_cast<std::size_t>(rows) + 1) * columns_, 0.0);
@@ -23,35 +23,43 @@ private:
   qv::large_vector<double> values_;
 };
 
-/// Water surface over time and the position along the water frame's x axis, as a WAVE file has it. Everything has one
-/// entry more than the file: it repeats the last, so that the interval behind any row or column can be blended.
+/// Water surface over time and over the position along the water frame's x axis, as a WAVE file has it. Axes and tables
+/// have one entry more than the file, which repeats the last one, so that a row or column can always be blended with
+/// the next.
 struct wave_table {
-  interval_axis wave_time;      ///< T + 1 entries
-  interval_axis wave_x;         ///< X + 1 entries
-  number_table wave_elevation;  ///< T + 1 rows of X + 1 columns [length]
-  number_table wave_velocity;   ///< likewise, vertical water velocity, positive upwards [length / time]
-  int wave_rows = 0;            ///< T
-  int wave_cols = 0;            ///< X
-  int time_index = 0;           ///< row of the last evaluation
+  interval_axis wave_time;      ///< T + 1 entries [time]
+  interval_axis wave_x;         ///< X + 1 entries [length]
+  number_table wave_elevation;  ///< T + 1 rows of X + 1 columns [length], water frame z
+  number_table wave_velocity;   ///< T + 1 rows of X + 1 columns, vertical water velocity, positive up [length / time]
+  int wave_rows = 0;            ///< T, number of rows in the file
+  int wave_cols = 0;            ///< X, number of positions in the file
+  int time_index = 0;           ///< row that the last call used
 };
 
-/// Where a time lies between two rows: row i counts w0, row i + 1 counts w1.
+/// Where a time lies between two rows: value = w0 W[row] + w1 W[row + 1].
 struct time_blend {
   int row = 0;
   double w0 = 0.0, w1 = 0.0;
 };
 
-/// The blend for a time, and the row kept for the next search. The set-up call keeps the row and blends nothing, so
-/// that the water stands at zero. The search goes forward only: an earlier time takes the row that is kept, by design.
+/// Finds the blend for a time and keeps its row in `time_index` for the next search:
+///
+///   w0 = (t[i + 1] - time) / (t[i + 1] - t[i]),  w1 = 1 - w0     with t[i] <= time < t[i + 1]
+///
+/// Linear interpolation as documented in docs/floating-bodies.md, "The water".
+///
+/// Borders: at or past the last row w0 = 1 on the last row. A set-up call keeps the row and both weights are 0, so the
+/// water stands at z = 0; so does a time that is NaN.
+/// Kept: the search goes forward only. A time before the row of the last call takes that row as it is.
 time_blend blend_at(wave_table& wave, double time, bool set_up_call);
 
-/// A table at a moment: two rows and what they count.
+/// A table at one moment: two of its rows and their weights.
 class blended_rows {
 public:
   blended_rows(const number_table& table, const time_blend& when)
       : row_(table[when.row]), next_(table[when.row + 1]), w0_(when.w0), w1_(when.w1) {}
 
-  /// The value at column j + b, where a = 1 - b is the share of column j: rows are blended in time first.
+  /// Value between the columns j and j + 1, whose shares are a and b = 1 - a. Rows are blended in time first.
   double at(int j, double a, double b) const { return b * blend(j + 1) + a * blend(j); }
 
 private:

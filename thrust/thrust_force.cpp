@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "common/call/entry_frame.h"
-#include "common/call/parameters.h"
 #include "common/call/requests.h"
 #include "common/kernels/kernels.h"
 #include "hydro/files.h"
+#include "thrust/parameters.h"
 
 namespace qvthrust {
 
@@ -15,44 +15,35 @@ std::vector<CWave> gp_Wave;
 
 namespace {
 
-using qv::fault_channel;
-
-constexpr int k_results = 6;
-
-bool uses_wave(const double* par, const fault_channel& channel) {
-  return qv::to_int(par[13], "wave switch (parameter 13)", channel) == 1;
-}
-
-CWave& find_element(void* handle, const double* par, int& ierr, char** msg) {
-  const fault_channel channel{k_prefix, ierr, msg};
-  const int id = qv::to_int(par[0], "thrust element ID (parameter 0)", channel);
-  if (gp_Wave.empty()) {
-    const int count = qv::to_count(par[1], "number of thrust elements (parameter 1)", channel);
-    gp_Wave.resize(static_cast<std::size_t>(count) + 1);
-  }
-  qv::check_index(id, gp_Wave.size(), "thrust element ID (parameter 0)", channel);
+/// The element that the call is for. Its first call sets it up.
+CWave& find_element(void* handle, const double* par, const thrust_parameters& p) {
+  const qv::fault_channel& channel = p.channel();
+  const int id = p.element();
+  if (gp_Wave.empty()) gp_Wave.resize(static_cast<std::size_t>(p.element_count()) + 1);
+  qv::check_index(id, gp_Wave.size(), thrust_parameters::k_element, channel);
   CWave& wave = gp_Wave[static_cast<std::size_t>(id)];
   if (wave.initialized != 1) {
     wave.id = id;
-    wave.initialized = 1;  // whatever comes of it: an element is set up once
-    if (uses_wave(par, channel)) ini_Wave(handle, &wave, par, ierr, msg);
-  } else if (uses_wave(par, channel) && !wave.file_read) {
+    wave.initialized = 1;  // before the set-up: an element is set up once, even if that fails
+    if (p.uses_wave()) ini_Wave(handle, &wave, par, channel.ierr, channel.msg);
+  } else if (p.uses_wave() && !wave.file_read) {
     qv::fault(k_prefix +
                   ("The WAVE file was not read at the first call, there is no thrust. THRUST ELEMENT ID = " +
                    std::to_string(id)) +
                   ". Mend what the first message named and start again.",
-              ierr, msg);
+              channel.ierr, channel.msg);
   }
   return wave;
 }
 
-/// Whether the thrust point is in the water.
+/// True if the thrust point is in the water: over the positions of the wave table and not above the surface. Between 0
+/// and the first position the water stands at 0.
 bool in_water(void* handle, double time, int iflag, CWave& wave) {
   double point[3] = {};
   qv::fetch_vector(handle, "TDISP", {wave.thrust_marker, wave.water_marker, wave.water_marker}, point, 3);
   const double x = point[0], z = point[2];
   const qvhydro::time_blend when = qvhydro::blend_at(wave, time, iflag == 1);
-  if (x < 0.0 || x >= wave.wave_x.last()) return false;
+  if (x < 0.0 || x >= wave.wave_x.last()) return false;  // the row of this time is kept nevertheless
   double elevation = 0.0;
   const int j = wave.wave_x.find(x, 0);
   if (j >= 0) {
@@ -62,67 +53,71 @@ bool in_water(void* handle, double time, int iflag, CWave& wave) {
   return !(elevation < z);
 }
 
-/// The thrust that the mode asks for; v is the variable's value.
-double commanded_thrust(void* handle, const double* par, double v, const fault_channel& channel) {
-  const int mode = qv::to_int(par[6], "thrust mode (parameter 6)", channel);
-  if (mode == 1) return v;
-  const int equation = qv::to_int(par[9], "differential equation (parameter 9)", channel);
+double feedback_thrust(void* handle, const thrust_parameters& p) {
+  const int equation = p.equation();
   const double d20 = qv::fetch_scalar(handle, "DIF20", {equation});
   const double d21 = qv::fetch_scalar(handle, "DIF21", {equation});
   const double d22 = qv::fetch_scalar(handle, "DIF22", {equation});
-  const double thrust = d21 * -par[10] - d22 * par[11] - d20 * par[12];
-  if (mode == 2 && v == 0.0) return 0.0;
-  if (mode != 3) return thrust;
+  return d21 * -p.first_derivative_gain() - d22 * p.second_derivative_gain() - d20 * p.state_gain();
+}
+
+/// No larger than the spline's value at v, with the thrust's own sign.
+double limited_thrust(void* handle, const thrust_parameters& p, double v, double thrust) {
   double limit = 0.0;
   int flag = 0;
-  AKISPL(handle, v, 0.0, qv::to_int(par[7], "spline (parameter 7)", channel), 0, &limit, &flag);
+  AKISPL(handle, v, 0.0, p.spline(), 0, &limit, &flag);
   return limit < std::fabs(thrust) ? limit * qv::fsign(thrust) : thrust;
+}
+
+double commanded_thrust(void* handle, const thrust_parameters& p, double v) {
+  const thrust_mode mode = p.mode();
+  if (mode == thrust_mode::variable) return v;
+  const double thrust = feedback_thrust(handle, p);  // asked for even if the mode then switches it off
+  if (mode == thrust_mode::feedback_or_off && v == 0.0) return 0.0;
+  return mode == thrust_mode::limited ? limited_thrust(handle, p, v, thrust) : thrust;
 }
 
 }  // namespace
 
 void ini_Wave(void* handle, CWave* wave, const double* par, int& ierr, char** msg) {
-  const fault_channel channel{k_prefix, ierr, msg};
+  const thrust_parameters p(par, {k_prefix, ierr, msg});
   wave->time_index = 0;
-  wave->thrust_marker = qv::to_int(par[2], "thrust marker (parameter 2)", channel);
-  wave->marker2 = qv::to_int(par[4], "second marker (parameter 4)", channel);
-  wave->water_marker = qv::to_int(par[5], "water marker (parameter 5)", channel);
-  wave->wave_string_id = qv::to_int(par[14], "string of the WAVE file (parameter 14)", channel);
+  wave->thrust_marker = p.thrust_marker();
+  wave->marker2 = p.second_marker();
+  wave->water_marker = p.water_marker();
+  wave->wave_string_id = p.wave_string();
   qvhydro::named_file file;
   std::wstring model_path;
-  file.name = qvhydro::fetch_file_name(handle, wave->wave_string_id, channel);
-  if (!qvhydro::open_wave_file(handle, file, model_path, channel)) {
+  file.name = qvhydro::fetch_file_name(handle, wave->wave_string_id, p.channel());
+  if (!qvhydro::open_wave_file(handle, file, model_path, p.channel())) {
     qv::fault("THRUST FORCE ERROR : Failded to open WAVE file.", ierr, msg);
   }
   wave->wave_path = file.second_path;
-  qvhydro::read_wave_file(file, *wave, channel);
+  qvhydro::read_wave_file(file, *wave, p.channel());
   wave->file_read = true;
 }
 
-// Neither function has a handler of its own: a standard exception passes to the frame, which reports what is stored.
+// Neither function below catches a standard exception: it passes to the entry frame, which reports it without a text.
 
 void qvsoil_thrust_force(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag,
                          double* result, int& ierr, char** msg) {
-  std::fill_n(result, k_results, 0.0);
-  CWave& wave = find_element(handle, par, ierr, msg);
-  const fault_channel channel{k_prefix, ierr, msg};
-  const double v = qv::fetch_scalar(handle, "VARVAL", {qv::to_int(par[8], "variable (parameter 8)", channel)});
-  const bool out_of_water = uses_wave(par, channel) && !in_water(handle, time, iflag, wave);
+  std::fill_n(result, QV_THRUST_RESULT_LENGTH, 0.0);
+  const thrust_parameters p(par, {k_prefix, ierr, msg});
+  CWave& wave = find_element(handle, par, p);
+  const double v = qv::fetch_scalar(handle, "VARVAL", {p.variable()});
+  const bool out_of_water = p.uses_wave() && !in_water(handle, time, iflag, wave);
   if (out_of_water && iflag != 1) return;
-  result[0] = commanded_thrust(handle, par, v, channel);
+  result[QV_THRUST_RESULT_FORCE] = commanded_thrust(handle, p, v);
 }
 
 void qvsoil_error_velocity(void* handle, double /*time*/, double* par, int /*npar*/, int /*difflag*/, int /*iflag*/,
                            double& result, int& ierr, char** msg) {
   result = 0.0;
-  const fault_channel channel{k_prefix, ierr, msg};
-  const int vehicle = qv::to_int(par[1], "vehicle marker (parameter 1)", channel);
-  const int reference = qv::to_int(par[2], "reference marker (parameter 2)", channel);
-  const int variable = qv::to_int(par[3], "commanded velocity (parameter 3)", channel);
+  const velocity_error_parameters p(par, {k_prefix, ierr, msg});
   double axes[9] = {}, velocity[3] = {}, forward[3];
-  qv::fetch_vector(handle, "AM", {vehicle}, axes, 9);
-  qv::fetch_vector(handle, "TVEL", {vehicle, reference}, velocity, 3);
-  const double command = qv::fetch_scalar(handle, "VARVAL", {variable});
+  qv::fetch_vector(handle, "AM", {p.vehicle}, axes, 9);
+  qv::fetch_vector(handle, "TVEL", {p.vehicle, p.reference}, velocity, 3);
+  const double command = qv::fetch_scalar(handle, "VARVAL", {p.command});
   qv::mattrvec(axes, velocity, forward);
   result = command == 0.0 ? 0.0 : forward[0] - command;
 }

@@ -1,16 +1,18 @@
 #include <gtest/gtest.h>
 
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
 #include "tests/support/failing_new.h"
 
-// Memory: an evaluation and a report take none, and a set-up that gets none says so and stays harmless.
+// Memory: an evaluation and a report allocate nothing, and a set-up whose allocation fails says so and does no harm.
 
 namespace qvtest {
 namespace {
 
-/// A host that takes no memory itself while it is watched: file names are handed out, messages go to a fixed record.
+/// A host that allocates nothing itself while allocations are counted: file names are handed out, messages go to a
+/// fixed record.
 class FrugalHost : public ScriptedHost {
 public:
   std::wstring names[2];  ///< of the WAVE and the CURRENT file, given once
@@ -32,7 +34,9 @@ public:
 
 struct frugal_scene {
   FrugalHost host;
-  std::vector<double> par, report_par, result = std::vector<double>(34), report = std::vector<double>(22);
+  std::vector<double> par, report_par;
+  std::vector<double> result = std::vector<double>(QV_HULL_RESULT_LENGTH);
+  std::vector<double> report = std::vector<double>(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH);
 
   explicit frugal_scene(const hull& shape) {
     HydroScene scene(shape);
@@ -126,7 +130,7 @@ TEST(FirstCallOfAProcessWithoutMemory, LeavesTablesThatALaterCallSizes) {
 TEST(FaultWithoutMemory, IsReportedWithoutAText) {
   frugal_scene scene(box_hull(2, 2, 2));
   scene.call(0.0, 0);
-  scene.par[0] = 9.0;
+  scene.par[QV_HULL_PART] = 9.0;
   {
     const failing_new watch(1);
     scene.call(0.0, 0);

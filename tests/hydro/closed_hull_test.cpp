@@ -2,7 +2,8 @@
 
 #include "tests/hydro/hydro_scene.h"
 
-// Whole hulls in calm water: against polyhedra clipped at the surface, against the sphere, and what must not change.
+// Whole hulls in calm water, compared with polyhedra clipped at the surface and with the sphere; and what must not
+// change the result.
 
 namespace qvtest {
 namespace {
@@ -20,7 +21,7 @@ mat3 attitude(double heading, double trim, double heel) {
   return qvref::operator*(qvref::m33(z), qvref::operator*(qvref::m33(y), qvref::m33(x)));
 }
 
-/// Half the digits: the area of a patch that stands upright, seen from above, comes from Heron's formula.
+/// Tolerance of half the digits: the area of a patch that stands upright, seen from above, comes from Heron's formula.
 double sliver(double size) { return 1e-7 * size * size * size; }
 
 void expect_displaces(HydroScene& scene, const body_of_water& expected, double size) {
@@ -73,7 +74,7 @@ TEST(BoxBarge, HeeledIsRightedByTheLeverOfTheWallSidedFormula) {
   HydroScene scene(box_hull(6, breadth, 2));
   const double bm = breadth * breadth / (12 * draught), kb = draught / 2, t = std::tan(phi);
   const double lever = (bm * (1 + t * t / 2) + kb - height_of_marker) * std::sin(phi);
-  // The keel point under the marker, so that the displacement stays: the waterline turns about the centre line.
+  // Keep the keel point under the marker, so that the displacement stays: the waterline turns about the centre line.
   const mat3 axes = rotation({1, 0, 0}, phi);
   const vec3 to_centre = times(axes, {0, 0, 1.0 - draught});
   scene.body().axes = axes;
@@ -161,7 +162,7 @@ TEST(Buoyancy, TurnsWithTheWaterFrame) {
 
 // --- the sphere --------------------------------------------------------------------------------------------------
 
-/// How the error shrinks when every patch is quartered.
+/// The factor by which the error shrinks when every patch is quartered.
 double order(double coarse, double fine) { return std::log2(std::fabs(coarse) / std::fabs(fine)); }
 
 TEST(Sphere, ConvergesToTheSphericalCapWithTheSquareOfThePatchSize) {

@@ -3,7 +3,7 @@
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
 
-// The exported subroutines against the literal reference: random hulls, waves, currents, units, motions and call
+// Compares the exported subroutines with the literal reference: random hulls, waves, currents, units, motions and call
 // sequences, reports among them. Both form the same products and sums in the same order, so results are equal bit for
 // bit (zeros of either sign count as equal, and a not-a-number equals another).
 
@@ -20,7 +20,7 @@ mat3 random_rotation(random_source& random, double angle) {
   return rotation(axis, uniform(random, -angle, angle));
 }
 
-/// An axis from near 0 on, now and then one that does not increase everywhere.
+/// An axis that starts near 0. If `may_turn`, it may decrease in places.
 qvref::axis random_axis(random_source& random, int count, double step, bool may_turn) {
   qvref::axis axis;
   double at = whole(random, 0, 2) == 0 ? 0.0 : uniform(random, -0.5, 1.0) * step;
@@ -55,7 +55,7 @@ qvref::current_table random_table(random_source& random) {
   return table;
 }
 
-/// Parts of the element: closed hulls, or loose patches on nodes on a coarse lattice, the spare one among them.
+/// Shape of a mesh: a closed hull, or loose patches on nodes of a coarse lattice, with the spare node among them.
 hull random_shape(random_source& random) {
   if (whole(random, 0, 2) > 0) return random_hull(random);
   hull h;
@@ -114,7 +114,7 @@ public:
     scene_.water().axes = random_rotation(random_, 3.0);
   }
 
-  /// False when they differ (and the failure is reported).
+  /// Returns false if the results differ, and has then reported the failure.
   bool run() {
     double time = uniform(random_, -1.0, 1.0);
     for (int step = 0; step < 30; ++step) {
@@ -188,7 +188,7 @@ private:
     return false;
   }
 
-  /// What the searches found is kept patch by patch.
+  /// Compares the intervals that the searches found, which are kept patch by patch.
   bool compare_rows() {
     const auto& part = element_of(scene_.parameters.id).subs[static_cast<std::size_t>(scene_.parameters.sub)];
     const auto& expected = reference_.part(scene_.parameters.sub);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "qvbrisk/layouts.h"
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
 
@@ -246,7 +247,7 @@ TEST(Units, OfAHostThatDoesNotTellThemGiveNoNumbers) {
   HydroScene scene(plate_hull(2, 3));
   scene.host.unit_scale.reset();
   scene.place({0, 0, -10}, k_upright);
-  std::vector<double> par = scene.parameters.list(), result(34, k_poison);
+  std::vector<double> par = scene.parameters.list(), result(QV_HULL_RESULT_LENGTH, k_poison);
   int ierr = 0;
   char* msg[5] = {};
   qvhydro::qvhydro_force(scene.host.handle(), 0.0, par.data(), 0, 0, 0, result.data(), ierr, msg);

@@ -4,12 +4,13 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
 
 // Every text that parameters, files and states can provoke, letter for letter, and what follows a fault. This program
-// stands between the library and three services, to raise exceptions and to answer with lengths that cannot be.
+// wraps three services of the host, so that they raise exceptions and answer with lengths that are impossible.
 
 namespace {
 
@@ -49,7 +50,7 @@ const std::string k_hydro = "HYDRO FORCE ERROR : ";
 const std::string k_report = "HYDRO FORCE REPORT ERROR : ";
 
 std::vector<double> call_with(HydroScene& scene, std::vector<double> par, int iflag = 0) {
-  std::vector<double> result(35, k_poison);
+  std::vector<double> result(QV_HULL_RESULT_LENGTH + 1, k_poison);
   qvhydro_force(scene.host.handle(), 0.0, par.data(), 0, 0, iflag, result.data());
   EXPECT_EQ(result.back(), k_poison);
   result.pop_back();
@@ -70,7 +71,7 @@ struct guard_case {
 
 #define QV_INT_RANGE "; it must be a number between -2147483648 and 2147483647."
 
-// Those of a plate: 4 nodes, so its number of patches is parameter 33 and the first patch's nodes are 34 to 36.
+// Guards of a plate. It has 4 nodes, so its number of patches is parameter 33 and the first patch's nodes are 34 to 36.
 const guard_case k_selecting_guards[] = {
     {0, k_nan, "The sub-element index (parameter 0) is nan" QV_INT_RANGE},
     {0, -1, "The sub-element index (parameter 0) is -1; it must lie between 0 and 1."},
@@ -156,18 +157,18 @@ TEST(NumberOfElements, MustNotBeNegativeAndIsOnlyReadWhileTheTableIsEmpty) {
   const empty_module module;
   HydroScene scene(plate_hull(2, 2));
   std::vector<double> par = scene.parameters.list();
-  par[2] = 0;
+  par[QV_HULL_FORCE_ID] = 0;
   for (const auto& [count, text] :
        {std::make_pair(-1.0, "is -1; it must not be negative."), std::make_pair(k_nan, "is nan" QV_INT_RANGE)}) {
-    par[3] = count;
+    par[QV_HULL_FORCE_COUNT] = count;
     call_with(scene, par);
     EXPECT_EQ(scene.take_report(), k_hydro + "The number of hydro force elements (parameter 3) " + text);
     EXPECT_TRUE(qvhydro::gp_hydro_force.empty());
   }
-  par[3] = 0;
+  par[QV_HULL_FORCE_COUNT] = 0;
   call_with(scene, par);
   EXPECT_EQ(scene.take_report(), "") << "one entry more than elements";
-  par[3] = k_nan;
+  par[QV_HULL_FORCE_COUNT] = k_nan;
   call_with(scene, par);
   EXPECT_EQ(scene.take_report(), "");
 }

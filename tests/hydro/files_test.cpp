@@ -10,15 +10,15 @@
 #include "tests/hydro/module_state.h"
 #include "tests/support/temporary_folder.h"
 
-// WAVE and CURRENT files: what is read, against formatted stream extraction; what is refused; where they are looked
-// for.
+// WAVE and CURRENT files: what is read, compared with formatted stream extraction; what is refused; where the files are
+// looked for.
 
 namespace qvtest {
 namespace {
 
 using testing::ElementsAre;
 
-/// Runs `read`; returns what it said, which it must say once and with the integer 1.
+/// Runs `read` and returns its message. It must store exactly one and throw the integer 1.
 template <class Read>
 std::string fault_of(Read&& read) {
   int ierr = 0;
@@ -87,7 +87,8 @@ void expect_same(const qvhydro::wave_table& wave, const qvref::wave_file& expect
   }
 }
 
-/// Reads by both; a count below 1 must be refused, anything else read alike.
+/// Reads the text by the library and by the reference: the library must refuse a count below 1, and both must read
+/// everything else alike.
 void compare_wave(const std::string& text) {
   std::istringstream stream(text);
   const qvref::wave_file expected = qvref::read_wave(stream);
@@ -288,7 +289,7 @@ TEST(CurrentFile, DeclaringNothingOrMoreThanAGigabyteItDoesNotHoldIsRefused) {
 
 // --- where files are looked for ----------------------------------------------------------------------------------
 
-/// A scene whose files are only found in a folder that the host may tell.
+/// A scene whose files lie in a folder that only the path of the model file names.
 struct scene_elsewhere {
   TemporaryFolder folder;
   HydroScene scene{box_hull(2, 2, 2)};

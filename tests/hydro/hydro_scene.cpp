@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
 #include "tests/support/temporary_folder.h"
 
@@ -134,7 +135,7 @@ void HydroScene::move(const vec3& velocity, const vec3& angular_velocity) {
 }
 
 const std::vector<double>& HydroScene::call(double time, int iflag) {
-  result_.assign(35, k_poison);
+  result_.assign(QV_HULL_RESULT_LENGTH + 1, k_poison);
   std::vector<double> par = parameters.list();
   const std::vector<double> before = par;
   qvhydro_force(host.handle(), time, par.data(), -1, 7, iflag, result_.data());
@@ -148,24 +149,34 @@ const std::vector<double>& HydroScene::call(double time, int iflag) {
 hull_forces HydroScene::forces(double time, int iflag) {
   const std::vector<double>& r = call(time, iflag);
   EXPECT_EQ(take_report(), "");
-  return {slots(r, 0),  slots(r, 3),  slots(r, 6),  slots(r, 9),  slots(r, 12), slots(r, 15),
-          slots(r, 18), slots(r, 21), slots(r, 24), slots(r, 27), slots(r, 30), r[33]};
+  return {slots(r, QV_HULL_RESULT_FORCE),
+          slots(r, QV_HULL_RESULT_TORQUE),
+          slots(r, QV_HULL_RESULT_BUOYANCY),
+          slots(r, QV_HULL_RESULT_BUOYANCY_CENTRE),
+          slots(r, QV_HULL_RESULT_DRAG_FORCE),
+          slots(r, QV_HULL_RESULT_DRAG_TORQUE),
+          slots(r, QV_HULL_RESULT_NORMAL_DRAG_FORCE),
+          slots(r, QV_HULL_RESULT_NORMAL_DRAG_TORQUE),
+          slots(r, QV_HULL_RESULT_TANGENTIAL_DRAG_FORCE),
+          slots(r, QV_HULL_RESULT_TANGENTIAL_DRAG_TORQUE),
+          slots(r, QV_HULL_RESULT_FORCE_MARKER),
+          r[QV_HULL_RESULT_SUBMERGED_VOLUME]};
 }
 
 std::vector<double> HydroScene::report_list() const {
-  std::vector<double> par(12, k_poison);
-  par[1] = parameters.id;
-  par[2] = k_body_marker;
-  par[3] = k_water_marker;
-  par[5] = force_of_report;
-  par[6] = marker_of_force;
-  par[11] = static_cast<double>(points.size());
+  std::vector<double> par(QV_HULL_REPORT_LENGTH, k_poison);
+  par[QV_HULL_REPORT_FORCE_ID] = parameters.id;
+  par[QV_HULL_REPORT_BODY_MARKER] = k_body_marker;
+  par[QV_HULL_REPORT_WATER_MARKER] = k_water_marker;
+  par[QV_HULL_REPORT_REPORTED_FORCE] = force_of_report;
+  par[QV_HULL_REPORT_REPORTED_FORCE_MARKER] = marker_of_force;
+  par[QV_HULL_REPORT_POINT_COUNT] = static_cast<double>(points.size());
   par.insert(par.end(), points.begin(), points.end());
   return par;
 }
 
 const std::vector<double>& HydroScene::call_report(int iflag) {
-  result_.assign(19 + 4 * points.size(), k_poison);
+  result_.assign(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH * points.size() + 1, k_poison);
   std::vector<double> par = report_list();
   qvhydro_report(host.handle(), 0.0, par.data(), -1, 7, iflag, result_.data());
   EXPECT_EQ(first_difference(par, report_list()), -1) << "the parameter list is the host's";
@@ -178,7 +189,16 @@ const std::vector<double>& HydroScene::call_report(int iflag) {
 hull_report HydroScene::report() {
   const std::vector<double>& r = call_report();
   EXPECT_EQ(take_report(), "");
-  return {r[0], r[4], r[5], r[9], r[10], r[14], slots(r, 1), slots(r, 6), slots(r, 11), slots(r, 15)};
+  return {r[QV_HULL_REPORT_RESULT_BUOYANCY],
+          r[QV_HULL_REPORT_RESULT_ROLL],
+          r[QV_HULL_REPORT_RESULT_LEVER_Y],
+          r[QV_HULL_REPORT_RESULT_PITCH],
+          r[QV_HULL_REPORT_RESULT_LEVER_X],
+          r[QV_HULL_REPORT_RESULT_FORCE_Z],
+          slots(r, QV_HULL_REPORT_RESULT_BUOYANCY_CENTRE),
+          slots(r, QV_HULL_REPORT_RESULT_LEVER_Y_POINT),
+          slots(r, QV_HULL_REPORT_RESULT_LEVER_X_POINT),
+          slots(r, QV_HULL_REPORT_RESULT_MASS_CENTRE)};
 }
 
 std::string HydroScene::take_report() {

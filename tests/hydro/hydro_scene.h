@@ -12,28 +12,28 @@
 /// A hull in the water, called through the exported subroutines with a scripted host.
 ///
 /// The module keeps its elements until the process ends and sizes their table at the first call. Each test case runs
-/// in a process of its own (gtest_discover_tests), but to keep them right in a common one too, every scene asks for the
-/// same number of elements and takes an id that no other has.
+/// in a process of its own (gtest_discover_tests). So that the cases are also right in one common process, every scene
+/// asks for the same number of elements and takes an id that no other scene has.
 namespace qvtest {
 
-constexpr int k_elements = 2047;  ///< what every scene says the model has
+constexpr int k_elements = 2047;  ///< number of elements that every scene declares
 constexpr int k_force_marker = 3, k_water_marker = 8, k_body_marker = 5;
 constexpr int k_wave_string = 21, k_current_string = 22;
 constexpr double k_poison = -7.25e77;
 
-/// An id no scene of this process has used yet.
+/// An id that no scene of this process has used yet.
 int fresh_element();
 
 std::string write_file(const std::string& name, const std::string& text);
 std::wstring wide(const std::string& text);
 
-/// Files whose numbers read back as the same doubles.
+/// Texts of files whose numbers read back as the same doubles.
 std::string wave_text(const qvref::wave_file& wave, const std::string& separator = ",");
 std::string current_text(const qvref::current_file& currents, const std::string& separator = ",");
 
 /// A calm surface over [0, length] at the elevation, moving up at the velocity, at all times.
 qvref::wave_file calm_water(double length = 200.0, double elevation = 0.0, double velocity = 0.0);
-/// One current in each direction, wherever.
+/// One current along each axis, the same everywhere.
 qvref::current_file steady_current(double along_x = 0.0, double along_y = 0.0);
 
 struct hydro_parameters {
@@ -60,8 +60,8 @@ struct hull_report {
 
 class HydroScene {
 public:
-  /// SI units, all markers in the ground's, except that the water's x axis starts 100 m behind the body, in the
-  /// middle of calm_water().
+  /// SI units. All markers coincide with the ground's, except that the water marker is 100 m behind the body, so that
+  /// the body is in the middle of calm_water().
   explicit HydroScene(const hull& shape, const qvref::wave_file& wave = calm_water(),
                       const qvref::current_file& currents = steady_current());
 
@@ -73,9 +73,9 @@ public:
   marker_state& body() { return host.markers[k_body_marker]; }
   marker_state& water() { return host.markers[k_water_marker]; }
   marker_state& force_marker() { return host.markers[k_force_marker]; }
-  /// Puts body and force marker there.
+  /// Puts body and force marker at this position, with these axes.
   void place(const vec3& position, const mat3& axes);
-  /// Both move and turn as one body, whose marker has this velocity.
+  /// Gives the body this velocity and angular velocity.
   void move(const vec3& velocity, const vec3& angular_velocity = {0, 0, 0});
 
   /// Calls with a poisoned result array; writing behind its end or into the parameters fails the test, and so does a
@@ -85,7 +85,7 @@ public:
   const std::vector<double>& call_report(int iflag = 2);
   hull_report report();
   std::vector<double> report_list() const;
-  /// What was reported since the last look, "" when nothing was.
+  /// Returns what was reported since the last look, "" if nothing was.
   std::string take_report();
 
 private:

@@ -6,7 +6,8 @@
 #include "tests/hydro/hulls.h"
 #include "tests/reference/hydro_reference.h"
 
-// Searches against their definition: the first interval from the beginning (of rows: from the row kept) on.
+// Compares the searches with their definition: the first interval that holds x, from the beginning; for a time row,
+// from the row that is kept.
 
 namespace qvtest {
 namespace {

@@ -6,7 +6,7 @@
 
 namespace qvtest {
 
-/// While it lives, the hydro module is as it is before the first call of a process.
+/// While an object of this class lives, the hydro module is as before the first call of a process.
 class empty_module {
 public:
   empty_module() {

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 constexpr double k_degree = 3.141592653589793 / 180.0;
 const char* const k_massless = "HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO";
 
-/// A box of mass 3 in the water to its middle, its force marker 0.25 above the surface.
+/// A box of mass 3 that is under water up to its middle, its force marker 0.25 above the surface.
 class FloatingBox : public HydroScene {
 public:
   FloatingBox() : HydroScene(box_hull(4, 2, 2)) {
@@ -196,7 +196,8 @@ TEST(Levers, AreTheHorizontalWaysFromTheCentreOfMassToTheCentreOfBuoyancy) {
 }
 
 TEST(Levers, OfAHeeledBoxAreItsRightingLever) {
-  // Wall-sided: BM (1 + tan2 / 2) sin about the keel point under the centre line (see closed_hull_test).
+  // Righting lever of a wall-sided hull: BM (1 + tan2 / 2) sin about the keel point under the centre line (see
+  // closed_hull_test).
   FloatingBox scene;
   const double phi = 0.3, bm = 2.0 * 2.0 / 12.0, t = std::tan(phi);
   scene.turn(rotation({1, 0, 0}, phi));

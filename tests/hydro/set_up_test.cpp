@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
@@ -18,7 +19,7 @@ qvhydro::Chydro_force_sub& part_of(const HydroScene& scene) {
 }
 
 std::vector<double> call_with(HydroScene& scene, std::vector<double> par, int iflag = 0) {
-  std::vector<double> result(34, k_poison);
+  std::vector<double> result(QV_HULL_RESULT_LENGTH, k_poison);
   qvhydro_force(scene.host.handle(), 0.0, par.data(), 0, 0, iflag, result.data());
   return result;
 }
@@ -27,12 +28,12 @@ TEST(FirstCall, SizesTheModulesTablesByTheNumberOfElements) {
   const empty_module module;
   HydroScene scene(plate_hull(2, 2));
   std::vector<double> par = scene.parameters.list();
-  par[2] = 4, par[3] = 5.9;
+  par[QV_HULL_FORCE_ID] = 4, par[QV_HULL_FORCE_COUNT] = 5.9;
   call_with(scene, par);
   EXPECT_EQ(qvhydro::gp_hydro_force.size(), 6U);
   EXPECT_THAT(qvhydro::s_HydroForce_Report, testing::SizeIs(6));
   for (const auto& entry : qvhydro::s_HydroForce_Report) EXPECT_THAT(entry, ElementsAre(0.0, 0.0));
-  par[2] = 3, par[3] = 50;
+  par[QV_HULL_FORCE_ID] = 3, par[QV_HULL_FORCE_COUNT] = 50;
   call_with(scene, par);
   EXPECT_EQ(scene.take_report(), "");
   EXPECT_EQ(qvhydro::gp_hydro_force.size(), 6U) << "once";
@@ -117,8 +118,8 @@ TEST(Parameters, ThatSelectAreTruncatedTowardZeroOnEveryCall) {
   std::vector<double> par = scene.parameters.list();
   const double volumes[][2] = {{-0.9, 4.0}, {0.0, 4.0}, {0.99, 4.0}, {1.0, 32.0}, {1.99, 32.0}};
   for (const auto& [selector, volume] : volumes) {
-    par[0] = selector;
-    par[2] = scene.parameters.id + (selector < 0 ? 0.0 : 0.5);
+    par[QV_HULL_PART] = selector;
+    par[QV_HULL_FORCE_ID] = scene.parameters.id + (selector < 0 ? 0.0 : 0.5);
     EXPECT_DOUBLE_EQ(call_with(scene, par)[33], volume) << selector;
   }
   EXPECT_EQ(scene.take_report(), "");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "qvbrisk/layouts.h"
 #include "tests/hydro/hydro_scene.h"
 #include "tests/hydro/module_state.h"
 
@@ -51,11 +52,11 @@ private:
   HydroScene scene_;
 };
 
-/// Roundings of the area of the probe, of 1e-3 in places of 100, times its depth.
+/// Tolerance: roundings of the probe's area, whose side is 1e-3 at coordinates of 100, times its depth.
 constexpr double k_probe_digits = 1e-9;
 
 TEST(Surface, BetweenRowsAndColumnsIsInterpolatedInTimeAndPlace) {
-  // A function linear in time for every place and the other way round is what such a table holds exactly.
+  // A table reproduces exactly a function that is linear in time at each place and linear in place at each time.
   const auto elevation = [](double t, double x) { return 1.0 + 0.25 * t + 0.125 * x - 0.03125 * t * x; };
   Probe probe(sampled({0, 1, 3, 4}, {0, 2, 10, 30}, elevation, nothing));
   for (const double t : {0.0, 0.5, 1.0, 2.9, 3.0, 3.999}) {
@@ -289,7 +290,7 @@ TEST(Activity, IsDecidedByTheIntervalAndTheScale) {
       EXPECT_DOUBLE_EQ(result[33], 4.0) << row.why;
       EXPECT_DOUBLE_EQ(result[8], row.scale * 4.0) << row.why;
     } else {
-      std::vector<double> expected(34, 0.0);
+      std::vector<double> expected(QV_HULL_RESULT_LENGTH, 0.0);
       for (const std::size_t slot : {9, 30}) {
         expected[slot] = 7, expected[slot + 1] = 8, expected[slot + 2] = 9;
       }

@@ -6,8 +6,8 @@
 
 #include "tests/hydro/hulls.h"
 
-// The water column over one patch: against exact integration over the wet part of its plan, and the cases that have
-// a simple answer.
+// The water column over one patch, compared with exact integration over the wet part of its plan, and in the cases that
+// have a simple answer.
 
 namespace qvtest {
 namespace {

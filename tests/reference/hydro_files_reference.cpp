@@ -6,7 +6,7 @@
 namespace qvref {
 namespace {
 
-/// Extracts into `value`; what cannot be extracted leaves it as it was.
+/// Extracts a number into `value`, which stays as it was if that fails.
 template <class Value>
 void extract(std::istream& file, Value& value) {
   Value read{};

@@ -6,11 +6,13 @@
 
 #include "tests/reference/linear_algebra.h"
 
-/// Hull forces once more, slow and literal: files by formatted stream extraction, every quantity of every corner of
-/// every patch worked out where it is needed, tables searched from their beginning, nothing kept but what is history.
+/// Hull forces once more, slow and literal: files are read by formatted stream extraction, every quantity of every
+/// corner of every patch is computed where it is needed, tables are searched from their beginning, and nothing is kept
+/// but what is history. Entries of `par` and results are addressed by number, so that the reference holds the names in
+/// qvbrisk/layouts.h too.
 namespace qvref {
 
-/// A table of positions or keys and one entry more, which repeats the last.
+/// Positions or keys of a table, with one entry more, which repeats the last.
 using axis = std::vector<double>;
 
 struct wave_file {
@@ -31,14 +33,14 @@ struct current_file {
 current_file read_current(std::istream& file);
 current_file read_current(const std::string& path);
 
-/// Row of the table and shares of this and the next one.
+/// A row of the table, and the shares of that row and of the next one.
 struct time_weights {
   int row = 0;
   double w0 = 0.0, w1 = 0.0;
 };
 time_weights find_row(const wave_file& wave, int& time_index, double time, int iflag);
 
-/// The first interval from `from` on that holds x, or -1.
+/// Finds the first interval from `from` on that holds x, or -1.
 int find_interval(const axis& a, int count, double x, int from = 0);
 double wave_value(const wave_file& wave, const std::vector<std::vector<double>>& table, const time_weights& w, int j,
                   double x);
@@ -67,7 +69,7 @@ struct hull_part {
   std::vector<hull_patch> patches;
 };
 
-/// How often what may happen to a corner did.
+/// Counts how often each of the things that may happen to a corner did happen.
 struct hull_census {
   long corners = 0, off_table = 0, between_columns = 0, dry = 0, wet = 0, normal_drag = 0, cut_patches = 0;
 };
@@ -77,9 +79,9 @@ public:
   hull_element(const wave_file& wave, const current_file& currents, const std::array<double, 5>& unit_scale)
       : wave_(wave), currents_(currents), unit_scale_(unit_scale) {}
 
-  /// 34 results.
+  /// Returns 34 results.
   std::vector<double> call(void* handle, double time, const std::vector<double>& par, int iflag);
-  /// 18 + 4K results; `massless` when there is nothing to report of.
+  /// Returns 18 + 4K results for K check points. `massless` tells that there was nothing to report.
   std::vector<double> report(void* handle, const std::vector<double>& par, int iflag, bool& massless);
 
   const hull_census& census() const { return census_; }
@@ -105,7 +107,7 @@ private:
 
 hull_part set_up_part(const std::vector<double>& par);
 
-/// A vector quantity of markers from the host.
+/// Asks the host for a vector quantity of markers.
 v3 ask_vector(void* handle, const char* name, const std::vector<int>& ids);
 m33 ask_axes(void* handle, int marker);
 

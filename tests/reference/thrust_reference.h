@@ -2,14 +2,15 @@
 
 #include "tests/reference/hydro_reference.h"
 
-/// Thrust and velocity error once more, slow and literal.
+/// Thrust and velocity error once more, slow and literal. Entries of `par` are addressed by number, so that the
+/// reference holds the names in qvbrisk/layouts.h too.
 namespace qvref {
 
 class thruster {
 public:
   explicit thruster(const wave_file& wave) : wave_(wave) {}
 
-  /// 6 results. The markers are those of the first call with the wave switch on.
+  /// Returns 6 results. The markers are those of the first call, if that has the wave switch on.
   std::array<double, 6> call(void* handle, double time, const std::vector<double>& par, int iflag);
 
   int time_index() const { return time_index_; }

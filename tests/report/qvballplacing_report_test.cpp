@@ -22,7 +22,7 @@ struct ball {
   double mass, velocity, spin;
 };
 
-/// The report of these balls; one more triple than they need, to see that it stays untouched.
+/// Calls the report for these balls. The result has one more triple than they need, to see that it stays untouched.
 std::vector<double> report(const std::vector<ball>& balls, ScriptedHost& host) {
   std::vector<double> par = {-99, static_cast<double>(balls.size())};
   for (const ball& b : balls) par.push_back(b.id);

@@ -4,7 +4,7 @@
 #include "tests/thrust/thrust_scene.h"
 #include "thrust/thrust_force.h"
 
-// Thrust against the literal reference, bit for bit: random waves, modes, gains, motions and call sequences.
+// Compares the thrust with the literal reference, bit for bit: random waves, modes, gains, motions and call sequences.
 
 namespace qvtest {
 namespace {

@@ -6,7 +6,7 @@
 #include "tests/thrust/thrust_scene.h"
 #include "thrust/thrust_force.h"
 
-// Every text of the thrust, letter for letter, what follows a fault, and memory.
+// Every message of the thrust, letter for letter; what follows a fault; and memory.
 
 namespace qvtest {
 namespace {
@@ -16,7 +16,7 @@ using testing::Each;
 constexpr double k_nan = std::numeric_limits<double>::quiet_NaN();
 const std::string k_prefix = "THRUST FORCE ERROR : ";
 
-/// While it lives, the thrust module is as it is before the first call of a process.
+/// While an object of this class lives, the thrust module is as before the first call of a process.
 class empty_thrust_module {
 public:
   empty_thrust_module() { kept_.swap(qvthrust::gp_Wave); }
@@ -190,7 +190,7 @@ TEST(StatesThatAreNoNumbers, TravelIntoTheThrustAndNeverIntoAnIndex) {
 
 // --- memory ------------------------------------------------------------------------------------------------------
 
-/// A host that takes no memory itself while it is watched.
+/// A host that allocates nothing itself while allocations are counted.
 class FrugalHost : public ScriptedHost {
 public:
   std::wstring name;

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
 
 namespace qvtest {
@@ -47,7 +48,7 @@ void ThrustScene::set_equation(double value, double rate, double second) {
 }
 
 const std::vector<double>& ThrustScene::call(double time, int iflag) {
-  result_.assign(7, k_poison);
+  result_.assign(QV_THRUST_RESULT_LENGTH + 1, k_poison);
   std::vector<double> par = parameters.list();
   qvsoil_thrustforce(host.handle(), time, par.data(), -1, 7, iflag, result_.data());
   EXPECT_EQ(first_difference(par, parameters.list()), -1) << "the parameter list is the host's";
@@ -59,7 +60,7 @@ const std::vector<double>& ThrustScene::call(double time, int iflag) {
 
 double ThrustScene::thrust(double time, int iflag) {
   const std::vector<double>& r = call(time, iflag);
-  for (std::size_t i = 1; i < 6; ++i) EXPECT_EQ(r[i], 0.0);
+  for (std::size_t i = 1; i < QV_THRUST_RESULT_LENGTH; ++i) EXPECT_EQ(r[i], 0.0);
   EXPECT_EQ(take_report(), "");
   return r[0];
 }

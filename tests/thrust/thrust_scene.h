@@ -3,7 +3,7 @@
 #include "tests/hydro/hydro_scene.h"
 
 /// A thruster with a scripted host. As for hulls (hydro_scene.h), every scene asks for the same number of elements and
-/// takes an id that no other has.
+/// takes an id that no other scene has.
 namespace qvtest {
 
 constexpr int k_thrusters = 2047;
@@ -20,7 +20,7 @@ struct thrust_parameters {
 
 class ThrustScene {
 public:
-  /// Over a wave table whose frame is the ground's; without the wave switch.
+  /// A thruster over a wave table whose frame is the ground's. The wave switch is off.
   explicit ThrustScene(const qvref::wave_file& wave = calm_water());
 
   ScriptedHost host;
@@ -33,7 +33,7 @@ public:
 
   /// Calls with a poisoned result array; writing behind its end or into the parameters fails the test.
   const std::vector<double>& call(double time = 0.0, int iflag = 0);
-  /// The thrust; the other results must be zero, and nothing reported.
+  /// Calls and returns the thrust. The other results must be zero, and nothing may be reported.
   double thrust(double time = 0.0, int iflag = 0);
   std::string take_report();
   std::string wave_file() const;
@@ -42,7 +42,7 @@ private:
   std::vector<double> result_;
 };
 
-/// The velocity error; only one number may be written.
+/// Calls and returns the velocity error. Only one number may be written.
 double call_velocity_error(ScriptedHost& host, std::vector<double> par, int iflag = 0);
 
 }  // namespace qvtest
