@@ -166,7 +166,7 @@ TEST(Expand, ShowsPositionIdAndMeaningOfEveryParameter) {
               HasSubstr("  \"marker:wheel\",         # par[1]   = 3     body marker: the contact points are fixed in "
                         "its axes\n"));
   EXPECT_THAT(text,
-              HasSubstr("  12,                     # par[12]          contact points along the plate or around the "
+              HasSubstr("  12,                     # par[12]          nx: contact points along the plate or around the "
                         "wheel\n"));
   EXPECT_THAT(text, HasSubstr("#   3    wheel\n"));
 }

@@ -87,8 +87,8 @@ const mistake k_mistakes[] = {
     {"An unknown subroutine", "\"qvballplacing_report\"", "\"qvballplacing_reprot\"", "model.toml:87:14: element 'energies', subroutine: 'qvballplacing_reprot' is not known; did you mean 'qvballplacing_report'? (one of your own library needs the keys kind and result_length)"},
     {"Too few parameters for a known subroutine", "par = [0, 1, \"body:ball\", 0.2]", "par = [0, 1, \"body:ball\"]", "model.toml:88:7: element 'energies', par: qvballplacing_report takes 4 numbers, not 3:"},
     {"An unknown body in par", "\"body:ball\"", "\"body:bal\"", "model.toml:88:14: element 'energies', par[2]: there is no body 'bal'; did you mean 'ball'?"},
-    {"A marker where a body is expected in par", "\"body:ball\"", "\"marker:hub\"", "model.toml:88:14: element 'energies', par[2] (ball 0): 'marker:hub' is no body; write \"body:name\""},
-    {"An id that nothing has", "\"body:ball\"", "77", "model.toml:88:14: element 'energies', par[2] (ball 0): 77 is no body; write \"body:name\""},
+    {"A marker where a body is expected in par", "\"body:ball\"", "\"marker:hub\"", "model.toml:88:14: element 'energies', par[2] (body of ball 0): 'marker:hub' is no body; write \"body:name\""},
+    {"An id that nothing has", "\"body:ball\"", "77", "model.toml:88:14: element 'energies', par[2] (body of ball 0): 77 is no body; write \"body:name\""},
     {"A name of no known kind in par", "\"body:ball\"", "\"bdoy:ball\"", "model.toml:88:14: element 'energies', par[2]: 'bdoy:' is no kind of name; did you mean 'body'?"},
     {"Results cut short", "subroutine = \"qvballplacing_report\"", "subroutine = \"qvballplacing_report\"\nresult_length = 2", "model.toml:88:17: element 'energies', result_length: these parameters make qvballplacing_report write 3 results"},
     {"A plain soil element beside a readable one", "subroutine = \"qvballplacing_report\"\npar = [0, 1, \"body:ball\", 0.2]", "subroutine = \"qvsoil_interaction\"\npar = [0, \"marker:ball\", 0, 0, \"string:file\", \"marker:ground\", 0, 1, 1, 1, 1, 1, 2, 2, \"marker:ground\"]\n[[string]]\nname = \"file\"\ntext = \"field.rdf\"", "model.toml:84:1: element 'energies': qvsoil_interaction beside a soil_contact; road and element numbers are counted over all contacts, so write either all of them plain or all as soil_contact"},
@@ -141,7 +141,7 @@ TEST(BadInput, ParameterListOfTheWrongLengthShowsTheExpectedLayout) {
   const std::string message =
       message_of(changed("par = [0, 1, \"body:ball\", 0.2]", "par = [0, 1, \"body:ball\"]"), {});
   EXPECT_THAT(message,
-              HasSubstr("\n  par[1]  number of balls\n  par[2]  ball 0\n  par[3]  diameter of ball 0 [length]"));
+              HasSubstr("\n  par[1]  n: number of balls\n  par[2]  body of ball 0\n  par[3]  diameter of ball 0 [length]"));
 }
 
 TEST(BadInput, FileThatIsNotThereIsSaidSo) {

@@ -102,7 +102,7 @@ TEST(ResultsCsv, HeadersCarryTheModelsUnits) {
   built.add_joint(JointType::revolute, 0, hinge);
   const TestRun out = run_to_end(built);
   for (const char* name : {"time [ms]", "box.x [mm]", "box.qw", "box.vz [mm/ms]", "box.wx [rad/ms]",
-                           "joint0.angle [rad]", "joint0.angle_rate [rad/ms]", "kinetic_energy [kg*mm^2/ms^2]"}) {
+                           "joint0.angle [rad]", "joint0.angle_rate [rad/ms]", "kinetic_energy [kg mm^2/ms^2]"}) {
     EXPECT_EQ(std::count(out.columns.begin(), out.columns.end(), name), 1) << name;
   }
   EXPECT_EQ(out.columns.size(), out.rows[0].size());
