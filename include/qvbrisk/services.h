@@ -19,8 +19,8 @@
  * before (and every text buffer to zeros), an unanswered request counts as zeros or an empty text. A host that wants
  * to end the run for it does so by itself.
  *
- * Names and texts that the library passes are narrow, null-terminated ASCII and its own; they are valid during the
- * call only. The exception is THROW_ERROR. Buffers are the library's too. */
+ * Names and texts that the library passes are narrow and null-terminated. Like all arrays and buffers they are the
+ * library's and valid during the call only; the messages of THROW_ERROR are the one exception. */
 #ifndef QVBRISK_SERVICES_H
 #define QVBRISK_SERVICES_H
 

@@ -5,11 +5,12 @@
  *   par      the element's parameters; ids, indices, counts and switches are doubles too, truncated toward zero
  *   npar     number of entries in par; the library does not consult it, so par must be as long as the subroutine needs
  *   difflag  the host's differencing flag; the library does not consult it
- *   iflag    1: set-up call, before any other; 2: call after a converged step, which advances what the element
- *            remembers; any other value: ordinary evaluation, which may be repeated and leaves no history
+ *   iflag    1: set-up call, before any other; 2: call after a converged step, when forces advance what they remember;
+ *            any other value: ordinary evaluation, as often as the integrator needs it
  *   result   output; its length follows from the subroutine and its parameters
  *
- * A fault inside ends in one call of THROW_ERROR (qvbrisk/services.h), after which the subroutine returns as usual.
+ * A fault inside ends in one call of THROW_ERROR (qvbrisk/services.h), after which the subroutine returns as usual;
+ * only qvballplacing_report never reports one.
  * Calls must not overlap: the library keeps its state in globals without locks. */
 #ifndef QVBRISK_SUBROUTINES_H
 #define QVBRISK_SUBROUTINES_H
