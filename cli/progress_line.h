@@ -19,10 +19,10 @@ public:
   void clear();
 
 private:
-  bool on_;
-  std::string time_unit_;
-  double next_ = 0;  ///< wall seconds of the next rewriting
-  bool shown_ = false;
+  bool m_on;
+  std::string m_time_unit;
+  double m_next = 0;  ///< wall seconds of the next rewriting
+  bool m_shown = false;
 };
 
 }  // namespace qvcli

@@ -44,8 +44,8 @@ private:
   struct Wave {
     double kx, ky, phase, amplitude;
   };
-  RoadSettings settings_;
-  Wave waves_[k_waves] = {};
+  RoadSettings m_settings;
+  Wave m_waves[k_waves] = {};
 };
 
 /// One line that tells all settings; holds no equals sign, so that it is a remark to readers of the file.

@@ -17,15 +17,15 @@ public:
   bool real(double& value);
   bool separator();
 
-  bool stopped() const { return stopped_; }
+  bool stopped() const { return m_stopped; }
   /// Line, from 1, of the text that could not be read; its first word, empty at the end of the file.
-  int stop_line() const { return stop_line_; }
-  const std::string& stop_word() const { return stop_word_; }
+  int stop_line() const { return m_stop_line; }
+  const std::string& stop_word() const { return m_stop_word; }
   /// Line of the first separator that could be a part of a number: a digit, a sign, a point, a letter. 0: none.
-  int odd_line() const { return odd_line_; }
-  char odd_separator() const { return odd_separator_; }
+  int odd_line() const { return m_odd_line; }
+  char odd_separator() const { return m_odd_separator; }
 
-  std::size_t size() const { return text_.size(); }
+  std::size_t size() const { return m_text.size(); }
   std::size_t position();  ///< byte of the text behind the last token
   int line();              ///< line of that byte, from 1
 
@@ -33,12 +33,12 @@ private:
   bool settle(std::size_t began);
   int line_of(std::size_t position) const;
 
-  const std::string& text_;
-  std::istringstream stream_;
-  bool stopped_ = false;
-  int stop_line_ = 0, odd_line_ = 0;
-  char odd_separator_ = 0;
-  std::string stop_word_;
+  const std::string& m_text;
+  std::istringstream m_stream;
+  bool m_stopped = false;
+  int m_stop_line = 0, m_odd_line = 0;
+  char m_odd_separator = 0;
+  std::string m_stop_word;
 };
 
 /// The file's bytes; false when it cannot be read.
