@@ -9,14 +9,15 @@ namespace {
 
 constexpr double k_two_pi = 6.283185307179586;
 
-/// 0 <= u < 1 from the generator's upper 53 bits: the same on every machine, which the standard's distributions
-/// are not.
+/// A number 0 <= u < 1 from the generator's upper 53 bits. It is the same on every machine; the standard's
+/// distributions are not.
 double uniform(std::mt19937_64& generator) { return static_cast<double>(generator() >> 11) * 0x1p-53; }
 
 }  // namespace
 
-/// Rolling ground: waves of lengths spread evenly (in their logarithm) from half to twice the middle one, each in
-/// its own direction and phase, amplitude proportional to length, so that no length stands out as steeper.
+/// Rolling ground is a sum of waves. The logarithms of their lengths are spread evenly from half to twice the middle
+/// length, each wave has a direction and phase of its own, and its amplitude is proportional to its length, so that no
+/// length stands out as steeper.
 RoadHeights::RoadHeights(const RoadSettings& settings) : m_settings(settings) {
   if (settings.kind != RoadKind::rolling) return;
   std::mt19937_64 generator(settings.seed);

@@ -18,9 +18,9 @@ namespace qvslv {
 
 namespace {
 
-constexpr size_t k_line_limit = 640;  // of the main part; a longer line is refused
+constexpr size_t k_line_limit = 640;  // lines outside the blocks must be shorter; longer ones are refused
 
-// In the order in which the reader looks for them; the first one found anywhere in a line decides.
+// The keys in the order in which the reader looks for them; the first one found anywhere in a line decides.
 const std::vector<std::string> k_quoted_keys = {"FILE_TYPE", "LENGTH", "FORCE", "ANGLE", "MASS", "TIME", "METHOD"};
 const std::vector<std::string> k_plain_keys = {
     "FILE_VERSION",   "VERSION",          "SOIL_TYPE",         "COEFFICIENT_DS",   "CRITICAL_PRESSUR", "EXPONENT_PR",
@@ -40,13 +40,14 @@ std::string trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// What stands between the first and the second equals sign.
+/// The text between the first and the second equals sign, or the end of the line.
 std::string value_field(const std::string& line) {
   const size_t first = line.find('=');
   const size_t second = line.find('=', first + 1);
   return line.substr(first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
 }
 
+/// Goes through the lines of a road file as the library's reader does.
 class RoadInspector {
 public:
   RoadInspector(const std::string& text, const std::string& path, const Units* units) : m_units(units) {
@@ -166,7 +167,7 @@ private:
     }
   }
 
-  /// The leading numbers of a line: digits, not the words and hexadecimal forms that strtod knows besides.
+  /// The leading numbers of a line: decimal ones only, not the words and hexadecimal forms that strtod knows besides.
   static std::vector<double> numbers_in(const std::string& line) {
     std::vector<double> numbers;
     const char* at = line.c_str();
@@ -211,7 +212,7 @@ private:
     }
   }
 
-  /// The first line after a block is read and thrown away.
+  /// Looks at the first line after a block, which the reader reads and throws away.
   void swallowed_line(const std::string& key, long count) {
     const std::string& line = m_lines[m_next];
     const bool keyword = line.find('=') != std::string::npos &&
@@ -272,7 +273,7 @@ private:
 
   const Units* m_units;
   std::vector<std::string> m_lines;
-  size_t m_next = 0;  // line to be read next, from 0; so also the number of the last one read, from 1
+  size_t m_next = 0;  ///< index of the next line, from 0, which is also the number of the last line read, from 1
   bool m_ended = false, m_told_node = false;
   RoadCheck m_check;
 };

@@ -7,7 +7,7 @@
 
 namespace qvslv {
 
-/// The soil values of a road file, in the units of the road.
+/// The soil values of a road file, in the road's units.
 struct RoadSoil {
   double sinkage_exponent = 1;     ///< n [-]
   double cohesive_coeff = 0;       ///< kc [force/length^(n+1)]
@@ -27,14 +27,14 @@ struct SoilPreset {
   RoadSoil soil;
 };
 
-/// Every preset. n, kc, kphi, c and phi: measured values collected in J. Y. Wong, Theory of Ground Vehicles.
-/// K is not among them; each has the typical value of its class, see soil_presets.cpp.
+/// Every preset. n, kc, kphi, c and phi are measured values collected in J. Y. Wong, Theory of Ground Vehicles. K is
+/// not among them; each preset has the typical value of its class of soil, see soil_presets.cpp.
 const std::vector<SoilPreset>& soil_presets();
 std::vector<std::string> soil_preset_names();
-/// Null when there is none of this name.
+/// The preset of this name; null if there is none.
 const SoilPreset* find_soil_preset(const std::string& name);
 
-/// The preset's values in a model's units.
+/// The preset's values converted to a model's units.
 RoadSoil soil_in_units(const SoilPreset& preset, const Units& units);
 
 /// A table of all presets with units and sources, for the terminal.

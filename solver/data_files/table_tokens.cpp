@@ -30,7 +30,7 @@ int TableTokens::line_of(std::size_t position) const {
 
 int TableTokens::line() { return line_of(position()); }
 
-/// After an attempt to read: was it the one that failed? `began` is where it started.
+/// Ends an attempt to read that began at the byte `began`: true if it went well, else notes where it failed.
 bool TableTokens::settle(std::size_t began) {
   if (!m_stream.fail()) return true;
   m_stopped = true;
