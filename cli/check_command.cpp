@@ -23,7 +23,7 @@ struct FileRequest {
   std::vector<std::string> overrides;
 };
 
-/// The file name's ending in lower case: what tells data files from models.
+/// The file name's ending in lower case. It tells data files from models.
 std::string ending_of(const std::string& file) {
   std::string extension = std::filesystem::path(file).extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
@@ -74,7 +74,8 @@ void tell_model(const qvslv::ModelFile& file) {
                 hull.center[2]);
 }
 
-/// Roads that the model uses and that are there; files to be made are only announced.
+/// Tells about the roads that the model uses and that exist; files that a run makes are only announced. True if a
+/// road's reader would refuse it.
 bool tell_files_of(const qvslv::ModelFile& file) {
   bool refused = false;
   tell_water_of(file);

@@ -24,7 +24,7 @@ struct RoadRequest {
               time_unit = "SECOND";
   std::vector<double> size = {10, 10}, corner;
   bool list_soils = false;
-  // Soil values given on the command line take the place of the preset's.
+  // Soil values given on the command line replace those of the preset; an empty list is one that was not given.
   std::string soil = "dry_sand";
   std::vector<double> n, kc, kphi, cohesion, friction_angle, shear_modulus, sensitivity, damp_ratio, boundary_sinkage;
 };

@@ -62,7 +62,7 @@ const char* outcome_word(qvslv::RunOutcome outcome) {
   return "failed";
 }
 
-/// How to look at a result file, for those a user opens first; null for the others.
+/// How to look at a result file that a user opens first; null for other files.
 const char* how_to_look(const std::string& file) {
   if (file == "report.html") return "open in a browser: replay and plots";
   if (file == "results.csv") return "one row per output time, for a spreadsheet or a script";

@@ -2,8 +2,6 @@
 
 namespace qvslv {
 
-namespace {}  // namespace
-
 Vec3 rotated(const Rotation& axes, const Vec3& v) {
   Vec3 out{};
   for (size_t row = 0; row < 3; ++row) {
