@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "cli/check_water.h"
@@ -10,8 +12,9 @@
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
+#include "solver/model/model.h"
+#include "solver/model_file/contents.h"
 #include "solver/model_file/expand.h"
-#include "solver/model_file/recipes.h"
 #include "solver/read_model.h"
 
 namespace qvcli {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "solver/data_files/current_file.h"
 #include "solver/model_file/contents.h"
 
 namespace qvcli {

@@ -1,11 +1,13 @@
-#include <cmath>
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "solver/data_files/make_road.h"
+#include "solver/data_files/soil_presets.h"
+#include "solver/model/model.h"
 #include "solver/model/nearest_name.h"
 #include "solver/model/units.h"
 

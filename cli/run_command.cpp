@@ -2,12 +2,16 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/progress_line.h"
+#include "solver/model/model.h"
+#include "solver/model/outcome.h"
 #include "solver/model/units.h"
+#include "solver/model_file/contents.h"
 #include "solver/model_file/recipes.h"
 #include "solver/read_model.h"
 #include "solver/run.h"

@@ -7,6 +7,7 @@
 
 #include "cli/commands.h"
 #include "solver/data_files/make_wave.h"
+#include "solver/data_files/wave_file.h"
 #include "solver/model/nearest_name.h"
 
 namespace qvcli {

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <numeric>
 #include <unordered_map>
+#include <utility>
 
 namespace qvslv {
 

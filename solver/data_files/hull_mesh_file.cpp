@@ -3,9 +3,12 @@
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <array>
 #include <assimp/Importer.hpp>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
+#include <string>
 
 #include "solver/data_files/hull_mesh.h"
 

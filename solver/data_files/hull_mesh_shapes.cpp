@@ -1,10 +1,11 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <utility>
 
 #include "solver/data_files/hull_mesh.h"
-#include "solver/results/shape_mesh.h"
+#include "solver/model/triangle_mesh.h"
 
 namespace qvslv {
 

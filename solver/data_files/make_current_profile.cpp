@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "solver/data_files/make_current.h"
 #include "solver/model/nearest_name.h"

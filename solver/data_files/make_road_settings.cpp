@@ -1,7 +1,10 @@
 #include <cmath>
+#include <cstdint>
 #include <fstream>
+#include <string>
 
 #include "solver/data_files/make_road.h"
+#include "solver/data_files/soil_presets.h"
 #include "solver/model/number_text.h"
 
 namespace qvslv {

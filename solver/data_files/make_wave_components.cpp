@@ -1,5 +1,6 @@
 #include <cmath>
 #include <random>
+#include <vector>
 
 #include "solver/data_files/make_wave.h"
 

@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
 
 #include "solver/data_files/make_wave.h"
 #include "solver/model/number_text.h"

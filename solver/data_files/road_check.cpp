@@ -8,7 +8,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
+#include <utility>
 
 #include "solver/model/nearest_name.h"
 #include "solver/model/number_text.h"

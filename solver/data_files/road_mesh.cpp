@@ -1,7 +1,9 @@
 #include "solver/data_files/road_mesh.h"
 
+#include <array>
 #include <cstdlib>
 #include <fstream>
+#include <vector>
 
 namespace qvslv {
 

@@ -1,6 +1,7 @@
 #include "solver/data_files/water_check.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "solver/data_files/table_tokens.h"
 #include "solver/data_files/wave_reading.h"

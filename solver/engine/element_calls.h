@@ -1,10 +1,13 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "solver/engine/host.h"
+#include "solver/engine/load_table.h"
+#include "solver/engine/multibody.h"
 #include "solver/engine/plugin.h"
+#include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <exception>
+#include <utility>
+
 namespace qvslv {
 
 namespace {

@@ -4,12 +4,15 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "solver/engine/element_calls.h"
 #include "solver/engine/forces.h"
 #include "solver/engine/host.h"
 #include "solver/engine/multibody.h"
+#include "solver/engine/plugin.h"
+#include "solver/engine/readings.h"
+#include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 

@@ -1,8 +1,16 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
+#include "solver/engine/element_calls.h"
+#include "solver/engine/host.h"
+#include "solver/engine/load_table.h"
+#include "solver/engine/multibody.h"
+#include "solver/engine/readings.h"
 #include "solver/engine/right_sides.h"
+#include "solver/model/fault.h"
+#include "solver/model/state_expression.h"
 
 namespace qvslv {
 

@@ -7,9 +7,12 @@
 #include <vector>
 
 #include "solver/engine/load_table.h"
+#include "solver/engine/marker_relation.h"
+#include "solver/engine/multibody.h"
 #include "solver/engine/readings.h"
 #include "solver/engine/service_host.h"
 #include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 

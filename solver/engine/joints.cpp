@@ -1,5 +1,7 @@
 #include "solver/engine/joints.h"
 
+#include <string>
+
 #include "solver/engine/prescribed_motion.h"
 
 namespace qvslv {

@@ -2,7 +2,6 @@
 
 #include <Simbody.h>
 
-#include <string>
 #include <vector>
 
 #include "solver/model/fault.h"

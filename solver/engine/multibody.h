@@ -2,7 +2,6 @@
 
 #include <Simbody.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 

@@ -2,8 +2,11 @@
 
 #include <Simbody.h>
 
+#include <string>
+
 #include "solver/model/expression.h"
 #include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 

@@ -4,7 +4,11 @@
 
 #include "solver/engine/equations.h"
 #include "solver/engine/marker_relation.h"
+#include "solver/engine/multibody.h"
+#include "solver/model/akima.h"
+#include "solver/model/expression_scope.h"
 #include "solver/model/fault.h"
+#include "solver/model/marker_quantity.h"
 #include "solver/model/state_expression.h"
 
 namespace qvslv {

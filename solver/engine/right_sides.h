@@ -5,6 +5,9 @@
 
 #include "solver/engine/element_calls.h"
 #include "solver/engine/readings.h"
+#include "solver/model/fault.h"
+#include "solver/model/model.h"
+#include "solver/model/state_expression.h"
 
 namespace qvslv {
 

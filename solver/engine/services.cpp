@@ -1,6 +1,7 @@
 #include "qvbrisk/services.h"
 
 #include <algorithm>
+#include <string>
 
 #include "solver/engine/service_host.h"
 

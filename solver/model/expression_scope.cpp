@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <set>
 #include <stdexcept>
+#include <utility>
 
 #include "solver/model/expression_parser.h"
 #include "solver/model/nearest_name.h"

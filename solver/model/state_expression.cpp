@@ -1,7 +1,9 @@
 #include "solver/model/state_expression.h"
 
+#include <deque>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "solver/model/expression_parser.h"
 

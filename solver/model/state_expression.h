@@ -1,8 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
+#include "solver/model/akima.h"
 #include "solver/model/expression_scope.h"
+#include "solver/model/marker_quantity.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 

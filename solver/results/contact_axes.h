@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "solver/model/model.h"
+#include "solver/model/triangle_mesh.h"
 #include "solver/results/recording.h"
 #include "solver/results/terrain_lookup.h"
 

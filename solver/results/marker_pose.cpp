@@ -1,5 +1,7 @@
 #include "solver/results/marker_pose.h"
 
+#include <array>
+
 namespace qvslv {
 
 Vec3 rotated(const Rotation& axes, const Vec3& v) {

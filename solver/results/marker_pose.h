@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+
+#include "solver/model/model.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {

@@ -13,7 +13,7 @@ namespace qvslv {
 /// Place and axes of a body, in ground axes.
 struct BodyPose {
   Vec3 position = {0, 0, 0};                        ///< of the centre of mass
-  std::array<double, 4> quaternion = {1, 0, 0, 0};  ///< w, x, y, z; turns the body's axes into the ground's
+  std::array<double, 4> quaternion = {1, 0, 0, 0};  ///< w, x, y, z; turns vectors of the body's axes into ground axes
 };
 
 /// One point of an element's contact grid, as it was at a frame.

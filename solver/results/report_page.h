@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "solver/model/model.h"
 #include "solver/results/recording.h"
 #include "solver/results/run_record.h"
 

@@ -1,6 +1,7 @@
 #include "solver/results/terrain_lookup.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>

@@ -2,7 +2,8 @@
 
 #include <vector>
 
-#include "solver/results/recording.h"
+#include "solver/model/triangle_mesh.h"
+#include "solver/model/vectors.h"
 
 namespace qvslv {
 

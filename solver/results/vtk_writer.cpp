@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
-#include "solver/data_files/road_mesh.h"
 #include "solver/results/hull_picture.h"
 #include "solver/results/marker_pose.h"
 #include "solver/results/shape_mesh.h"

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/model/triangle_mesh.h"
 #include "solver/results/recording.h"
 #include "solver/results/water_surface.h"
 

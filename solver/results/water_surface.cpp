@@ -1,7 +1,11 @@
 #include "solver/results/water_surface.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 #include "solver/results/marker_pose.h"
 

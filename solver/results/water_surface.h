@@ -1,5 +1,10 @@
 #pragma once
 
+#include <array>
+#include <vector>
+
+#include "solver/model/model.h"
+#include "solver/model/triangle_mesh.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "solver/results/recording.h"
 #include "solver/results/report_page/page_parts.h"
 #include "solver/results/water_surface.h"
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/model/model.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {

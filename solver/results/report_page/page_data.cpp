@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "solver/model/units.h"
 #include "solver/results/contact_axes.h"

@@ -2,7 +2,10 @@
 
 #include <string>
 
+#include "solver/model/model.h"
+#include "solver/results/recording.h"
 #include "solver/results/report_page.h"
+#include "solver/results/run_record.h"
 
 namespace qvslv {
 

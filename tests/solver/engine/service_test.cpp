@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "qvbrisk/services.h"
 #include "tests/solver/test_hook.h"
