@@ -50,7 +50,7 @@ void append_head(std::string& text, const RoadSettings& settings) {
   plain("SHEAR_PRESSURE", "WONG");
   number("COHESION", soil.cohesion);
   number("SENSITIVITY", soil.sensitivity);
-  number("MAX_SHEAR_DISP", soil.shear_modulus);
+  number("MAX_SHEAR_DISP", soil.shear_displacement);
   number("FRICTION_ANGLE", soil.friction_angle);
 }
 

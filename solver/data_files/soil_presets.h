@@ -9,15 +9,15 @@ namespace qvslv {
 
 /// The soil values of a road file, in the road's units.
 struct RoadSoil {
-  double sinkage_exponent = 1;     ///< n [-]
-  double cohesive_coeff = 0;       ///< kc [force/length^(n+1)]
-  double frictional_coeff = 0;     ///< kphi [force/length^(n+2)]
-  double cohesion = 0;             ///< c [force/length^2]
-  double friction_angle = 0;       ///< phi [degrees]
-  double shear_modulus = 0.01;     ///< K [length]: shear displacement at full strength
-  double sensitivity = 1;          ///< S [-]: full strength over the strength left after long slip
-  double damp_ratio = 0.01;        ///< [time] damping per unit of stiffness
-  double boundary_sinkage = 0.05;  ///< [length] depth from which the damping is full
+  double sinkage_exponent = 1;       ///< n [-]
+  double cohesive_coeff = 0;         ///< kc [force/length^(n+1)]
+  double frictional_coeff = 0;       ///< kphi [force/length^(n+2)]
+  double cohesion = 0;               ///< c [force/length^2]
+  double friction_angle = 0;         ///< phi [degrees]
+  double shear_displacement = 0.01;  ///< K [length]: shear displacement at full strength
+  double sensitivity = 1;            ///< S [-]: full strength over the strength left after long slip
+  double damp_ratio = 0.01;          ///< [time] damping per unit of stiffness
+  double boundary_sinkage = 0.05;    ///< [length] depth from which the damping is full
 };
 
 /// A soil by name, in SI units.
