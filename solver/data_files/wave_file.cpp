@@ -60,7 +60,7 @@ WaveHeader read_wave_header(TableTokens& tokens) {
 }
 
 bool cannot_hold(const WaveHeader& header, size_t bytes) {
-  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 2;  // a number's digit and separator
+  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 2;  // the least for a number in the file
   const double rows = header.rows, columns = header.columns;
   const double numbers = columns + rows * (1 + 2 * columns);
   return 2 * (rows + 1) * (columns + 1) * static_cast<double>(sizeof(double)) > k_limit &&

@@ -66,7 +66,7 @@ struct Scene {
   }
 };
 
-/// Elements named after a quantity and anything behind a blank ask for it with their parameters as ids.
+/// A script for elements that are named "QUANTITY_anything": each asks for the quantity with its parameters as ids.
 Script asking_script(const TestModel& built) {
   return Script([&built](const HookCall& call) {
     for (const Element& element : built.model.elements) {
@@ -89,7 +89,7 @@ Script asking_script(const TestModel& built) {
   });
 }
 
-/// The ask of one quantity with 1, 2 and 3 ids, results by number of ids.
+/// Runs the scene with three elements that ask for a quantity with one, two and three ids.
 TestRun ask_all(Scene& scene, const std::string& quantity, int values) {
   const int m = scene.built.marker_id(scene.on_arm);
   const int r = scene.built.marker_id(scene.on_block);
