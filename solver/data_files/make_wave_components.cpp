@@ -52,7 +52,8 @@ std::vector<WaveComponent> spectrum_components(const WaveSettings& settings) {
 double wave_number(double omega, double depth, double gravity) {
   const double deep = omega * omega / gravity;
   if (depth == 0) return deep;
-  // y tanh y = a with y = k h and a = omega^2 h / g. The left side is convex or nearly straight: Newton's steps converge.
+  // y tanh y = a with y = k h and a = omega^2 h / g. The left side is convex or nearly straight: Newton's steps
+  // converge.
   const double a = deep * depth;
   double y = a / std::sqrt(std::tanh(a));
   constexpr int k_most_steps = 50;

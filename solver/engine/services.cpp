@@ -15,7 +15,8 @@ void set_flag(int* err, bool answered) {
   if (err != nullptr) *err = answered ? 0 : 1;
 }
 
-/// Copies a text into a caller's buffer of QV_TEXT_CAPACITY characters. False, with nothing written, if it does not fit.
+/// Copies a text into a caller's buffer of QV_TEXT_CAPACITY characters. False if it does not fit; then nothing is
+/// written.
 bool copy_text(const std::wstring& text, int* length, wchar_t* buffer) {
   if (text.size() >= static_cast<size_t>(QV_TEXT_CAPACITY)) return false;
   std::copy(text.begin(), text.end(), buffer);
