@@ -35,7 +35,6 @@ public:
   }
   void stop(const char* message) override { complaint = message != nullptr ? message : "stop"; }
   void throw_error(const char* title, int count, char** messages) override;
-  bool spline(double, double, int, int, double&) override { return false; }
   bool units(double* scale, void**) override {
     std::fill_n(scale, 5, 1.0);
     return true;

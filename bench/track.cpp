@@ -78,9 +78,6 @@ public:
       delete[] messages[i];
     }
   }
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 };
 
 /// A point of the belt from marker I, and how its span lies.

@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "cli/check_water.h"
@@ -10,8 +12,9 @@
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
+#include "solver/model/model.h"
+#include "solver/model_file/contents.h"
 #include "solver/model_file/expand.h"
-#include "solver/model_file/recipes.h"
 #include "solver/read_model.h"
 
 namespace qvcli {
@@ -23,7 +26,7 @@ struct FileRequest {
   std::vector<std::string> overrides;
 };
 
-/// The file name's ending in lower case: what tells data files from models.
+/// The file name's ending in lower case. It tells data files from models.
 std::string ending_of(const std::string& file) {
   std::string extension = std::filesystem::path(file).extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
@@ -74,7 +77,8 @@ void tell_model(const qvslv::ModelFile& file) {
                 hull.center[2]);
 }
 
-/// Roads that the model uses and that are there; files to be made are only announced.
+/// Tells about the roads that the model uses and that exist; files that a run makes are only announced. True if a
+/// road's reader would refuse it.
 bool tell_files_of(const qvslv::ModelFile& file) {
   bool refused = false;
   tell_water_of(file);

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "cli/commands.h"
+#include "solver/data_files/made_file.h"
 #include "solver/data_files/table_tokens.h"
 #include "solver/data_files/water_check.h"
+#include "solver/data_files/wave_file.h"
 
 namespace qvcli {
 

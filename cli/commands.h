@@ -7,28 +7,28 @@
 
 namespace qvcli {
 
-/// Exit codes, also told in docs/command-line.md.
+/// Exit codes of the command, documented in docs/command-line.md.
 enum ExitCode {
   k_done = 0,
   k_fault = 1,         ///< a fault in the run: a subroutine's message, the integrator, a file that cannot be written
-  k_bad_input = 2,     ///< the command line, the model file or a road file
+  k_bad_input = 2,     ///< a mistake on the command line, in the model file or in a data file
   k_stopped = 3,       ///< a subroutine asked to stop
   k_interrupted = 130  ///< ctrl-C
 };
 
-/// What a subcommand does once the command line is read; returns the exit code.
+/// What a subcommand does after the command line is read; returns the exit code.
 using Action = std::function<int()>;
 
-/// Each adds one subcommand to the command line and sets `action` when it is the one that was given.
+// Each adds one subcommand to the command line. If the user gives this one, `action` becomes what it does.
 void add_run_command(CLI::App& app, Action& action, const std::string& typed);
 void add_check_command(CLI::App& app, Action& action);
 void add_expand_command(CLI::App& app, Action& action);
 void add_make_command(CLI::App& app, Action& action);
-/// Subcommands of `make`.
+// The same for the subcommands of `make`.
 void add_make_wave(CLI::App& make, Action& action);
 void add_make_current(CLI::App& make, Action& action);
 
-/// A mistake on the command line that shows only after it is read.
+/// A mistake on the command line that shows only after the line is read.
 class UsageError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;

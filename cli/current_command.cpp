@@ -1,9 +1,11 @@
 #include <cstdio>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
+#include "solver/data_files/current_file.h"
 #include "solver/data_files/make_current.h"
 
 namespace qvcli {

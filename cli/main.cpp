@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "solver/model/model.h"
@@ -14,7 +15,7 @@ std::string typed_command(int argc, char** argv) {
   return text;
 }
 
-/// An unknown first word is most often a mistyped command.
+/// Tells the nearest command if the first word is none: it is most often a mistyped one.
 void hint_at_command(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return;
   const std::vector<std::string> commands = {"run", "check", "expand", "make", "version"};
@@ -50,7 +51,7 @@ int command_line(int argc, char** argv) {
   return action();
 }
 
-/// Runs the command line; every way to fail ends in a line of text and an exit code.
+/// Runs the command line. Every fault ends in a line of text and an exit code.
 int perform(int argc, char** argv) {
   try {
     return command_line(argc, argv);

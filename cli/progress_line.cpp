@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace qvcli {
 
@@ -34,22 +35,22 @@ std::string progress_text(const qvslv::Progress& progress, const std::string& ti
 }
 
 ProgressLine::ProgressLine(bool wanted, std::string time_unit)
-    : on_(wanted && isatty(STDERR_FILENO) != 0), time_unit_(std::move(time_unit)) {}
+    : m_on(wanted && isatty(STDERR_FILENO) != 0), m_time_unit(std::move(time_unit)) {}
 
 void ProgressLine::show(const qvslv::Progress& progress) {
   constexpr double k_interval = 0.1;  // [s]
-  if (!on_ || progress.wall_seconds < next_) return;
-  next_ = progress.wall_seconds + k_interval;
-  std::fprintf(stderr, "\r\033[K%s", progress_text(progress, time_unit_).c_str());
+  if (!m_on || progress.wall_seconds < m_next) return;
+  m_next = progress.wall_seconds + k_interval;
+  std::fprintf(stderr, "\r\033[K%s", progress_text(progress, m_time_unit).c_str());
   std::fflush(stderr);
-  shown_ = true;
+  m_shown = true;
 }
 
 void ProgressLine::clear() {
-  if (!shown_) return;
+  if (!m_shown) return;
   std::fputs("\r\033[K", stderr);
   std::fflush(stderr);
-  shown_ = false;
+  m_shown = false;
 }
 
 }  // namespace qvcli

@@ -6,11 +6,11 @@
 
 namespace qvcli {
 
-/// "  1.25 / 6 s   21 %   step 0.0004 s   0.8 x real time   6 s left": one line, without its line end.
+/// The text "  1.25 / 6 s   21 %   step 0.0004 s   0.8 x real time   6 s left", without a line end.
 std::string progress_text(const qvslv::Progress& progress, const std::string& time_unit);
 
-/// One line on the terminal that is rewritten in place, at most ten times a second. Silent when standard error is
-/// no terminal.
+/// One line on the terminal that is rewritten in place, at most ten times a second. It prints nothing if standard error
+/// is no terminal.
 class ProgressLine {
 public:
   ProgressLine(bool wanted, std::string time_unit);
@@ -19,10 +19,10 @@ public:
   void clear();
 
 private:
-  bool on_;
-  std::string time_unit_;
-  double next_ = 0;  ///< wall seconds of the next rewriting
-  bool shown_ = false;
+  bool m_on;
+  std::string m_time_unit;
+  double m_next = 0;  ///< wall time of the next rewriting [s]
+  bool m_shown = false;
 };
 
 }  // namespace qvcli

@@ -1,11 +1,13 @@
-#include <cmath>
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "solver/data_files/make_road.h"
+#include "solver/data_files/soil_presets.h"
+#include "solver/model/model.h"
 #include "solver/model/nearest_name.h"
 #include "solver/model/units.h"
 
@@ -24,9 +26,10 @@ struct RoadRequest {
               time_unit = "SECOND";
   std::vector<double> size = {10, 10}, corner;
   bool list_soils = false;
-  // Soil values given on the command line take the place of the preset's.
+  // Soil values given on the command line replace those of the preset; an empty list is one that was not given.
   std::string soil = "dry_sand";
-  std::vector<double> n, kc, kphi, cohesion, friction_angle, shear_modulus, sensitivity, damp_ratio, boundary_sinkage;
+  std::vector<double> n, kc, kphi, cohesion, friction_angle, shear_displacement, sensitivity, damp_ratio,
+      boundary_sinkage;
 };
 
 void take_unit(qvslv::UnitQuantity quantity, const std::string& text, std::string& name, double& factor) {
@@ -54,7 +57,7 @@ void take_soil(const RoadRequest& request, qvslv::RoadSettings& settings) {
   replace(request.kphi, soil.frictional_coeff);
   replace(request.cohesion, soil.cohesion);
   replace(request.friction_angle, soil.friction_angle);
-  replace(request.shear_modulus, soil.shear_modulus);
+  replace(request.shear_displacement, soil.shear_displacement);
   replace(request.sensitivity, soil.sensitivity);
   replace(request.damp_ratio, soil.damp_ratio);
   replace(request.boundary_sinkage, soil.boundary_sinkage);
@@ -117,14 +120,17 @@ void add_soil_options(CLI::App* road, RoadRequest& request) {
   road->add_option("--soil", request.soil, "Preset, see --list-soils")->capture_default_str();
   road->add_flag("--list-soils", request.list_soils, "Print the presets with their values and sources");
   const auto value = [&](const char* name, std::vector<double>& target, const char* help) {
-    road->add_option(name, target, std::string(help) + ", in place of the preset's")->expected(1);
+    return road->add_option(name, target, std::string(help) + ", in place of the preset's")->expected(1);
   };
   value("--n", request.n, "Sinkage exponent [-]");
   value("--kc", request.kc, "Cohesive modulus [force/length^(n+1)]");
   value("--kphi", request.kphi, "Frictional modulus [force/length^(n+2)]");
   value("--cohesion", request.cohesion, "Cohesion [force/length^2]");
   value("--friction-angle", request.friction_angle, "Friction angle [degrees]");
-  value("--shear-modulus", request.shear_modulus, "Shear displacement at full strength, K [length]");
+  CLI::Option* const displacement =
+      value("--shear-displacement", request.shear_displacement, "Shear displacement at full strength, K [length]");
+  // The option's former name is still read, and left out of the help because K is no modulus.
+  value("--shear-modulus", request.shear_displacement, "As --shear-displacement")->group("")->excludes(displacement);
   value("--sensitivity", request.sensitivity, "Full strength over the strength after long slip [-]");
   value("--damp-ratio", request.damp_ratio, "Damping per unit of stiffness [time]");
   value("--boundary-sinkage", request.boundary_sinkage, "Depth from which the damping is full [length]");

@@ -2,12 +2,16 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/progress_line.h"
+#include "solver/model/model.h"
+#include "solver/model/outcome.h"
 #include "solver/model/units.h"
+#include "solver/model_file/contents.h"
 #include "solver/model_file/recipes.h"
 #include "solver/read_model.h"
 #include "solver/run.h"
@@ -62,7 +66,7 @@ const char* outcome_word(qvslv::RunOutcome outcome) {
   return "failed";
 }
 
-/// How to look at a result file, for those a user opens first; null for the others.
+/// How to look at a result file that a user opens first; null for other files.
 const char* how_to_look(const std::string& file) {
   if (file == "report.html") return "open in a browser: replay and plots";
   if (file == "results.csv") return "one row per output time, for a spreadsheet or a script";

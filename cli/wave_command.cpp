@@ -7,6 +7,7 @@
 
 #include "cli/commands.h"
 #include "solver/data_files/make_wave.h"
+#include "solver/data_files/wave_file.h"
 #include "solver/model/nearest_name.h"
 
 namespace qvcli {
@@ -18,8 +19,8 @@ constexpr double k_standard_gravity = 9.81;  // [m/s^2]
 struct WaveRequest {
   qvslv::WaveSettings settings;
   std::string kind = "regular", direction = "+x", out;
-  std::vector<const CLI::Option*> needed;    // by waves of any kind
-  std::vector<const CLI::Option*> of_waves;  // what still water has not
+  std::vector<const CLI::Option*> needed;    ///< options that waves of any kind need
+  std::vector<const CLI::Option*> of_waves;  ///< options that still water does not have
 };
 
 void check_what_is_given(const WaveRequest& request, bool still) {

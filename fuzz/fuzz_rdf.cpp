@@ -14,15 +14,8 @@ namespace {
 
 class SilentHost : public qvslv::ServiceHost {
 public:
-  bool vector_quantity(const char*, const int*, int, double*, int&) override { return false; }
-  bool scalar_quantity(const char*, const int*, int, double&) override { return false; }
-  bool string_entity(int, std::wstring&) override { return false; }
-  bool model_path(std::wstring&) override { return false; }
   void stop(const char*) override {}
   void throw_error(const char*, int, char**) override {}
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 };
 
 struct reading {

@@ -49,7 +49,6 @@ public:
     }
     return true;
   }
-  bool scalar_quantity(const char*, const int*, int, double&) override { return false; }
   bool string_entity(int id, std::wstring& text) override {
     if (id < 0) return false;
     text = soil_roads::path_of(id);
@@ -68,9 +67,6 @@ public:
       delete[] messages[i];
     }
   }
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 
 private:
   FuzzedDataProvider& in_;

@@ -77,9 +77,6 @@ public:
       delete[] messages[i];
     }
   }
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 
 private:
   FuzzedDataProvider& in_;

@@ -55,5 +55,4 @@ public:
     }
     return true;
   }
-  bool mass(int, double&) override { return false; }
 };

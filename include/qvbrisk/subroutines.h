@@ -1,12 +1,17 @@
 /* Signature of a user subroutine and the thirteen that libqvbrisk.so exports. Usable from C and C++.
  *
- *   handle   the host's context for the calling element, handed back to every service
- *   time     current simulation time
+ *   handle   the host's context of the calling element, handed back to every service as it is
+ *   time     current simulation time, in the model's unit
  *   par      the element's parameters; ids, indices, counts and switches are doubles too, truncated toward zero
- *   npar     number of entries in par (not consulted)
- *   difflag  the host's differencing flag (not consulted)
- *   iflag    1: set-up call, 2: call after a converged step, any other value: ordinary evaluation
- *   result   output; its length follows from the subroutine and its parameters */
+ *   npar     number of entries in par; the library does not consult it, so par must be as long as the subroutine needs
+ *   difflag  the host's differencing flag; the library does not consult it
+ *   iflag    1: set-up call, before any other; 2: call after a converged step, when forces advance what they remember;
+ *            any other value: ordinary evaluation, as often as the integrator needs it
+ *   result   output; its length follows from the subroutine and its parameters
+ *
+ * A fault inside ends in one call of THROW_ERROR (qvbrisk/services.h), after which the subroutine returns as usual;
+ * only qvballplacing_report never reports one.
+ * Calls must not overlap: the library keeps its state in globals without locks. */
 #ifndef QVBRISK_SUBROUTINES_H
 #define QVBRISK_SUBROUTINES_H
 

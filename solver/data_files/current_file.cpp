@@ -32,7 +32,7 @@ CurrentTable read_current_table(TableTokens& tokens, int& declared) {
   tokens.integer(declared);
   tokens.separator();
   tokens.integer(table.mode);
-  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 4;  // of a pair in the file
+  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 4;  // the least that a pair takes in the file
   const double pairs = declared;
   const bool too_large = pairs * 2 * static_cast<double>(sizeof(double)) > k_limit &&
                          pairs * k_least_bytes > static_cast<double>(tokens.size());

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <numeric>
 #include <unordered_map>
+#include <utility>
 
 namespace qvslv {
 
@@ -22,7 +24,7 @@ Corners corners_of(const TriangleMesh& mesh, const std::array<int, 3>& triangle)
           mesh.points[static_cast<size_t>(triangle[2])]};
 }
 
-/// Twice the area, outwards.
+/// Vector along the outward normal whose length is twice the triangle's area.
 Vec3 area_vector(const TriangleMesh& mesh, const std::array<int, 3>& triangle) {
   const Corners t = corners_of(mesh, triangle);
   return cross(minus(t.b, t.a), minus(t.c, t.a));
@@ -37,7 +39,7 @@ void find_bounds(const TriangleMesh& mesh, Vec3& low, Vec3& high) {
     }
 }
 
-/// A triangle much flatter than its edges are long: its area is rounding.
+/// Throws for a triangle that is so much flatter than its edges are long that its area is rounding.
 void check_areas(const TriangleMesh& mesh) {
   constexpr double k_rounding = 1e-12;
   for (size_t i = 0; i < mesh.triangles.size(); ++i) {
@@ -51,7 +53,7 @@ void check_areas(const TriangleMesh& mesh) {
   }
 }
 
-/// How often triangles go along an edge from its lower to its higher point number, and back.
+/// How often triangles go along an edge from its lower to its higher point number, and how often back.
 struct EdgeUse {
   int there = 0, back = 0;
 };
@@ -75,7 +77,8 @@ EdgeMap edges_of(const TriangleMesh& mesh) {
   return edges;
 }
 
-/// Walks in the order of the triangles, so that the place named is always the same one.
+/// Throws unless every edge lies between two triangles. Walks in the order of the triangles and not of the map, so that
+/// the message always names the same place.
 void check_edges(const TriangleMesh& mesh) {
   const EdgeMap edges = edges_of(mesh);
   const auto open = std::count_if(edges.begin(), edges.end(),
@@ -105,13 +108,13 @@ void check_edges(const TriangleMesh& mesh) {
 MeshMeasures calc_measures(const TriangleMesh& mesh) {
   MeshMeasures measures;
   find_bounds(mesh, measures.low, measures.high);
-  Vec3 origin;  // near the mesh, so that far-off meshes do not lose digits
+  Vec3 origin;  // in the middle of the mesh, so that a mesh far from 0 does not lose digits
   for (size_t k = 0; k < 3; ++k) origin[k] = 0.5 * (measures.low[k] + measures.high[k]);
   Vec3 moment = {0, 0, 0};
   for (const std::array<int, 3>& triangle : mesh.triangles) {
     const Corners t = corners_of(mesh, triangle);
     const Vec3 a = minus(t.a, origin), b = minus(t.b, origin), c = minus(t.c, origin);
-    const double six_volumes = dot(a, cross(b, c));  // of the tetrahedron to the origin
+    const double six_volumes = dot(a, cross(b, c));  // six times the tetrahedron between triangle and origin
     measures.volume += six_volumes / 6.0;
     for (size_t k = 0; k < 3; ++k) moment[k] += six_volumes / 24.0 * (a[k] + b[k] + c[k]);
   }
@@ -143,7 +146,8 @@ void flip(TriangleMesh& mesh) {
 
 namespace {
 
-/// Finds points again that lie within a tolerance of one seen before: a grid of cells as wide as the tolerance.
+/// Finds the point seen before that lies within a tolerance of a given one. The points are kept in a grid of cells as
+/// wide as the tolerance, so only the 27 cells around a point need to be searched.
 class PointGrid {
 public:
   PointGrid(const Vec3& low, double tolerance) : m_low(low), m_tolerance(tolerance) {}
@@ -168,7 +172,7 @@ private:
     for (size_t k = 0; k < 3; ++k) cell[k] = static_cast<std::int64_t>((point[k] - m_low[k]) / m_tolerance) + 1;
     return cell;
   }
-  /// 21 bits an axis: there are a million cells along the mesh.
+  /// 21 bits per axis are enough: there are about a million cells along the mesh.
   static std::uint64_t key(const std::array<std::int64_t, 3>& cell) {
     return (static_cast<std::uint64_t>(cell[0]) << 42U) | (static_cast<std::uint64_t>(cell[1]) << 21U) |
            static_cast<std::uint64_t>(cell[2]);
@@ -179,7 +183,7 @@ private:
   std::unordered_map<std::uint64_t, std::vector<int>> m_cells;
 };
 
-/// The points that some triangles need, numbered anew.
+/// A mesh of the given triangles with only the points that they need, numbered anew.
 TriangleMesh picked(const TriangleMesh& mesh, const std::vector<size_t>& triangles) {
   TriangleMesh result;
   std::vector<int> number(mesh.points.size(), -1);

@@ -3,9 +3,12 @@
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <array>
 #include <assimp/Importer.hpp>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
+#include <string>
 
 #include "solver/data_files/hull_mesh.h"
 
@@ -13,7 +16,7 @@ namespace qvslv {
 
 namespace {
 
-/// The importer knows many formats; only those that are tested are taken.
+/// Throws for other formats than those tested here; the importer knows many more.
 void check_extension(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),

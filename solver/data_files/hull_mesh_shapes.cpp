@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <utility>
@@ -11,7 +12,7 @@ namespace {
 
 constexpr double k_pi = 3.141592653589793;
 
-/// The surface of a block of nx by ny by nz cells: its points are made when a face first needs them.
+/// The surface of a block of nx by ny by nz cells. A point is made when a face first needs it.
 class BlockSurface {
 public:
   BlockSurface(const std::array<int, 3>& divisions, const Vec3& size, double bow, double stern)
@@ -67,7 +68,7 @@ private:
   TriangleMesh m_mesh;
 };
 
-/// Splits every triangle into four at the middles of its edges, which go out to the unit sphere.
+/// Splits every triangle into four at the middles of its edges, and moves these middles out to the unit sphere.
 TriangleMesh split_on_sphere(const TriangleMesh& mesh) {
   TriangleMesh result;
   result.points = mesh.points;

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <system_error>
 
 namespace qvslv {
 
@@ -28,7 +29,7 @@ void write_to(const std::string& path, const std::string& text) {
   cannot_write(path, cause);
 }
 
-/// The last line, without its line end. Only the end of the file is read: tables are long.
+/// The last line of a file, without its line end. Reads only the end of the file, since tables are long.
 std::string last_line(std::ifstream& stream) {
   constexpr std::streamoff k_longest_line = 4096;
   stream.seekg(0, std::ios::end);

@@ -4,8 +4,8 @@
 
 namespace qvslv {
 
-/// A data file that `qvbrisk make` writes holds its settings in one line with this at its beginning, so that a model
-/// that describes the file by settings can tell whether it is up to date.
+/// Beginning of the line in which a file that `qvbrisk make` writes holds its settings. By this line, a model that
+/// describes the file by settings can tell whether the file is up to date.
 constexpr const char* k_made_mark = "MADE BY qvbrisk, ";
 
 enum class MadeFileState {
@@ -18,8 +18,8 @@ enum class MadeFileState {
 /// State of a file whose last line is its settings line.
 MadeFileState state_by_last_line(const std::string& path, const std::string& settings_line);
 
-/// Writes a file that appears whole or not at all: under another name first, so that a reader never meets half of it.
-/// Throws std::runtime_error with the cause when it cannot be written.
+/// Writes a file that appears whole or not at all: it is written under another name first and then renamed, so that a
+/// reader never meets half of it. Throws std::runtime_error with the cause if it cannot be written.
 void write_file_whole(const std::string& text, const std::string& path);
 
 }  // namespace qvslv

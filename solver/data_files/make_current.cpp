@@ -10,12 +10,12 @@ namespace {
 
 bool has_stretch(const CurrentProfile& p) { return p.kind == ProfileKind::linear || p.kind == ProfileKind::power; }
 
-/// Points from `begin` on, each with its speed.
+/// Table of a profile: its points in the order of increasing position, each with its speed.
 CurrentTable table_of(const CurrentProfile& profile) {
   CurrentTable table;
   table.mode = profile.over_x ? 1 : 0;
   if (!has_stretch(profile)) {
-    table.key = {0};  // held on both sides
+    table.key = {0};  // one key is enough: its value is held on both sides
     table.value = {profile.speed};
     return table;
   }
@@ -38,7 +38,7 @@ std::string mistake_in_profile(const CurrentProfile& p) {
   if (!has_stretch(p)) return p.over_x ? "only a linear or power profile lies over x" : "";
   if (!std::isfinite(p.begin) || !std::isfinite(p.end) || p.begin == p.end)
     return "the stretch must run from one position to another";
-  constexpr double k_least_part = 1e-4;  // the closest points of a power profile must differ in twelve digits
+  constexpr double k_least_part = 1e-4;  // so that the closest points of a power profile differ in twelve digits
   if (std::abs(p.end - p.begin) < k_least_part * std::fmax(std::abs(p.begin), std::abs(p.end)))
     return "the stretch is too short for its distance from 0";
   return "";

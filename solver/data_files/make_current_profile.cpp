@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "solver/data_files/make_current.h"
 #include "solver/model/nearest_name.h"
@@ -37,7 +40,7 @@ double number_in(const std::string& part, const std::string& text) {
   return value;
 }
 
-/// What stands behind the @: the axis and two positions.
+/// Reads what stands behind the @: the axis and two positions.
 void take_stretch(CurrentProfile& profile, const std::string& stretch, const std::string& text) {
   const std::vector<std::string> parts = parts_of(stretch);
   if (parts.size() != 3 || (parts[0] != "x" && parts[0] != "y"))

@@ -9,7 +9,8 @@ namespace qvslv {
 
 namespace {
 
-/// Ten digits: far below any soil's roughness, and half the file of full precision.
+/// Appends a number with ten digits: the error is far below any soil's roughness, and the file is half as long as with
+/// full precision.
 void append_number(std::string& text, double value) {
   char buffer[32];
   const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 10);
@@ -22,7 +23,7 @@ void append_number(std::string& text, int value) {
   text.append(buffer, end.ptr);
 }
 
-/// Unquoted lines carry no blanks around the equals sign: their readers take the value as written.
+/// Units and soil. Unquoted lines have no blanks around the equals sign, because readers take the value as it stands.
 void append_head(std::string& text, const RoadSettings& settings) {
   const auto quoted = [&](const char* key, const std::string& value) {
     text += std::string(key) + " = '" + value + "'\n";
@@ -49,11 +50,11 @@ void append_head(std::string& text, const RoadSettings& settings) {
   plain("SHEAR_PRESSURE", "WONG");
   number("COHESION", soil.cohesion);
   number("SENSITIVITY", soil.sensitivity);
-  number("MAX_SHEAR_DISP", soil.shear_modulus);
+  number("MAX_SHEAR_DISP", soil.shear_displacement);
   number("FRICTION_ANGLE", soil.friction_angle);
 }
 
-/// Row by row along x, rows in the order of y.
+/// Nodes row by row along x, rows in the order of y, numbered from 1.
 void append_nodes(std::string& text, const RoadSettings& s, int columns, int rows) {
   const RoadHeights height(s);
   text += "NUMBER_OF_NODES=" + std::to_string((columns + 1) * (rows + 1)) + "\n{ node x y z }\n";
@@ -67,10 +68,11 @@ void append_nodes(std::string& text, const RoadSettings& s, int columns, int row
       text += '\n';
     }
   }
-  text += '\n';  // the line after the last node is swallowed
+  text += '\n';  // readers skip the line after the last node
 }
 
-/// Two triangles per square, counter-clockwise seen from above, the diagonal from the least to the greatest x and y.
+/// Two triangles per square, counter-clockwise seen from above. Their common edge runs from the corner with the least x
+/// and y to the one with the greatest.
 void append_triangles(std::string& text, int columns, int rows) {
   text += "NUMBER_OF_ELEMENTS=" + std::to_string(2 * columns * rows) + "\n{ node node node value }\n";
   const auto triangle = [&](int a, int b, int c) {

@@ -9,15 +9,16 @@ namespace {
 
 constexpr double k_two_pi = 6.283185307179586;
 
-/// 0 <= u < 1 from the generator's upper 53 bits: the same on every machine, which the standard's distributions
-/// are not.
+/// A number 0 <= u < 1 from the generator's upper 53 bits. It is the same on every machine; the standard's
+/// distributions are not.
 double uniform(std::mt19937_64& generator) { return static_cast<double>(generator() >> 11) * 0x1p-53; }
 
 }  // namespace
 
-/// Rolling ground: waves of lengths spread evenly (in their logarithm) from half to twice the middle one, each in
-/// its own direction and phase, amplitude proportional to length, so that no length stands out as steeper.
-RoadHeights::RoadHeights(const RoadSettings& settings) : settings_(settings) {
+/// Rolling ground is a sum of waves. The logarithms of their lengths are spread evenly from half to twice the middle
+/// length, each wave has a direction and phase of its own, and its amplitude is proportional to its length, so that no
+/// length stands out as steeper.
+RoadHeights::RoadHeights(const RoadSettings& settings) : m_settings(settings) {
   if (settings.kind != RoadKind::rolling) return;
   std::mt19937_64 generator(settings.seed);
   double sum_of_squares = 0;
@@ -26,27 +27,27 @@ RoadHeights::RoadHeights(const RoadSettings& settings) : settings_(settings) {
     const double direction = k_two_pi * uniform(generator);
     const double phase = k_two_pi * uniform(generator);
     const double number = k_two_pi / length;
-    waves_[i] = {number * std::cos(direction), number * std::sin(direction), phase, length};
+    m_waves[i] = {number * std::cos(direction), number * std::sin(direction), phase, length};
     sum_of_squares += length * length;
   }
-  for (Wave& wave : waves_) wave.amplitude *= settings.amplitude / std::sqrt(sum_of_squares);
+  for (Wave& wave : m_waves) wave.amplitude *= settings.amplitude / std::sqrt(sum_of_squares);
 }
 
 double RoadHeights::operator()(double x, double y) const {
-  switch (settings_.kind) {
+  switch (m_settings.kind) {
     case RoadKind::flat:
       break;
     case RoadKind::slope:
-      return settings_.height + settings_.grade * x;
+      return m_settings.height + m_settings.grade * x;
     case RoadKind::sine:
-      return settings_.height + settings_.amplitude * std::sin(k_two_pi * x / settings_.wavelength);
+      return m_settings.height + m_settings.amplitude * std::sin(k_two_pi * x / m_settings.wavelength);
     case RoadKind::rolling: {
-      double z = settings_.height;
-      for (const Wave& wave : waves_) z += wave.amplitude * std::sin(wave.kx * x + wave.ky * y + wave.phase);
+      double z = m_settings.height;
+      for (const Wave& wave : m_waves) z += wave.amplitude * std::sin(wave.kx * x + wave.ky * y + wave.phase);
       return z;
     }
   }
-  return settings_.height;
+  return m_settings.height;
 }
 
 }  // namespace qvslv

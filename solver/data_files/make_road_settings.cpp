@@ -1,7 +1,10 @@
 #include <cmath>
+#include <cstdint>
 #include <fstream>
+#include <string>
 
 #include "solver/data_files/make_road.h"
+#include "solver/data_files/soil_presets.h"
 #include "solver/model/number_text.h"
 
 namespace qvslv {
@@ -61,7 +64,7 @@ std::string settings_line(const RoadSettings& s) {
     text += ", amplitude " + number_text(s.amplitude) + ", wavelength " + number_text(s.wavelength);
   if (s.kind == RoadKind::rolling) text += ", seed " + std::to_string(s.seed);
   text += ", soil " + s.soil_name + " " + two(soil.sinkage_exponent, soil.cohesive_coeff) + " " +
-          two(soil.frictional_coeff, soil.cohesion) + " " + two(soil.friction_angle, soil.shear_modulus) + " " +
+          two(soil.frictional_coeff, soil.cohesion) + " " + two(soil.friction_angle, soil.shear_displacement) + " " +
           two(soil.sensitivity, soil.damp_ratio) + " " + number_text(soil.boundary_sinkage);
   return text + ", units " + s.units.length + " " + s.units.force + " " + s.units.mass + " " + s.units.time;
 }

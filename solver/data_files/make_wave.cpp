@@ -10,9 +10,9 @@ namespace qvslv {
 namespace {
 
 constexpr double k_pi = 3.141592653589793;
-constexpr size_t k_block = 512;  // columns worked on together: what all components need of them stays in the cache
+constexpr size_t k_block = 512;  // columns computed together, so that their values for all components stay in cache
 
-/// From 0 to `end` in equal steps, each value as its text in the file will be read back.
+/// Values from 0 to `end` in equal steps, each rounded to the digits that it has in the file.
 std::vector<double> axis(double end, int count) {
   constexpr int k_digits = 12;
   std::vector<double> values;
@@ -43,7 +43,8 @@ std::vector<ColumnWaves> waves_over(const std::vector<WaveComponent>& components
   return columns;
 }
 
-/// Adds all components at one time to a block of columns; cos(k x + phase - omega t) by the addition theorem.
+/// Adds all components at time t to a block of columns. cos(k x + phase - omega t) comes from the addition theorem,
+/// which needs one cosine and sine per component and time instead of one per value.
 void add_row(const std::vector<WaveComponent>& components, const std::vector<ColumnWaves>& columns, double t,
              size_t count, double* elevation, double* velocity) {
   for (size_t c = 0; c < components.size(); ++c) {
@@ -57,7 +58,8 @@ void add_row(const std::vector<WaveComponent>& components, const std::vector<Col
   }
 }
 
-/// Waves that grow from nothing: r(t) = (1 - cos(pi t / ramp)) / 2, and by the product rule in the velocity.
+/// Makes the waves grow from nothing: multiplies the elevation by r(t) = (1 - cos(pi t / ramp)) / 2 and changes the
+/// velocity by the product rule.
 void apply_ramp(WaveFile& wave, double ramp) {
   for (size_t i = 0; i < wave.time.size() && wave.time[i] < ramp; ++i) {
     const double angle = k_pi * wave.time[i] / ramp;

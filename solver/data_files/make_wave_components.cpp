@@ -1,5 +1,6 @@
 #include <cmath>
 #include <random>
+#include <vector>
 
 #include "solver/data_files/make_wave.h"
 
@@ -9,11 +10,11 @@ namespace {
 
 constexpr double k_two_pi = 6.283185307179586;
 
-/// 0 <= u < 1 from the generator's upper 53 bits: the same on every machine, which the standard's distributions
-/// are not.
+/// A number 0 <= u < 1 from the generator's upper 53 bits. It is the same on every machine; the standard's
+/// distributions are not.
 double uniform(std::mt19937_64& generator) { return static_cast<double>(generator() >> 11) * 0x1p-53; }
 
-/// Energy of a band, up to the spectrum's factor (Simpson's rule).
+/// Energy of a band by Simpson's rule, up to the spectrum's factor.
 double band_energy(const WaveSettings& settings, double low, double high) {
   constexpr int k_intervals = 32;  // even; a peak of 7 % width is resolved even by a few bands
   const double step = (high - low) / k_intervals;
@@ -41,7 +42,7 @@ std::vector<WaveComponent> spectrum_components(const WaveSettings& settings) {
     waves.push_back(component(settings, std::sqrt(2 * band), omega, k_two_pi * uniform(generator)));
     energy += band;
   }
-  // The waves' variances sum up to m0 = (height / 4)^2, whatever the frequencies left out would have carried.
+  // The waves' variances sum up to m0 = (height / 4)^2, so the energy of the frequencies left out is spread over them.
   for (WaveComponent& wave : waves) wave.amplitude *= settings.height / (4 * std::sqrt(energy));
   return waves;
 }
@@ -51,7 +52,8 @@ std::vector<WaveComponent> spectrum_components(const WaveSettings& settings) {
 double wave_number(double omega, double depth, double gravity) {
   const double deep = omega * omega / gravity;
   if (depth == 0) return deep;
-  // y tanh y = a with y = k h and a = omega^2 h / g. The left side is convex or nearly straight: Newton's steps settle.
+  // y tanh y = a with y = k h and a = omega^2 h / g. The left side is convex or nearly straight: Newton's steps
+  // converge.
   const double a = deep * depth;
   double y = a / std::sqrt(std::tanh(a));
   constexpr int k_most_steps = 50;

@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
 
 #include "solver/data_files/make_wave.h"
 #include "solver/model/number_text.h"
@@ -9,16 +12,16 @@ namespace qvslv {
 namespace {
 
 constexpr double k_two_pi = 6.283185307179586;
-constexpr double k_points = 20;       // per shortest period and wave length, when no step is given
+constexpr double k_points = 20;       // per shortest period and wave length, if no step is given
 constexpr double k_breaking = 0.142;  // height over length at which deep-water waves break (Michell, Miche)
 
 constexpr const char* k_bad_duration = "the duration must be greater than 0";
 constexpr const char* k_bad_extent = "the extent must be greater than 0: positions run from 0 to it";
-constexpr int k_ends = 2;  // all that a table needs where nothing changes
+constexpr int k_ends = 2;  // still water: two times and two positions are all that a table needs
 
 bool positive(double value) { return std::isfinite(value) && value > 0; }
 
-/// Steps that are no longer than asked for, and at least one.
+/// Number of equal steps that are no longer than asked for; at least one.
 double steps_along(double length, double step) {
   constexpr double k_rounding = 1e-9;
   return std::fmax(1.0, std::ceil(length / step - k_rounding));
@@ -28,7 +31,7 @@ double shortest_period(const WaveSettings& s) {
   return s.kind == WaveKind::regular ? s.period : s.period / k_highest_frequency;
 }
 
-/// Amplitude of the second harmonic over that of the wave, which linear theory leaves out (Stokes, second order).
+/// Amplitude of the second harmonic as a share of the wave's. Linear theory leaves it out (Stokes, second order).
 double second_harmonic(const WaveSettings& s) {
   const double k = k_two_pi / wave_length(s), y = k * s.depth;
   constexpr double k_deep = 10;  // k h from which hyperbolic functions no longer matter

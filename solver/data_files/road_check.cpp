@@ -8,7 +8,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
+#include <utility>
 
 #include "solver/model/nearest_name.h"
 #include "solver/model/number_text.h"
@@ -18,9 +18,9 @@ namespace qvslv {
 
 namespace {
 
-constexpr size_t k_line_limit = 640;  // of the main part; a longer line is refused
+constexpr size_t k_line_limit = 640;  // lines outside the blocks must be shorter; longer ones are refused
 
-// In the order in which the reader looks for them; the first one found anywhere in a line decides.
+// The keys in the order in which the reader looks for them; the first one found anywhere in a line decides.
 const std::vector<std::string> k_quoted_keys = {"FILE_TYPE", "LENGTH", "FORCE", "ANGLE", "MASS", "TIME", "METHOD"};
 const std::vector<std::string> k_plain_keys = {
     "FILE_VERSION",   "VERSION",          "SOIL_TYPE",         "COEFFICIENT_DS",   "CRITICAL_PRESSUR", "EXPONENT_PR",
@@ -40,19 +40,20 @@ std::string trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// What stands between the first and the second equals sign.
+/// The text between the first and the second equals sign, or the end of the line.
 std::string value_field(const std::string& line) {
   const size_t first = line.find('=');
   const size_t second = line.find('=', first + 1);
   return line.substr(first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
 }
 
+/// Goes through the lines of a road file as the library's reader does.
 class RoadInspector {
 public:
-  RoadInspector(const std::string& text, const std::string& path, const Units* units) : units_(units) {
-    check_.path = path;
+  RoadInspector(const std::string& text, const std::string& path, const Units* units) : m_units(units) {
+    m_check.path = path;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines_.push_back(std::move(line));
+    for (std::string line; std::getline(stream, line);) m_lines.push_back(std::move(line));
     if (!text.empty() && text.find("\r\n") != std::string::npos)
       note(false, 1,
            "the lines end with CR LF (Windows); the CR becomes part of every unquoted text, so that "
@@ -61,23 +62,23 @@ public:
   }
 
   RoadCheck inspect() {
-    while (next_ < lines_.size() && !ended_) main_line();
+    while (m_next < m_lines.size() && !m_ended) main_line();
     check_whole();
-    return std::move(check_);
+    return std::move(m_check);
   }
 
 private:
   void note(bool refused, size_t line_number, const std::string& text) {
-    check_.found.push_back({refused, static_cast<int>(line_number), text});
+    m_check.found.push_back({refused, static_cast<int>(line_number), text});
   }
 
   void main_line() {
-    const std::string& line = lines_[next_++];
+    const std::string& line = m_lines[m_next++];
     if (line.size() >= k_line_limit) {
-      note(true, next_,
+      note(true, m_next,
            "the line has " + std::to_string(line.size()) +
                " characters; lines outside the node and element blocks must be shorter than 640");
-      ended_ = true;
+      m_ended = true;
       return;
     }
     const size_t equals = line.find('=');
@@ -96,21 +97,21 @@ private:
     if (key.empty()) {
       const std::string plain = key_in(line, k_plain_keys);
       if (!plain.empty())
-        note(false, next_, plain + " in quotes has no effect: write " + plain + "=value without quotes");
+        note(false, m_next, plain + " in quotes has no effect: write " + plain + "=value without quotes");
       return;
     }
     if (first == std::string::npos) {
-      note(true, next_, key + ": the value needs a quote on both sides");
+      note(true, m_next, key + ": the value needs a quote on both sides");
       return;
     }
-    if (second == std::string::npos) note(false, next_, key + ": the closing quote is missing");
+    if (second == std::string::npos) note(false, m_next, key + ": the closing quote is missing");
     quoted_value(key, upper_case(field.substr(first + 1, second == std::string::npos ? second : second - first - 1)));
   }
 
   void quoted_value(const std::string& key, const std::string& value) {
     if (key == "FILE_TYPE" || key == "METHOD") {
       const std::string only = key == "METHOD" ? "3D_SOIL" : "RDF";
-      if (value != only) note(true, next_, key + " '" + value + "' is not supported: only '" + only + "' is");
+      if (value != only) note(true, m_next, key + " '" + value + "' is not supported: only '" + only + "' is");
       return;
     }
     const UnitQuantity quantity = key == "LENGTH"  ? UnitQuantity::length
@@ -120,9 +121,9 @@ private:
                                                    : UnitQuantity::angle;
     const UnitName* unit = find_unit(quantity, value);
     if (unit == nullptr) {
-      note(true, next_, key + " '" + value + "' is no unit known here; " + name_hint(value, all_unit_names(quantity)));
-    } else if (units_ != nullptr && quantity != UnitQuantity::angle && unit->factor != model_factor(quantity)) {
-      note(false, next_,
+      note(true, m_next, key + " '" + value + "' is no unit known here; " + name_hint(value, all_unit_names(quantity)));
+    } else if (m_units != nullptr && quantity != UnitQuantity::angle && unit->factor != model_factor(quantity)) {
+      note(false, m_next,
            key + " '" + value +
                "' is not the model's unit; road values are used as they stand, nothing "
                "is converted");
@@ -130,30 +131,31 @@ private:
   }
 
   double model_factor(UnitQuantity quantity) const {
-    return quantity == UnitQuantity::length  ? units_->length_factor
-           : quantity == UnitQuantity::force ? units_->force_factor
-           : quantity == UnitQuantity::mass  ? units_->mass_factor
-                                             : units_->time_factor;
+    return quantity == UnitQuantity::length  ? m_units->length_factor
+           : quantity == UnitQuantity::force ? m_units->force_factor
+           : quantity == UnitQuantity::mass  ? m_units->mass_factor
+                                             : m_units->time_factor;
   }
 
   void plain_line(const std::string& line) {
     const std::string key = key_in(line, k_plain_keys), value = value_field(line);
     if (key.empty()) {
       const std::string quoted = key_in(line, k_quoted_keys);
-      if (!quoted.empty()) note(false, next_, quoted + " without quotes has no effect: write " + quoted + " = 'value'");
+      if (!quoted.empty())
+        note(false, m_next, quoted + " without quotes has no effect: write " + quoted + " = 'value'");
       return;
     }
     if (key == "SOIL_TYPE") {
-      check_.soil_type = value;
+      m_check.soil_type = value;
       if (value != "CONCRETE" && trimmed(value) == "CONCRETE")
-        note(false, next_,
+        note(false, m_next,
              "the value is '" + trimmed(value) +
                  "' with blanks (or a CR) around it, which is not CONCRETE; "
                  "write SOIL_TYPE=CONCRETE");
     } else if (key == "NORMAL_PRESSURE" || key == "SHEAR_PRESSURE") {
       const std::string only = key == "NORMAL_PRESSURE" ? "BEKKER" : "WONG";
       if (value != only)
-        note(true, next_,
+        note(true, m_next,
              key + ": the value is '" + value + "', only '" + only + "' is supported; write " + key + "=" + only +
                  " without blanks");
     } else if (key == "NUMBER_OF_NODES") {
@@ -161,11 +163,11 @@ private:
     } else if (key == "NUMBER_OF_ELEMENTS") {
       block(key, std::atof(value.c_str()), [this](const std::vector<double>& v) { element(v); });
     } else {
-      check_.values.emplace_back(key, std::atof(value.c_str()));
+      m_check.values.emplace_back(key, std::atof(value.c_str()));
     }
   }
 
-  /// The leading numbers of a line: digits, not the words and hexadecimal forms that strtod knows besides.
+  /// The leading numbers of a line: decimal ones only, not the words and hexadecimal forms that strtod knows besides.
   static std::vector<double> numbers_in(const std::string& line) {
     std::vector<double> numbers;
     const char* at = line.c_str();
@@ -184,15 +186,15 @@ private:
   template <class Take>
   void block(const std::string& key, double declared, Take take) {
     const long count = static_cast<long>(std::fmin(std::fmax(declared, 0.0), 1e9));
-    const size_t head = next_;
+    const size_t head = m_next;
     long taken = 0;
-    for (; next_ < lines_.size(); ++next_) {
-      const std::string& line = lines_[next_];
+    for (; m_next < m_lines.size(); ++m_next) {
+      const std::string& line = m_lines[m_next];
       if (!line.empty() && line[0] == '{') continue;
       if (taken == count) break;
       const std::vector<double> numbers = numbers_in(line);
       if (numbers.size() < 4) {
-        note(true, next_ + 1,
+        note(true, m_next + 1,
              key + " says " + std::to_string(count) + ", but only " + std::to_string(taken) +
                  " lines of four numbers follow (the reader takes this line for the next one)");
         return;
@@ -204,76 +206,76 @@ private:
       note(false, head,
            key + " says " + std::to_string(count) + ", but the file ends after " + std::to_string(taken) +
                "; the road is made of what is there");
-    } else if (next_ < lines_.size()) {
+    } else if (m_next < m_lines.size()) {
       swallowed_line(key, count);
-      ++next_;
+      ++m_next;
     }
   }
 
-  /// The first line after a block is read and thrown away.
+  /// Looks at the first line after a block, which the reader reads and throws away.
   void swallowed_line(const std::string& key, long count) {
-    const std::string& line = lines_[next_];
+    const std::string& line = m_lines[m_next];
     const bool keyword = line.find('=') != std::string::npos &&
                          (!key_in(line, k_plain_keys).empty() || !key_in(line, k_quoted_keys).empty());
     if (keyword) {
-      note(false, next_ + 1,
+      note(false, m_next + 1,
            "the line directly after a block is thrown away, and this one holds a keyword: put an empty "
            "line before it");
     } else if (numbers_in(line).size() >= 4) {
-      size_t more = next_;
-      while (more < lines_.size() && numbers_in(lines_[more]).size() >= 4) ++more;
-      note(false, next_ + 1,
-           key + " says " + std::to_string(count) + ", but " + std::to_string(more - next_) +
+      size_t more = m_next;
+      while (more < m_lines.size() && numbers_in(m_lines[more]).size() >= 4) ++more;
+      note(false, m_next + 1,
+           key + " says " + std::to_string(count) + ", but " + std::to_string(more - m_next) +
                " more such lines follow; they are not read");
     }
   }
 
   void node(const std::vector<double>& v) {
-    const bool first = check_.nodes++ == 0;
+    const bool first = m_check.nodes++ == 0;
     const auto widen = [&](double value, double& low, double& high) {
       low = first ? value : std::min(low, value);
       high = first ? value : std::max(high, value);
     };
-    widen(v[1], check_.x_min, check_.x_max);
-    widen(v[2], check_.y_min, check_.y_max);
-    widen(v[3], check_.z_min, check_.z_max);
+    widen(v[1], m_check.x_min, m_check.x_max);
+    widen(v[2], m_check.y_min, m_check.y_max);
+    widen(v[3], m_check.z_min, m_check.z_max);
   }
 
   void element(const std::vector<double>& v) {
-    ++check_.elements;
+    ++m_check.elements;
     for (size_t i = 0; i < 3; ++i) {
-      if (v[i] >= 1 && v[i] < static_cast<double>(check_.nodes) + 1.0) continue;
-      if (!told_node_)
-        note(true, next_ + 1,
+      if (v[i] >= 1 && v[i] < static_cast<double>(m_check.nodes) + 1.0) continue;
+      if (!m_told_node)
+        note(true, m_next + 1,
              "the element names node " + number_text(v[i]) + ", nodes are numbered 1 to " +
-                 std::to_string(check_.nodes));
-      told_node_ = true;
+                 std::to_string(m_check.nodes));
+      m_told_node = true;
     }
   }
 
   double soil_value(const std::string& key) const {
     double found = 0;
-    for (const auto& [name, value] : check_.values)
+    for (const auto& [name, value] : m_check.values)
       if (name == key) found = value;
     return found;
   }
 
   void check_whole() {
-    if (check_.nodes == 0) note(true, 0, "the file holds no nodes (no NUMBER_OF_NODES line was read)");
-    if (check_.nodes > 0 && check_.elements == 0)
+    if (m_check.nodes == 0) note(true, 0, "the file holds no nodes (no NUMBER_OF_NODES line was read)");
+    if (m_check.nodes > 0 && m_check.elements == 0)
       note(true, 0, "the file holds no elements (no NUMBER_OF_ELEMENTS line was read)");
-    if (check_.soil_type == "CONCRETE") return;
+    if (m_check.soil_type == "CONCRETE") return;
     for (const char* key : {"SENSITIVITY", "MAX_SHEAR_DISP"})
       if (soil_value(key) == 0) note(false, 0, std::string(key) + " is missing or 0: the soil carries no shear");
     if (soil_value("COHESIVE_COEFF") == 0 && soil_value("FRICTIONAL_COEFF") == 0)
       note(false, 0, "COHESIVE_COEFF and FRICTIONAL_COEFF are missing or 0: the soil carries no load");
   }
 
-  const Units* units_;
-  std::vector<std::string> lines_;
-  size_t next_ = 0;  // line to be read next, from 0; so also the number of the last one read, from 1
-  bool ended_ = false, told_node_ = false;
-  RoadCheck check_;
+  const Units* m_units;
+  std::vector<std::string> m_lines;
+  size_t m_next = 0;  ///< index of the next line, from 0, which is also the number of the last line read, from 1
+  bool m_ended = false, m_told_node = false;
+  RoadCheck m_check;
 };
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "solver/data_files/road_mesh.h"
 
+#include <array>
 #include <cstdlib>
 #include <fstream>
+#include <vector>
 
 namespace qvslv {
 
@@ -15,7 +17,7 @@ size_t count_of(const std::string& line) {
   return count > 0 && count < 1e9 ? static_cast<size_t>(count) : 0;
 }
 
-/// Leading numbers of a line, at most four; returns how many there are.
+/// Reads the leading numbers of a line, at most four; returns how many there are.
 int read_numbers(const std::string& line, std::array<double, 4>& numbers) {
   const char* text = line.c_str();
   int count = 0;
@@ -29,7 +31,8 @@ int read_numbers(const std::string& line, std::array<double, 4>& numbers) {
   return count;
 }
 
-/// Hands over the numbers of `count` lines, header lines in braces aside, and eats the spacer line after them.
+/// Hands the numbers of `count` lines to `take`, passing over lines that begin with a brace, and reads the spacer line
+/// after them too.
 template <class Take>
 void read_block(std::istream& in, size_t count, Take&& take) {
   std::string line;

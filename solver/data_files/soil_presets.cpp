@@ -7,23 +7,24 @@ namespace qvslv {
 
 namespace {
 
-// Shear displacement at full strength by class of soil [m]. J. Y. Wong, Theory of Ground Vehicles, gives about 0.01
-// for firm sandy ground, 0.025 for loose sand, 0.006 for compact clay and 0.025 to 0.05 for fresh snow; loams and soft
-// clays lie between and are given the round value 0.01. Overridden with shear_modulus (--shear-modulus).
+// Shear displacement K at full strength by class of soil [m]. J. Y. Wong, Theory of Ground Vehicles, gives about 0.01
+// for firm sandy ground, 0.025 for loose sand, 0.006 for compact clay and 0.025 to 0.05 for fresh snow. Loams and soft
+// clays lie between these and have the round value 0.01 here. A model file replaces it by shear_displacement, the
+// command line by --shear-displacement.
 constexpr double k_firm_sand = 0.01, k_loose_sand = 0.025, k_loam = 0.01, k_clay = 0.006, k_snow = 0.03;
 
-// With S = 1 the shear curve ends at the full strength and passes it by at most 5 % on the way (near r = 1.7); a
-// greater S adds a hump and lowers the strength after long slip.
+// With a sensitivity S = 1 the shear curve ends at the full strength and exceeds it by at most 5 % on the way (near a
+// displacement of 1.7 K). A greater S adds a hump and lowers the strength after long slip.
 constexpr double k_no_hump = 1.0;
 
-RoadSoil soil(double n, double kc, double kphi, double c, double phi, double shear_modulus) {
+RoadSoil soil(double n, double kc, double kphi, double c, double phi, double shear_displacement) {
   RoadSoil values;
   values.sinkage_exponent = n;
   values.cohesive_coeff = kc;
   values.frictional_coeff = kphi;
   values.cohesion = c;
   values.friction_angle = phi;
-  values.shear_modulus = shear_modulus;
+  values.shear_displacement = shear_displacement;
   values.sensitivity = k_no_hump;
   return values;
 }
@@ -75,7 +76,7 @@ RoadSoil soil_in_units(const SoilPreset& preset, const Units& units) {
   soil.cohesive_coeff *= std::pow(length, soil.sinkage_exponent + 1.0) / force;
   soil.frictional_coeff *= std::pow(length, soil.sinkage_exponent + 2.0) / force;
   soil.cohesion *= length * length / force;
-  soil.shear_modulus /= length;
+  soil.shear_displacement /= length;
   soil.boundary_sinkage /= length;
   soil.damp_ratio /= units.time_factor;
   return soil;
@@ -90,7 +91,7 @@ std::string soil_preset_table() {
     char line[200];
     std::snprintf(line, sizeof line, "%-25s %-6.4g %-13.6g %-13.6g %-7.6g %-6.4g %-6.3g %s\n", preset.name,
                   s.sinkage_exponent, s.cohesive_coeff, s.frictional_coeff, s.cohesion, s.friction_angle,
-                  s.shear_modulus, preset.description);
+                  s.shear_displacement, preset.description);
     text += line;
   }
   const RoadSoil common;
@@ -99,8 +100,9 @@ std::string soil_preset_table() {
                 common.sensitivity, common.damp_ratio, common.boundary_sinkage);
   return text + line +
          "n, kc, kphi, c, phi: measured values collected in J. Y. Wong, Theory of Ground Vehicles.\n"
-         "K: typical of the soil's class (same work: firm sand 0.01, loose sand 0.025, compact clay 0.006,\n"
-         "fresh snow 0.025 to 0.05 m); not measured with the other values, change it with --shear-modulus.\n";
+         "K: shear displacement at full strength, typical of the soil's class (same work: firm sand 0.01,\n"
+         "loose sand 0.025, compact clay 0.006, fresh snow 0.025 to 0.05 m); not measured with the other values,\n"
+         "change it with --shear-displacement.\n";
 }
 
 }  // namespace qvslv

@@ -1,6 +1,7 @@
 #include "solver/data_files/water_check.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "solver/data_files/table_tokens.h"
 #include "solver/data_files/wave_reading.h"
@@ -12,7 +13,8 @@ namespace {
 
 using Findings = std::vector<WaterFinding>;
 
-/// Trouble that the tokens themselves show: a part of a number taken for a separator, an end before the end.
+/// Notes trouble that the tokens themselves show: a part of a number taken for a separator, or an end of the file
+/// before the counts are fulfilled.
 void note_tokens(const TableTokens& tokens, Findings& found) {
   if (tokens.odd_line() != 0)
     found.push_back({false, tokens.odd_line(),
@@ -32,7 +34,7 @@ void note_refused_count(const char* name, const char* what, int count, Findings&
                          "; it must be 1 or more"});
 }
 
-/// Numbers behind the last one that is read. A remark there does no harm.
+/// Notes numbers behind the last one that is read. Any other text there is a remark and does no harm.
 void note_what_follows(const std::string& text, TableTokens& tokens, Findings& found) {
   if (tokens.stopped()) return;
   const size_t next = text.find_first_not_of(" \t\n\v\f\r,;", tokens.position());
@@ -42,7 +44,7 @@ void note_what_follows(const std::string& text, TableTokens& tokens, Findings& f
       {false, static_cast<int>(lines) + 1, "more numbers follow than the counts promise; they are not read"});
 }
 
-/// The first entry that is not above the one before it.
+/// Notes the first entry of an axis that is not greater than the one before it.
 void note_axis(const std::vector<double>& axis, const char* what, Findings& found) {
   for (size_t i = 1; i < axis.size(); ++i) {
     if (axis[i] > axis[i - 1]) continue;

@@ -9,7 +9,7 @@
 
 namespace qvslv {
 
-/// What its readers would refuse in a WAVE or CURRENT file, or read differently from what was meant.
+/// Something in a WAVE or CURRENT file that its readers would refuse, or read differently from what was meant.
 struct WaterFinding {
   bool refused = false;
   int line = 0;  ///< from 1; 0: the file as a whole
@@ -17,7 +17,7 @@ struct WaterFinding {
 };
 
 struct WaveCheck {
-  std::optional<WaveFile> wave;  ///< as the subroutines have it; none when they refuse it
+  std::optional<WaveFile> wave;  ///< the table as the subroutines read it; none if they refuse it
   std::vector<WaterFinding> found;
 };
 

@@ -10,7 +10,8 @@ namespace qvslv {
 
 namespace {
 
-/// Where a value lies on an axis: entry `index` counts 1 - share, the next one `share`. Held beyond the ends.
+/// Where a value lies on an axis: entry `index` has the weight 1 - share, the next one `share`. Beyond an end the place
+/// is the end.
 struct AxisPlace {
   size_t index = 0;
   double share = 0;
@@ -20,7 +21,7 @@ AxisPlace place_on(const std::vector<double>& axis, double value) {
   if (!(value > axis.front())) return {0, 0};
   if (value >= axis.back()) return {axis.size() - 1, 0};
   const auto above = std::upper_bound(axis.begin(), axis.end(), value);
-  if (above == axis.begin() || above == axis.end()) return {0, 0};  // only where the axis does not increase
+  if (above == axis.begin() || above == axis.end()) return {0, 0};  // only if the axis does not increase
   const size_t index = static_cast<size_t>(above - axis.begin()) - 1;
   return {index, (value - axis[index]) / (axis[index + 1] - axis[index])};
 }
@@ -59,7 +60,7 @@ WaveHeader read_wave_header(TableTokens& tokens) {
 }
 
 bool cannot_hold(const WaveHeader& header, size_t bytes) {
-  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 2;  // a digit and what parts it from the next
+  constexpr double k_limit = 1024.0 * 1024.0 * 1024.0, k_least_bytes = 2;  // the least for a number in the file
   const double rows = header.rows, columns = header.columns;
   const double numbers = columns + rows * (1 + 2 * columns);
   return 2 * (rows + 1) * (columns + 1) * static_cast<double>(sizeof(double)) > k_limit &&

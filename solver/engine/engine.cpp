@@ -2,13 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <exception>
+#include <utility>
+
 namespace qvslv {
 
 namespace {
 
-/// Of the whole run. At this step the integrator goes on whatever its error: so it passes a jump of a force. Forces
-/// that no step can follow keep it there, and it would creep on for ever; after so many such steps it is told to give
-/// up.
+/// The smallest step, as a share of the run's time. The integrator accepts a step of this size whatever its error, and
+/// so gets past a jump of a force. A force that no step can follow keeps it at this size for ever; after this many such
+/// steps in a row the run gives up.
 constexpr double k_smallest_step = 1e-11;
 constexpr int k_most_smallest_steps = 200;
 
@@ -36,7 +39,8 @@ void Engine::start() {
   m_integrator->initialize(m_initial);
 }
 
-/// Derivatives that are no states come from an evaluation of their own; forces that read them are evaluated after it.
+/// Derivatives that are not integrated come from an evaluation of their own. Forces may read them, so what that
+/// evaluation computed is thrown away and the forces are evaluated again.
 void Engine::start_equations() {
   if (m_fault.raised() || m_readings.equations().size() == 0) return;
   m_multibody.system().realize(m_initial, SimTK::Stage::Dynamics);
@@ -70,7 +74,7 @@ bool Engine::step(double limit) {
   if (m_fault.raised()) return false;
   const double before = time();
   try {
-    // Control also comes back without an advance: at the start of an interval, and when the limit was reached already.
+    // stepTo also returns without an advance: at the start of an interval, and if the limit is reached already.
     while (!(time() > before) && !m_fault.raised()) m_integrator->stepTo(limit, limit);
   } catch (const std::exception& error) {
     give_up(error.what());
@@ -94,7 +98,7 @@ void Engine::call_after_step() {
   m_calls.after_step(state());
 }
 
-/// Whether error control has kept the smallest step for long. Steps that an output time cut short do not count.
+/// True once error control has kept the smallest step for too long. Steps that an output time cut short do not count.
 bool Engine::creeps(double limit) {
   const double smallest = k_smallest_step * m_model.simulation.end_time;
   const bool controlled = m_model.simulation.integrator == Integrator::runge_kutta_merson;
@@ -106,7 +110,8 @@ bool Engine::creeps(double limit) {
   return m_smallest_steps >= k_most_smallest_steps;
 }
 
-/// Forces may have changed with the history: they are evaluated anew, and the next step starts from these.
+/// The calls after a step may have changed what the subroutines remember, and with it the forces. So the forces are
+/// evaluated again at the same state, and the next step starts from them.
 void Engine::restart() {
   SimTK::State& advanced = m_integrator->updAdvancedState();
   advanced.invalidateAllCacheAtOrAbove(SimTK::Stage::Dynamics);

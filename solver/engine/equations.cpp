@@ -4,7 +4,8 @@ namespace qvslv {
 
 namespace {
 
-/// Of the whole run. Steps across a jump are shorter; over them a difference is rounding.
+/// The shortest step that gives a difference quotient, as a share of the run's time. Steps across a jump are shorter;
+/// over them a difference is rounding only.
 constexpr double k_shortest_quotient = 1e-9;
 
 void check_element(const Equation& equation, const Model& model) {

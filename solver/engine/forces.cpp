@@ -60,7 +60,7 @@ void EngineForces::calcForce(const SimTK::State& state, SimTK::Vector_<SpatialVe
 
 void EngineForces::add_forces(const SimTK::State& state, SimTK::Vector_<SpatialVec>& body_forces) const {
   LoadTable& loads = m_host.loads();
-  // Applied forces are known before any element is called, which may ask for them; they are added last.
+  // Elements may ask for applied forces, so these are evaluated before any element is called. They are added last.
   for (size_t i = 0; i < m_applied.size() && !m_fault.raised(); ++i) loads.of_force(i) = calc_applied(i, state);
   for (const size_t element : m_evaluated) {
     m_calls.call(element, CallKind::evaluation, state);

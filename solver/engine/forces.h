@@ -1,24 +1,34 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
+#include "solver/engine/element_calls.h"
+#include "solver/engine/host.h"
+#include "solver/engine/load_table.h"
+#include "solver/engine/multibody.h"
+#include "solver/engine/readings.h"
 #include "solver/engine/right_sides.h"
+#include "solver/model/fault.h"
+#include "solver/model/state_expression.h"
 
 namespace qvslv {
 
-/// Adds a load to the forces on bodies: at the marker's origin on the marker's body, and the opposite, at the same
-/// point, on the reaction's body.
-/// @param body_forces  one per mobilized body, torque about the body's origin and force, in ground axes
+/// Adds a load to the forces on bodies. The load acts on the marker's body at the marker's origin; its opposite acts on
+/// the reaction marker's body at the same point.
+/// @param body_forces  per mobilized body the torque about the body's origin and the force, in ground axes
 void apply_load(const Multibody& multibody, const SimTK::State& state, const AppliedLoad& load,
                 SimTK::Vector_<SimTK::SpatialVec>& body_forces);
 
-/// All forces from outside, and the rates of the equations, in one place. An evaluation depends on the state and on
-/// what changes after accepted steps only: what the subroutines keep, and derivatives of equations that are no states.
+/// All forces that act on the bodies besides gravity, and the rates of the equations. An evaluation depends only on the
+/// state and on what changes after accepted steps: the history that subroutines keep, and derivatives of equations that
+/// are not integrated. So a rejected step leaves no trace.
 ///
-/// Order: variables; applied forces; elements that are forces or evaluated, in file order; right-hand sides.
+/// An evaluation goes through variables, then applied forces, then force and evaluated elements in file order, then
+/// right-hand sides of equations.
 class EngineForces : public SimTK::Force::Custom::Implementation {
 public:
-  /// Throws ModelError for expressions that cannot be compiled. The arguments outlive this.
+  /// Throws ModelError for expressions that cannot be compiled. The arguments must outlive this object.
   EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, EngineHost& host,
                Fault& fault);
 
@@ -43,7 +53,7 @@ private:
   ElementCalls& m_calls;
   EngineHost& m_host;
   Fault& m_fault;
-  std::vector<size_t> m_evaluated;  ///< elements
+  std::vector<size_t> m_evaluated;  ///< indices of force and evaluated elements
   std::vector<Components> m_applied;
   RightSides m_right_sides;
   mutable long m_evaluations = 0;

@@ -37,7 +37,7 @@ std::optional<MarkerRelation> relation_named(const char* name) {
   return std::nullopt;
 }
 
-/// Number of bytes that follow the first byte of a UTF-8 sequence, -1 when it starts none.
+/// Number of bytes that follow the first byte of a UTF-8 sequence; -1 if this byte starts none.
 int continuation_bytes(unsigned char first) {
   if (first < 0x80) return 0;
   if ((first & 0xE0) == 0xC0) return 1;
@@ -127,7 +127,7 @@ bool EngineHost::relation(const char* name, MarkerRelation kind, const int* ids,
   return true;
 }
 
-/// The first id is that of a force, or of a marker; force ids and marker ids never meet.
+/// The first id is that of a force or of a marker. Both are numbered together, so an id cannot mean both.
 bool EngineHost::force(const int* ids, int nids, double* values) {
   Request request;
   const AppliedLoad* load = nids > 0 ? m_loads.find(ids[0]) : nullptr;
@@ -162,7 +162,7 @@ bool EngineHost::speed(const char* name, MarkerRelation kind, const int* ids, in
   return true;
 }
 
-/// Variables and equations each count from 1: where both have an id, it is the variable's.
+/// Variables and equations are each numbered from 1. If both have the id, the variable answers.
 bool EngineHost::variable_value(const int* ids, int nids, double& value) {
   if (!check_count("VARVAL", nids, 1)) return false;
   const int variable = find_index(m_variable_of_id, ids[0]);
@@ -184,8 +184,7 @@ bool EngineHost::equation_value(const char* name, int derivative, const int* ids
   return true;
 }
 
-/// Forces on nothing and forces that react on the ground are the ground's, so a ground marker as the second one leaves
-/// none out.
+/// A load without a reaction marker counts as reacting on the ground, so FM(m, ground) sums every load at m.
 bool EngineHost::force_magnitude(const int* ids, int nids, double& value) {
   if (!check_count("FM", nids, 2)) return false;
   const AppliedLoad* load = m_loads.find(ids[0]);
@@ -200,7 +199,7 @@ bool EngineHost::force_magnitude(const int* ids, int nids, double& value) {
   return true;
 }
 
-/// Always false outside of a call: there is no state to answer from.
+/// Always false between calls: there is no state to answer from.
 bool EngineHost::check_count(const char* name, int nids, int most) {
   if (m_state == nullptr) return false;
   if (nids >= 1 && nids <= most) return true;
@@ -277,7 +276,8 @@ void EngineHost::throw_error(const char* title, int count, char** messages) {
   m_fault.raise(RunOutcome::failed, text);
 }
 
-/// Always false: the request is not answered. A kernel asks thousands of times a second; it is told once.
+/// Always false, for the caller to return: the request is not answered. A subroutine asks thousands of times a second,
+/// so each kind of request is reported once per element.
 bool EngineHost::refuse(const char* service, const std::string& why) {
   if (m_reported.emplace(m_element, service).second && m_report) {
     m_report(fmt::format("{}{}: {}", place(), service, why));

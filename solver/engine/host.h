@@ -7,22 +7,26 @@
 #include <vector>
 
 #include "solver/engine/load_table.h"
+#include "solver/engine/marker_relation.h"
+#include "solver/engine/multibody.h"
 #include "solver/engine/readings.h"
 #include "solver/engine/service_host.h"
 #include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 
-/// The services of the engine: answers from the state of the call that is under way.
+/// Answers the service requests of user subroutines from the state of the call that is under way.
 class EngineHost : public ServiceHost {
 public:
   using Report = std::function<void(const std::string&)>;
 
-  /// @param report  told once per element about each kind of request that could not be answered
-  /// The other arguments outlive this.
+  /// @param report  is told once per element about each kind of request that could not be answered
+  /// The other arguments must outlive this object.
   EngineHost(const ModelReadings& readings, const Multibody& multibody, Fault& fault, Report report);
 
-  /// A call of an element at a state (realized to Velocity or further); services answer from it while this lives.
+  /// A call of an element at a state, which is realized to Velocity or further. Services answer from this state as
+  /// long as the object lives.
   class Call {
   public:
     Call(EngineHost& host, const SimTK::State& state, const Element& element);
@@ -34,7 +38,7 @@ public:
     EngineHost& m_host;
   };
 
-  /// Forces as last evaluated.
+  /// Forces of elements and applied forces as they were last evaluated.
   LoadTable& loads() { return m_loads; }
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
@@ -48,7 +52,7 @@ public:
   bool mass(int id, double& value) override;
 
 private:
-  /// Markers that the ids of a request name.
+  /// The markers that the ids of a request name, as indices into Model::markers.
   struct Request {
     int measured = k_none;
     int reference = k_none;
@@ -72,20 +76,21 @@ private:
   const Multibody& m_multibody;
   Fault& m_fault;
   Report m_report;
-  std::vector<std::pair<int, int>> m_marker_of_id;    ///< sorted by id
-  std::vector<std::pair<int, int>> m_body_of_id;      ///< sorted by id
-  std::vector<std::pair<int, int>> m_variable_of_id;  ///< sorted by id, and so the next two
+  // (id, index into the model), sorted by id
+  std::vector<std::pair<int, int>> m_marker_of_id;
+  std::vector<std::pair<int, int>> m_body_of_id;
+  std::vector<std::pair<int, int>> m_variable_of_id;
   std::vector<std::pair<int, int>> m_equation_of_id;
   std::vector<std::pair<int, int>> m_spline_of_id;
-  std::vector<std::pair<int, std::wstring>> m_strings;
+  std::vector<std::pair<int, std::wstring>> m_strings;  ///< (id, text)
   std::wstring m_path;
   LoadTable m_loads;
-  std::set<std::pair<const Element*, std::string>> m_reported;
-  const SimTK::State* m_state = nullptr;
+  std::set<std::pair<const Element*, std::string>> m_reported;  ///< requests that `report` was told about
+  const SimTK::State* m_state = nullptr;  ///< of the call that is under way; null between calls, as m_element
   const Element* m_element = nullptr;
 };
 
-/// UTF-8 to wide characters, byte for byte where the text is no UTF-8.
+/// Turns UTF-8 into wide characters. A byte that belongs to no UTF-8 sequence becomes a character of its own.
 std::wstring widen(const std::string& text);
 
 }  // namespace qvslv

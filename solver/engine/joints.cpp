@@ -1,5 +1,7 @@
 #include "solver/engine/joints.h"
 
+#include <string>
+
 #include "solver/engine/prescribed_motion.h"
 
 namespace qvslv {
@@ -18,7 +20,8 @@ struct Link {
   size_t coordinate;  ///< which coordinate of the joint it is
 };
 
-/// The links from parent to child. A planar joint travels first, so that its x and y are those of the parent marker.
+/// The links from parent to child. A planar joint travels first and turns then, so that its x and y are measured along
+/// the parent marker's axes.
 std::vector<Link> chain_of(JointType type) {
   constexpr auto turn = CoordinateKind::angle;
   constexpr auto travel = CoordinateKind::travel;
@@ -41,14 +44,14 @@ std::vector<Link> chain_of(JointType type) {
   return {};
 }
 
-/// The rotation that brings axis `from` onto axis `to` by permuting axes, exact.
+/// The rotation that brings axis `from` onto axis `to` by permuting axes. It holds only zeros and ones: no rounding.
 Transform permute_axes(int from, int to) {
   SimTK::Mat33 m(0);
   for (int k = 0; k < 3; ++k) m((to + k) % 3, (from + k) % 3) = 1;
   return Transform(SimTK::Rotation(m, true));
 }
 
-/// Simbody pins turn about z and its sliders travel along x; other axes are reached by turning both frames.
+/// Simbody's pins turn about z and its sliders travel along x. For another axis both joint frames are permuted.
 MobilizedBody add_link(const Link& link, MobilizedBody& parent, const Transform& on_parent, const SimTK::Body& child,
                        const Transform& on_child) {
   if (link.kind == CoordinateKind::angle) {

@@ -2,7 +2,6 @@
 
 #include <Simbody.h>
 
-#include <string>
 #include <vector>
 
 #include "solver/model/fault.h"
@@ -14,35 +13,36 @@ enum class CoordinateKind { angle, travel };
 
 /// One coordinate of a joint as users see it.
 struct JointCoordinate {
-  const char* name;
+  const char* name;  ///< as in model files and column heads
   CoordinateKind kind;
 };
 
-/// Coordinates of a joint type, in the order of Joint::position.
+/// Coordinates of a joint type, in the order of Joint::position; angles in radians, travels in model length.
 const std::vector<JointCoordinate>& joint_coordinates(JointType type);
 
-/// Name of a joint type as in the model file.
+/// Name of a joint type as a model file has it.
 const char* joint_type_name(JointType type);
 
-/// A joint inside the system: one mobilizer per coordinate (so that each can have a motion of its own), or a single
-/// mobilizer for ball, free and weld joints.
+/// A joint inside the multibody system. It has one mobilizer per coordinate, so that each coordinate can have a motion
+/// of its own, or a single mobilizer for ball, free and weld joints.
 struct BuiltJoint {
   const Joint* joint = nullptr;
   std::vector<SimTK::MobilizedBodyIndex> mobilizers;  ///< in the order of the coordinates
-  SimTK::MobilizedBodyIndex child;                    ///< carries the child body
+  SimTK::MobilizedBodyIndex child;                    ///< mobilizer that carries the child body
 };
 
 /// Hangs a body on its parent.
-/// @param frame_on_parent  of the parent marker, in the parent body
-/// @param frame_on_child   of the child marker, in the child body
-/// @param spacing          of the motions' differences, in model time
+/// @param frame_on_parent  pose of the parent marker in the parent body
+/// @param frame_on_child   pose of the child marker in the child body
+/// @param spacing          spacing of the finite differences of its motions [model time]
+/// @param fault            is told if a motion has no finite value; must outlive the system
 BuiltJoint add_joint(SimTK::MobilizedBody& parent, const SimTK::Transform& frame_on_parent, const SimTK::Body& child,
                      const SimTK::Transform& frame_on_child, const Joint& joint, double spacing, Fault& fault);
 
-/// Writes the joint's initial coordinates and speeds; missing values are 0. The state is realized to Model.
+/// Writes the joint's initial coordinates and speeds into a state that is realized to Model. Missing values are 0.
 void set_initial(const SimTK::SimbodyMatterSubsystem& matter, const BuiltJoint& built, SimTK::State& state);
 
-/// Coordinates as in Joint::position, and their rates: speeds as in Joint::velocity.
+/// Coordinates of a joint in the order of Joint::position, and speeds in the order of Joint::velocity.
 struct JointMotion {
   std::vector<double> position;
   std::vector<double> velocity;

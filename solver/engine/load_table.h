@@ -18,8 +18,8 @@ struct AppliedLoad {
   SimTK::Vec3 torque = SimTK::Vec3(0);
 };
 
-/// The forces of elements and applied forces of a model, as last evaluated ("TFORCE", "FM"). Zero before the first
-/// evaluation.
+/// The loads of a model's force elements and applied forces as they were last evaluated; "TFORCE" and "FM" are answered
+/// from them. All are zero before the first evaluation.
 class LoadTable {
 public:
   explicit LoadTable(const Model& model);
@@ -29,18 +29,19 @@ public:
   /// @param force  index into Model::forces
   AppliedLoad& of_force(size_t force) { return m_loads[m_first_applied + force]; }
 
-  /// The load of the element or applied force with this id; null when none has it. Ids from 1 count.
+  /// The load of the element or applied force with this id; null if none has it. Loads without an id (0) are not found.
   const AppliedLoad* find(int id) const;
 
-  /// Sum of the forces that act at marker m minus those that react on it; with a reference marker only of those between
-  /// the two. In ground axes.
+  /// Sum of the forces that act at a marker minus those that react on it, in ground axes. With a reference marker only
+  /// the forces between these two count.
+  /// @param marker, reference  indices into Model::markers
   SimTK::Vec3 force_at(int marker, std::optional<int> reference) const;
 
 private:
-  std::vector<AppliedLoad> m_loads;  ///< elements of kind force first, then applied forces
-  std::vector<size_t> m_slot_of_element;
+  std::vector<AppliedLoad> m_loads;       ///< elements of kind force first, then applied forces
+  std::vector<size_t> m_slot_of_element;  ///< by index into Model::elements
   size_t m_first_applied = 0;
-  std::vector<std::pair<int, size_t>> m_slot_of_id;
+  std::vector<std::pair<int, size_t>> m_slot_of_id;  ///< sorted by id
 };
 
 }  // namespace qvslv

@@ -7,9 +7,10 @@ namespace qvslv {
 
 enum class MarkerRelation { displacement, velocity, angular_velocity };
 
-/// How marker m stands or moves against marker r, in ground axes: the way from r's origin to m's; the difference of
-/// both velocities, or of both angular velocities, as seen from the ground.
-/// @param measured, reference  index into Model::markers; k_none is the ground frame
+/// How marker m stands or moves relative to marker r, in ground axes: the way from r's origin to m's, or the difference
+/// of their velocities or angular velocities, both as seen from the ground. (So in axes that turn with r, the velocity
+/// is not the rate of the displacement.)
+/// @param measured, reference  m and r, indices into Model::markers; k_none is the ground frame
 SimTK::Vec3 find_relation(const Multibody& multibody, const SimTK::State& state, MarkerRelation relation, int measured,
                           int reference);
 
@@ -17,6 +18,7 @@ SimTK::Vec3 find_relation(const Multibody& multibody, const SimTK::State& state,
 /// new x. Returned as (roll, pitch, yaw); pitch lies between -pi/2 and pi/2.
 SimTK::Vec3 find_roll_pitch_yaw(const Multibody& multibody, const SimTK::State& state, int measured, int reference);
 
+/// The number that an expression asks for, in model units or radians.
 /// @param state  realized to Velocity or further
 double find_quantity(const Multibody& multibody, const SimTK::State& state, const MarkerQuantity& wanted);
 

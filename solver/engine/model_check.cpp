@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string>
 
 namespace qvslv {
 
@@ -16,7 +18,7 @@ void require_finite(const Values& values, const std::string& what) {
   }
 }
 
-/// Columns of length 1, square to each other, right-handed, to the digits that someone may have typed.
+/// Requires columns of length 1, perpendicular to each other and right-handed, as exact as typed digits can be.
 void require_rotation(const Rotation& r, const std::string& what) {
   constexpr double k_typed_digits = 1e-3;
   require_finite(r, what);
@@ -29,11 +31,12 @@ void require_rotation(const Rotation& r, const std::string& what) {
   if (off > k_typed_digits) throw MultibodyError(what + " are no right-handed axes of length 1");
 }
 
-/// Each moment is at most the sum of the other two, in every choice of axes; the principal ones decide.
+/// A rigid body's inertia: in any axes each moment is at most the sum of the other two. The principal axes decide, and
+/// Sylvester's criterion decides for them without computing them.
 bool is_rigid_inertia(const Inertia& i) {
-  // Sylvester's criterion for E = trace/2 - I, the second moments of mass: positive semidefinite for real bodies.
+  // E = trace(I)/2 - I holds the second moments of mass, which are positive semidefinite for a real body.
   const double half = 0.5 * (i.xx + i.yy + i.zz);
-  const double slack = 1e-9 * std::abs(half);  // typed digits
+  const double slack = 1e-9 * std::abs(half);  // values are exact to the digits that someone typed
   const double xx = half - i.xx + slack, yy = half - i.yy + slack, zz = half - i.zz + slack;
   const double xy = -i.xy, xz = -i.xz, yz = -i.yz;
   const double det = xx * (yy * zz - yz * yz) - xy * (xy * zz - yz * xz) + xz * (xy * yz - yy * xz);

@@ -12,8 +12,8 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-/// Looks for what the multibody engine would stop the process for: numbers that are not finite, axes that are no
-/// rotation, masses and inertias of no rigid body, settings out of their range. Throws MultibodyError that names it.
+/// Throws MultibodyError, with the name of the thing, for what the multibody engine would end the process for: numbers
+/// that are not finite, axes that are no rotation, masses and inertias that no rigid body has, settings out of range.
 void check_model(const Model& model);
 
 }  // namespace qvslv

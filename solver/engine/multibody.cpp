@@ -16,7 +16,7 @@ SimTK::Vec3 to_vec3(const Vec3& v) { return SimTK::Vec3(v[0], v[1], v[2]); }
 
 SimTK::Rotation to_rotation(const Rotation& r) {
   const SimTK::Mat33 m(r[0], r[3], r[6], r[1], r[4], r[7], r[2], r[5], r[8]);
-  // Model files give axes to the digits someone typed: then the nearest rotation is meant. Exact axes stay exact.
+  // Axes from a model file are as exact as the digits typed; the nearest rotation is meant. Exact axes stay exact.
   constexpr double k_roundings = 1e-15;
   const bool exact = SimTK::Mat33(~m * m - SimTK::Mat33(1)).norm() < k_roundings;
   return exact ? SimTK::Rotation(m, true) : SimTK::Rotation(m);
@@ -28,7 +28,7 @@ Transform frame_of(const Marker& marker) {
   return Transform(to_rotation(marker.orientation), to_vec3(marker.position));
 }
 
-/// Mass properties about the body's frame, from those about the centre of mass.
+/// Mass properties about the body frame's origin. The model gives the inertia about the centre of mass.
 SimTK::Body::Rigid rigid_body(const Body& body) {
   const Inertia& i = body.inertia;
   const SimTK::SymMat33 central(i.xx, i.xy, i.yy, i.xz, i.yz, i.zz);
@@ -41,7 +41,7 @@ SimTK::Body::Rigid rigid_body(const Body& body) {
 
 Multibody::Multibody(const Model& model, Fault& fault) : m_model(model), m_matter(m_system), m_forces(m_system) {
   check_model(model);
-  // User subroutines keep their state in globals: one thread calls them, always the same.
+  // User subroutines keep their state in globals, so always the same thread must call them.
   m_forces.setNumberOfThreads(1);
   m_matter.setShowDefaultGeometry(false);
   m_bodies.resize(model.bodies.size());
@@ -133,10 +133,11 @@ void Multibody::start_free_bodies(SimTK::State& state) const {
   }
 }
 
-/// Cholesky's pivots of the mass matrix are the inertia each free coordinate has once the later ones are let go; a
-/// pivot that vanishes beside its diagonal entry, or a diagonal entry that vanishes, leaves its acceleration open.
+/// Checks by Cholesky's decomposition of the mass matrix that every free coordinate has inertia. A pivot is the inertia
+/// that a coordinate has left when the ones before it move freely. If it vanishes beside its diagonal entry, or if the
+/// entry itself vanishes, nothing determines the coordinate's acceleration.
 void Multibody::check_inertia(const SimTK::State& state) const {
-  constexpr double k_vanishing = 1e-13;  // of the diagonal entry: nothing but rounding is left
+  constexpr double k_vanishing = 1e-13;  // share of the diagonal entry below which a pivot is rounding only
   SimTK::Matrix m;
   m_matter.calcM(state, m);
   const SimTK::Array_<SimTK::UIndex>& free = m_matter.getFreeUIndex(state);

@@ -2,7 +2,6 @@
 
 #include <Simbody.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,13 +12,13 @@
 
 namespace qvslv {
 
-/// Where a marker is fixed.
+/// The mobilized body that a marker is fixed to, and its pose in that body.
 struct PlacedMarker {
   SimTK::MobilizedBodyIndex body;
   SimTK::Transform in_body;
 };
 
-/// Position, axes and velocities of a marker in ground axes.
+/// Position, velocity and angular velocity of a marker, relative to the ground and in its axes.
 struct MarkerMotion {
   SimTK::Vec3 position;
   SimTK::Vec3 velocity;
@@ -29,17 +28,18 @@ struct MarkerMotion {
 SimTK::Vec3 to_vec3(const Vec3& v);
 SimTK::Rotation to_rotation(const Rotation& r);
 
-/// The bodies, joints and markers of a model as a Simbody system. Forces are added to `forces` from outside, before
-/// `make_state`. Bodies on no joint are free in ground, their mobilizer at the centre of mass.
+/// The bodies, joints and markers of a model as a Simbody system. Its user adds forces to `forces` before `make_state`.
+/// A body that no joint carries moves freely; its mobilizer sits at the centre of mass, so that its translation
+/// and its rotation are not coupled.
 class Multibody {
 public:
-  /// The model and the fault outlive this. Throws MultibodyError for what cannot be built.
+  /// Throws MultibodyError for what cannot be built. The model and the fault must outlive this object.
   Multibody(const Model& model, Fault& fault);
   Multibody(const Multibody&) = delete;
   Multibody& operator=(const Multibody&) = delete;
 
-  /// The state at time 0, motions prescribed, realized to Velocity. Finishes the system. Throws MultibodyError when
-  /// some coordinate is free to move but has no inertia.
+  /// Finishes the system and makes its state at time 0, with all prescribed motions applied and realized to Velocity.
+  /// Throws MultibodyError if a coordinate is free to move but has no inertia.
   SimTK::State make_state();
 
   const Model& model() const { return m_model; }
@@ -52,13 +52,14 @@ public:
   const SimTK::MobilizedBody& marker_body(int index) const { return m_matter.getMobilizedBody(marker(index).body); }
   const SimTK::MobilizedBody& body(int index) const;
 
-  /// @param marker  index into Model::markers; k_none is the ground frame
+  // Pose, axes and motion of a marker in ground axes. `marker` is an index into Model::markers; k_none is the ground
+  // frame. The state is realized to Position, for find_motion to Velocity, or further.
   SimTK::Transform find_pose(const SimTK::State& state, int marker) const;
   SimTK::Rotation find_axes(const SimTK::State& state, int marker) const;
   MarkerMotion find_motion(const SimTK::State& state, int marker) const;
 
   double calc_kinetic_energy(const SimTK::State& state) const;
-  /// In the field of gravity, 0 with all centres of mass in the ground's origin.
+  /// Energy in the field of gravity; 0 if all centres of mass lie in the ground's origin.
   double calc_potential_energy(const SimTK::State& state) const;
 
 private:
@@ -74,8 +75,8 @@ private:
   SimTK::MultibodySystem m_system;
   SimTK::SimbodyMatterSubsystem m_matter;
   SimTK::GeneralForceSubsystem m_forces;
-  std::vector<SimTK::MobilizedBodyIndex> m_bodies;  ///< of Model::bodies
-  std::vector<PlacedMarker> m_markers;              ///< of Model::markers
+  std::vector<SimTK::MobilizedBodyIndex> m_bodies;  ///< by index into Model::bodies
+  std::vector<PlacedMarker> m_markers;              ///< by index into Model::markers
   std::vector<BuiltJoint> m_joints;
 };
 

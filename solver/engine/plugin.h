@@ -12,18 +12,18 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-/// A shared library of user subroutines. Its undefined services resolve from libqvslv.so, which the process that
-/// loads it is linked with; its own symbols stay private to it.
+/// A shared library of user subroutines. The dynamic linker binds the services that it leaves undefined to those of
+/// this process: libqvslv.so, or a test program, defines them. The library's own symbols stay private to it.
 class Plugin {
 public:
-  /// Loads the library, all its symbols bound. Throws PluginError with the loader's text when that fails.
+  /// Loads the library and binds all its symbols. Throws PluginError with the loader's text if that fails.
   explicit Plugin(const std::string& path);
   /// Unloads the library, and its module state with it: the next run starts from a fresh one.
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  /// The exported user subroutine of that name. Throws PluginError when there is none.
+  /// The exported user subroutine of that name. Throws PluginError if there is none.
   qv_user_subroutine find(const std::string& name) const;
 
   /// The file that was loaded, as the loader knows it.

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 namespace qvslv {
 

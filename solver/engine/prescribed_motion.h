@@ -2,30 +2,34 @@
 
 #include <Simbody.h>
 
+#include <string>
+
 #include "solver/model/expression.h"
 #include "solver/model/fault.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 
-/// First time derivative by fourth-order central differences; exact for quartics but for rounding.
+/// First time derivative by central differences of fourth order; exact for quartics but for rounding.
 ///   f'(t) = [f(t-2h) - 8 f(t-h) + 8 f(t+h) - f(t+2h)] / 12h
 double derivative(const CompiledExpression& f, double t, double h);
 
-/// Second time derivative by fourth-order central differences; exact for quintics but for rounding.
+/// Second time derivative by central differences of fourth order; exact for quintics but for rounding.
 ///   f''(t) = [-f(t-2h) + 16 f(t-h) - 30 f(t) + 16 f(t+h) - f(t+2h)] / 12h^2
 double second_derivative(const CompiledExpression& f, double t, double h);
 
-/// Spacing of the differences [s]: balances h^4 truncation against rounding that grows with 1/h^2, for motions up
-/// to some ten cycles per second. A kink in an expression is rounded over twice this time.
+/// Spacing h of the differences [s]. It balances truncation, which grows with h^4, against rounding, which grows with
+/// 1/h^2, for motions up to some ten cycles per second. A kink in an expression is rounded over 2h on either side.
 constexpr double k_difference_spacing = 1e-3;
 
-/// The motion of a coordinate of one degree of freedom as an expression of time. At position level the speed and the
-/// acceleration are its differences; at velocity level the coordinate is integrated.
+/// The motion of a mobilizer of one degree of freedom as an expression of time [radian or model length; at velocity
+/// level per model time]. At position level speed and acceleration are its finite differences; at velocity level the
+/// coordinate is integrated.
 class PrescribedMotion : public SimTK::Motion::Custom::Implementation {
 public:
   /// @param label    what moves, for messages ("joint hinge, coordinate angle")
-  /// @param spacing  of the differences, in model time
-  /// @param fault    told when the expression has no finite value; outlives this
+  /// @param spacing  h of the differences [model time]
+  /// @param fault    is told if the expression has no finite value; must outlive this object
   PrescribedMotion(const Motion& motion, std::string label, double spacing, Fault& fault);
 
   SimTK::Motion::Level getLevel(const SimTK::State&) const override;

@@ -4,20 +4,24 @@
 
 #include "solver/engine/equations.h"
 #include "solver/engine/marker_relation.h"
+#include "solver/engine/multibody.h"
+#include "solver/model/akima.h"
+#include "solver/model/expression_scope.h"
 #include "solver/model/fault.h"
+#include "solver/model/marker_quantity.h"
 #include "solver/model/state_expression.h"
 
 namespace qvslv {
 
-/// What a model's expressions and services read besides its markers: variables, equations and splines.
+/// What expressions and services read besides markers: the model's variables, equations and splines.
 class ModelReadings {
 public:
-  /// Throws ModelError for what cannot be compiled. The arguments outlive this.
+  /// Throws ModelError for an expression or a spline that is none. The arguments must outlive this object.
   ModelReadings(const Multibody& multibody, Fault& fault);
   ModelReadings(const ModelReadings&) = delete;
   ModelReadings& operator=(const ModelReadings&) = delete;
 
-  /// Everything at one state; made where it is needed and not kept.
+  /// Lets expressions read one state. Made for one evaluation and not kept.
   class At : public StateReader {
   public:
     At(const ModelReadings& readings, const SimTK::State& state) : m_readings(readings), m_state(state) {}
@@ -35,7 +39,7 @@ public:
     const SimTK::State& m_state;
   };
 
-  /// Evaluates all variables, in their order. Raises a fault for one that has no finite value.
+  /// Evaluates all variables in their order. Raises a fault for a variable without a finite value.
   /// @param state  realized to Velocity or further
   void refresh(const SimTK::State& state);
 
@@ -46,7 +50,7 @@ public:
   const EquationStates& equations() const { return m_equations; }
   EquationStates& equations() { return m_equations; }
 
-  /// What expressions outside of variables may read.
+  /// What expressions outside of variables may read: all variables.
   ExpressionScope scope() const { return {m_multibody.model(), m_splines, m_multibody.model().variables.size()}; }
 
 private:

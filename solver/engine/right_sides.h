@@ -5,18 +5,21 @@
 
 #include "solver/engine/element_calls.h"
 #include "solver/engine/readings.h"
+#include "solver/model/fault.h"
+#include "solver/model/model.h"
+#include "solver/model/state_expression.h"
 
 namespace qvslv {
 
-/// The right-hand sides of a model's equations: expressions, or what elements have just returned.
+/// The right-hand sides of a model's equations: expressions, or result 0 of elements of kind `evaluated`.
 class RightSides {
 public:
-  /// Throws ModelError for an expression that cannot be compiled. The arguments outlive this.
+  /// Throws ModelError for an expression that cannot be compiled. The arguments must outlive this object.
   RightSides(const Model& model, const ModelReadings& readings);
 
-  /// Sets the rates of all equations' states. Raises a fault for a right-hand side that is not finite; the rates are 0
-  /// then and whenever a fault was raised before.
-  /// @param calls  elements of kind `evaluated` were called at this state
+  /// Sets the rates of the states of all equations. Raises a fault for a right-hand side that is not finite; after any
+  /// fault the rates are 0.
+  /// @param calls  its elements of kind `evaluated` have been called at this state
   void evaluate(const SimTK::State& state, const ElementCalls& calls, Fault& fault) const;
 
 private:
@@ -24,7 +27,7 @@ private:
 
   const Model& m_model;
   const ModelReadings& m_readings;
-  std::vector<std::optional<StateExpression>> m_expressions;  ///< none where an element gives the right-hand side
+  std::vector<std::optional<StateExpression>> m_expressions;  ///< empty if an element gives the right-hand side
 };
 
 }  // namespace qvslv

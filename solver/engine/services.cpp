@@ -1,6 +1,7 @@
 #include "qvbrisk/services.h"
 
 #include <algorithm>
+#include <string>
 
 #include "solver/engine/service_host.h"
 
@@ -14,7 +15,8 @@ void set_flag(int* err, bool answered) {
   if (err != nullptr) *err = answered ? 0 : 1;
 }
 
-/// Copies a text into a caller's buffer of QV_TEXT_CAPACITY characters. A text that does not fit is an error.
+/// Copies a text into a caller's buffer of QV_TEXT_CAPACITY characters. False if it does not fit; then nothing is
+/// written.
 bool copy_text(const std::wstring& text, int* length, wchar_t* buffer) {
   if (text.size() >= static_cast<size_t>(QV_TEXT_CAPACITY)) return false;
   std::copy(text.begin(), text.end(), buffer);
@@ -23,7 +25,7 @@ bool copy_text(const std::wstring& text, int* length, wchar_t* buffer) {
   return true;
 }
 
-/// Nothing may unwind through the C frames of a plug-in: a host that throws has failed to answer.
+/// Nothing may unwind through the C frames of a plug-in, so a host that throws counts as one that does not answer.
 template <class Request>
 bool answered(Request&& request) {
   try {
@@ -82,7 +84,7 @@ QV_SERVICE void GTUNTS(void* handle, double scale[5], void* names[5], int* err) 
 }
 
 QV_SERVICE void STEP(void*, double* value, int* err, double x, double x0, double h0, double x1, double h1) {
-  // Needs no model, hence no handle: kernels call it with a null one.
+  // The step needs no model, so the handle is not looked at: kernels pass a null one.
   const double s = (x - x0) / (x1 - x0);
   if (x <= x0) {
     *value = h0;

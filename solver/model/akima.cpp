@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace qvslv {
 
 namespace {
 
-/// Of the steepest slope: a difference of slopes below it is rounding, and no weight.
+/// Share of the steepest slope. Weights that sum up to less are rounding and decide nothing.
 constexpr double k_rounding = 1e-9;
 
 void check(const std::vector<double>& x, const std::vector<double>& y) {
@@ -28,7 +29,7 @@ void check(const std::vector<double>& x, const std::vector<double>& y) {
   }
 }
 
-/// Slopes between points, and two more on either side: entry i + 2 leads from point i to i + 1.
+/// Slopes between the points, with two more on either side. Entry i + 2 is the slope from point i to point i + 1.
 std::vector<double> extended_slopes(const std::vector<double>& x, const std::vector<double>& y) {
   const size_t pieces = x.size() - 1;
   std::vector<double> m(pieces + 4);
@@ -67,7 +68,7 @@ double AkimaSpline::operator()(double x, int order) const {
   }
   const auto behind = std::upper_bound(m_x.begin(), m_x.end(), x);
   const size_t i = std::min(static_cast<size_t>(behind - m_x.begin()), last) - 1;
-  // The cubic of this piece in powers of the way from its first point.
+  // The cubic of this piece in powers of s, the distance from its first point.
   const double width = m_x[i + 1] - m_x[i], s = x - m_x[i];
   const double mean = (m_y[i + 1] - m_y[i]) / width;
   const double c = (3 * mean - 2 * m_slope[i] - m_slope[i + 1]) / width;

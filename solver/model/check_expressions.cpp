@@ -1,6 +1,10 @@
 #include "solver/model/check_expressions.h"
 
+#include <vector>
+
+#include "solver/model/akima.h"
 #include "solver/model/expression.h"
+#include "solver/model/expression_scope.h"
 #include "solver/model/state_expression.h"
 
 namespace qvslv {

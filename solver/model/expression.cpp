@@ -1,6 +1,7 @@
 #include "solver/model/expression.h"
 
 #include <limits>
+#include <string>
 
 #include "solver/model/expression_parser.h"
 

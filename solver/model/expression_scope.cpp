@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <set>
 #include <stdexcept>
+#include <utility>
 
 #include "solver/model/expression_parser.h"
 #include "solver/model/nearest_name.h"
@@ -49,7 +49,7 @@ bool is_digit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0;
 bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 bool is_plain(const std::string& name) { return std::all_of(name.begin(), name.end(), continues_name); }
 
-/// Functions that the parser knows, and those made here.
+/// Names of the parser's functions and of those that are made here.
 std::vector<std::string> function_names() {
   mu::Parser parser;
   std::vector<std::string> names = {"step", "dif1", "dif2", "spline"};
@@ -70,7 +70,7 @@ std::vector<std::string> names_of(const Things& things) {
   return names_of(things, things.size());
 }
 
-/// Index of the thing with this name, k_none when there is none.
+/// Index of the thing with this name; k_none if there is none.
 template <class Things>
 int index_of(const Things& things, const std::string& name) {
   for (size_t i = 0; i < things.size(); ++i) {
@@ -79,7 +79,7 @@ int index_of(const Things& things, const std::string& name) {
   return k_none;
 }
 
-/// Markers under the names that a model file gives; the reader's own hold a dot.
+/// Markers that a model file names. Names that the reader makes up (of markers inside readable elements) hold a dot.
 std::vector<std::string> marker_names(const Model& model) {
   std::vector<std::string> names;
   for (const Marker& marker : model.markers) {
@@ -88,7 +88,7 @@ std::vector<std::string> marker_names(const Model& model) {
   return names;
 }
 
-/// One pass over a text, from left to right.
+/// Translates an expression in one pass over its text, from left to right.
 class Translation {
 public:
   Translation(const Expression& expression, const ExpressionScope& scope)
@@ -115,7 +115,8 @@ private:
     throw ModelError(m_expression.at, "in the expression \"" + m_text + "\": " + why);
   }
 
-  /// Names that cannot be read look like a difference, say, of others; tell it to who wrote one here.
+  /// A name such as `left-wheel` parses as a subtraction. If the text here matches such a name, says so instead of
+  /// "unknown name".
   void check_unreadable(size_t at, const std::vector<std::string>& known) const {
     for (const std::string& name : known) {
       if (is_plain(name) || m_text.compare(at, name.size(), name) != 0) continue;
@@ -221,7 +222,8 @@ private:
     replace(first, m_at, reading);
   }
 
-  /// Only the name is read here; the second argument is an expression like any other and is read on from its start.
+  /// Reads only the spline's name. The second argument is an expression like any other, so reading goes on at its
+  /// start.
   void read_spline(size_t first, size_t arguments) {
     const size_t comma = m_text.find_first_of(",()", arguments);
     if (comma == std::string::npos || m_text[comma] != ',') {
@@ -234,7 +236,7 @@ private:
     m_at = comma + 1;
   }
 
-  /// The arguments of a call that takes names, from behind its bracket; goes on behind the closing one.
+  /// Reads the arguments of a call that takes names, from `first` behind its opening bracket to the closing one.
   std::vector<std::string> read_names(size_t first, const std::string& function) {
     const size_t end = m_text.find(')', first);
     if (end == std::string::npos) fail("the bracket of " + function + " is not closed");
@@ -273,7 +275,7 @@ private:
     m_out.readings.push_back(reading);
   }
 
-  /// Writes over a stretch of the text and fills it up with blanks.
+  /// Writes a name over a stretch of the text and fills the rest of the stretch with blanks.
   void put(size_t from, size_t to, std::string name) {
     name.resize(std::max(name.size(), to - from), ' ');
     m_out.text.replace(from + m_shift, to - from, name);
@@ -286,7 +288,7 @@ private:
   const Model& m_model;
   TranslatedExpression m_out;
   size_t m_at = 0;
-  size_t m_shift = 0;  ///< by which short names have lengthened the text so far
+  size_t m_shift = 0;  ///< how much longer than the author's text the output is so far
 };
 
 }  // namespace

@@ -10,15 +10,15 @@
 
 namespace qvslv {
 
-/// The splines of a model, ready to be asked, in its order. Throws ModelError, at the spline, for points that make no
-/// curve.
+/// Makes the curves of a model's splines, in the order of Model::splines. Throws ModelError, at the spline, for points
+/// that make no curve.
 std::vector<AkimaSpline> make_splines(const Model& model);
 
-/// What an expression of states may name. The model and the splines outlive the expressions compiled with this.
+/// What an expression of states may name. The model and the splines must outlive expressions that are compiled with it.
 struct ExpressionScope {
   const Model& model;
   const std::vector<AkimaSpline>& splines;
-  size_t variables;  ///< so many variables, counted from the first, may be read
+  size_t variables;  ///< number of variables, counted from the first, that may be read
 };
 
 /// One number that an expression reads from the state.
@@ -26,21 +26,22 @@ struct StateReading {
   enum class Source { variable, equation, quantity };
   Source source = Source::variable;
   int index = 0;       ///< into Model::variables or Model::equations
-  int derivative = 0;  ///< of an equation
+  int derivative = 0;  ///< of an equation: 0 y, 1 y', 2 y''
   MarkerQuantity quantity;
-  std::string text;  ///< as it stands in the expression
+  std::string text;  ///< the reading as it stands in the expression
 };
 
-/// An expression in which everything read from the state has become a name of the parser's: `#0`, `#1`, ... for
-/// `readings`, and functions `#s0`, `#s1`, ... of one argument for splines. Blanks fill up what these are shorter, so
-/// that positions in the parser's messages count in the author's text.
+/// An expression in which the parser's own names replace everything that is read from the state: `#0`, `#1`, ... stand
+/// for `readings`, and the functions `#s0`, `#s1`, ... of one argument for splines. Blanks make up the difference in
+/// length, so that positions in the parser's messages are positions in the author's text.
 struct TranslatedExpression {
   std::string text;
   std::deque<StateReading> readings;
   std::vector<size_t> splines;  ///< indices into ExpressionScope::splines
 };
 
-/// Throws ModelError, at the expression, for names and calls that mean nothing, with the nearest known name.
+/// Replaces what an expression reads from the state. Throws ModelError, at the expression and with the nearest known
+/// name, for names and calls that mean nothing.
 TranslatedExpression translate(const Expression& expression, const ExpressionScope& scope);
 
 }  // namespace qvslv

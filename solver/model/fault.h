@@ -7,8 +7,8 @@
 namespace qvslv {
 
 /// Why a run has to end. Everything that can fail inside an evaluation (a user subroutine, a motion's expression)
-/// reports here instead of throwing through the integrator, which would take an exception for a step to be retried;
-/// the first report stands, and whoever drives the run looks after every step.
+/// reports here instead of throwing through the integrator, which would take an exception for a step to be retried.
+/// The first report stands, and whoever drives the run checks after every step.
 class Fault {
 public:
   void raise(RunOutcome outcome, const std::string& message) {

@@ -9,11 +9,12 @@
 
 #include "solver/model/vectors.h"
 
-/// A model as the engine needs it: every name resolved, every value checked. Plain data; made by the model file
-/// reader (solver/model_file.h), consumed by the engine, the recorder and `qvbrisk expand`.
+/// A model as the engine needs it: every name resolved, every value checked. It is plain data, made by the reader of
+/// model files (solver/read_model.h) and used by the engine, the recorder and `qvbrisk expand`. All values are in the
+/// model's units, angles in radians.
 namespace qvslv {
 
-/// A place in a model file, for messages. Line and column count from 1; 0 is "not known".
+/// A place in a model file, for messages. Line and column count from 1; 0 means "not known".
 struct FilePosition {
   std::string file;
   int line = 0;
@@ -31,24 +32,25 @@ public:
 constexpr int k_ground = -1;  ///< body index of the ground
 constexpr int k_none = -1;    ///< "no such index" for markers and joints
 
-/// A scalar function of time `t` (constants `pi` and those of [parameters] allowed), checked by the reader. In
-/// variables, equations and applied forces also of variables, equations and marker quantities; in motions of time
-/// alone. solver/expression.h and solver/state_expression.h list the functions.
+/// A scalar function as a text, checked by the reader. In motions it is a function of the time `t` alone; in variables,
+/// equations and applied forces also of variables, equations and marker quantities. expression.h and state_expression.h
+/// list what the text may hold.
 struct Expression {
   std::string text = "0";
   FilePosition at;
-  std::shared_ptr<const std::map<std::string, double>> parameters;  ///< [parameters]; null: none
+  std::shared_ptr<const std::map<std::string, double>> parameters;  ///< constants of [parameters]; null: none
 };
 
-/// About the centre of mass, in the body's axes [mass length^2].
-/// Entries of the inertia matrix: xx = integral of (y^2 + z^2) dm, xy = minus the integral of x y dm.
+/// Inertia about the centre of mass, in the body's axes [mass length^2], as entries of the inertia matrix:
+/// xx = integral of (y^2 + z^2) dm, xy = minus the integral of x y dm.
 struct Inertia {
   double xx = 0, yy = 0, zz = 0, xy = 0, xz = 0, yz = 0;
 };
 
 enum class ShapeKind { none, box, cylinder, sphere };
 
-/// How a body is drawn; also what the inertia helpers were given. Centred on the body's centre of mass.
+/// How a body is drawn. The shape is centred on the body's centre of mass; a model file may derive mass and inertia
+/// from it.
 struct Shape {
   ShapeKind kind = ShapeKind::none;
   Vec3 size = {0, 0, 0};  ///< box: full edge lengths
@@ -61,11 +63,11 @@ struct Body {
   int id = 0;  ///< also the id of a marker on its centre of mass with the body's axes
   std::string name;
   double mass = 0;
-  Vec3 center = {0, 0, 0};  ///< centre of mass in the body's frame
+  Vec3 center = {0, 0, 0};  ///< centre of mass, in the body's frame
   Inertia inertia;
   Shape shape;
-  // Start of a free body (one that no joint carries): place, axes and velocity of the body's frame (its origin, not
-  // the centre of mass), in ground axes; angular velocity in ground axes too.
+  // Where a free body (one that no joint carries) starts: position, axes and velocities of the body's frame in ground
+  // axes. Position and velocity are those of the frame's origin, not of the centre of mass.
   Vec3 position = {0, 0, 0};
   Rotation orientation = k_identity;
   Vec3 velocity = {0, 0, 0};
@@ -76,17 +78,23 @@ struct Body {
 struct Marker {
   int id = 0;
   std::string name;
-  int body = k_ground;  ///< index into Model::bodies, or k_ground
-  Vec3 position = {0, 0, 0};
-  Rotation orientation = k_identity;
+  int body = k_ground;                ///< index into Model::bodies, or k_ground
+  Vec3 position = {0, 0, 0};          ///< of its origin, in the body's frame
+  Rotation orientation = k_identity;  ///< its axes seen in the body's
   FilePosition at;
 };
 
-/// Coordinates of each kind, in this order (the joint frames are the two markers):
-///   weld -, revolute (pin) angle about z, slider travel along x, cylindrical angle about z then travel along z,
-///   universal angle about x then about the new y, planar angle about z then x then y, ball and free: see below.
-/// A ball or free joint starts from body-fixed xyz angles (ball), and those followed by x, y, z (free); their
-/// speeds are angular velocity then velocity, of the child marker in the parent marker's axes.
+/// Kinds of joints between two markers. Their coordinates [rad, length], in this order, are
+///   weld         none
+///   revolute     angle about z
+///   slider       travel along x
+///   cylindrical  angle about z, travel along z
+///   universal    angle about x, angle about the new y
+///   planar       angle about z, travel along the parent marker's x and y
+///   ball         body-fixed angles about x, y, z
+///   free         body-fixed angles about x, y, z, then travel along the parent marker's x, y, z
+/// The speeds are the coordinates' rates; but those of ball and free joints are the child marker's angular velocity and
+/// then (free) its velocity, in the parent marker's axes.
 enum class JointType { free, planar, slider, revolute, cylindrical, universal, ball, weld };
 
 enum class MotionLevel { position, velocity };
@@ -111,7 +119,7 @@ struct Joint {
 struct AppliedForce {
   int id = 0;  ///< elements and applied forces are numbered together with bodies and markers
   std::string name;
-  int marker = k_none;    ///< acts at this marker's origin
+  int marker = k_none;    ///< the force acts at this marker's origin
   int reaction = k_none;  ///< the opposite acts on this marker's body, at the same point; k_none: on nothing
   int axes = k_none;      ///< marker whose axes express the components; k_none: ground axes
   std::array<Expression, 3> force;
@@ -127,7 +135,7 @@ struct StringEntity {
 
 enum class ElementKind {
   force,      ///< result 0-2 is a force on `marker`, 3-5 a torque about it, in the axes of `axes`
-  evaluated,  ///< called whenever forces are, in file order, but not applied: others read what it leaves behind
+  evaluated,  ///< called whenever forces are, in file order, but not applied; others read what the call leaves behind
   report      ///< result is only recorded
 };
 
@@ -144,7 +152,7 @@ struct Equation {
   int id = 0;
   std::string name;
   int order = 1;
-  Expression right_side;  ///< unless an element gives it
+  Expression right_side;  ///< f, unless an element gives it
   int element = k_none;   ///< index into Model::elements, of kind `evaluated`: f is its result 0
   double value = 0;       ///< y at time 0
   double rate = 0;        ///< y' at time 0 (order 2)
@@ -159,11 +167,11 @@ struct Spline {
   FilePosition at;
 };
 
-/// Where the points of a contact grid stand in a result array (for pictures); count 0: none.
-/// A point is eight values: local force (shear 1, shear 2, normal), position, sinkage, dynamic sinkage.
+/// Where the points of a contact grid stand in a result array, for pictures. A point is eight values: local force
+/// (shear 1, shear 2, normal), position x, y, z, sinkage, dynamic sinkage.
 struct ContactPoints {
-  int first = 0;
-  int count = 0;
+  int first = 0;  ///< index of the first point's first value
+  int count = 0;  ///< number of points; 0: the element has none
 };
 
 /// One column of an element in results.csv.
@@ -179,40 +187,41 @@ struct Element {
   std::string subroutine;  ///< exported name
   ElementKind kind = ElementKind::force;
   std::vector<double> par;
-  std::vector<std::string> par_names;  ///< of a plain element: "marker:wheel" where par was a name, else empty
-  int marker = k_none;
+  std::vector<std::string> par_names;  ///< of a plain element: "marker:wheel" if the entry was a name, else empty
+  int marker = k_none;                 ///< forces: as in AppliedForce, and so the next two
   int reaction = k_none;
   int axes = k_none;
   int result_length = 0;
   std::vector<ResultColumn> columns;
   ContactPoints points;
-  int road_string = 0;  ///< id of the string that names the road file, 0: none (for pictures)
-  int road_marker = k_none;
+  int road_string = 0;       ///< for pictures: id of the string that names the road file, 0: none
+  int road_marker = k_none;  ///< for pictures: marker whose axes are the road's
   FilePosition at;
 };
 
-/// Only the first controls its error: it may reject a step and go back in time.
+/// Only runge_kutta_merson controls its error: it may reject a step and go back in time.
 enum class Integrator { runge_kutta_merson, runge_kutta_fixed, semi_explicit_euler };
-const char* integrator_name(Integrator integrator);  ///< as model files have it
+const char* integrator_name(Integrator integrator);  ///< its name in model files
 
 struct Simulation {
+  // Times in model units.
   double end_time = 0;
-  double output_step = 0;
-  double frame_step = 0;  ///< 0: a frame at every output
+  double output_step = 0;  ///< time between two rows of results.csv
+  double frame_step = 0;   ///< time between two frames of the picture; 0: a frame at every output
   Integrator integrator = Integrator::runge_kutta_merson;
-  double accuracy = 1e-4;
-  double step = 0;      ///< fixed-step: the step
-  double max_step = 0;  ///< error-controlled: 0 none
+  double accuracy = 1e-4;  ///< runge_kutta_merson: its error tolerance, relative
+  double step = 0;         ///< all others: their fixed step
+  double max_step = 0;     ///< runge_kutta_merson: longest step; 0: none
 };
 
-/// Names as in the model file (upper case) and what one model unit is in SI.
+/// The model's units: their names as in road files (upper case), and what one of each is in SI.
 struct Units {
   std::string length = "METER", mass = "KILOGRAM", time = "SECOND", force = "NEWTON", angle = "RADIAN";
   double length_factor = 1, mass_factor = 1, time_factor = 1, force_factor = 1, angle_factor = 1;
 };
 
 struct Model {
-  std::string path;  ///< of the model file
+  std::string path;  ///< path of the model file
   std::string title;
   Simulation simulation;
   Units units;
@@ -226,7 +235,7 @@ struct Model {
   std::vector<Variable> variables;  ///< a variable reads only those before it
   std::vector<Equation> equations;
   std::vector<Spline> splines;
-  std::vector<Element> elements;  ///< file order
+  std::vector<Element> elements;  ///< in file order
 };
 
 }  // namespace qvslv

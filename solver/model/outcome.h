@@ -9,18 +9,18 @@ enum class RunOutcome {
   finished,     ///< reached the end time
   interrupted,  ///< ctrl-C; results up to then are complete files
   stopped,      ///< a subroutine asked to stop (stop_solver)
-  failed        ///< a subroutine reported messages, the plug-in could not be loaded, the integrator gave up, ...
+  failed        ///< a subroutine reported a fault, the plug-in could not be loaded, the integrator gave up, ...
 };
 
 /// How a run went.
 struct RunSummary {
   RunOutcome outcome = RunOutcome::failed;
-  std::string message;  ///< empty when finished; else element name, time and the subroutine's text
-  double time = 0;      ///< reached, in model time
+  std::string message;  ///< empty if finished; else element name, time and the subroutine's text
+  double time = 0;      ///< time that was reached [model time]
   double wall_seconds = 0;
-  long steps = 0;                  ///< accepted by the integrator
-  long evaluations = 0;            ///< of the forces
-  std::vector<std::string> files;  ///< written, relative to the run's folder
+  long steps = 0;                  ///< steps that the integrator accepted
+  long evaluations = 0;            ///< evaluations of the forces
+  std::vector<std::string> files;  ///< files written, relative to the run's folder
 };
 
 }  // namespace qvslv

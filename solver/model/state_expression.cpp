@@ -1,7 +1,9 @@
 #include "solver/model/state_expression.h"
 
+#include <deque>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "solver/model/expression_parser.h"
 
@@ -13,7 +15,7 @@ constexpr const char* k_name_characters = "0123456789_abcdefghijklmnopqrstuvwxyz
 
 double call_spline(void* spline, double x) { return (*static_cast<const AkimaSpline*>(spline))(x); }
 
-/// The parser's words with its own names turned back into the author's.
+/// A message of the parser in which the names of the translation are turned back into the author's.
 std::string in_authors_words(std::string message, const TranslatedExpression& translated) {
   for (size_t k = translated.readings.size(); k-- > 0;) {
     const std::string name = "#" + std::to_string(k);
@@ -38,7 +40,7 @@ struct StateExpression::Compiled {
 
   mu::Parser parser;
   double time = 0;
-  std::deque<Slot> slots;  ///< the parser holds pointers to their values
+  std::deque<Slot> slots;  ///< a deque, because the parser holds pointers to the values
   bool constant = false;
   double constant_value = 0;
 };
@@ -64,7 +66,7 @@ StateExpression::StateExpression(const Expression& expression, const ExpressionS
     parser.SetExpr(translated.text);
     evaluate_once(parser, expression);
     m_compiled->constant = parser.GetUsedVar().empty();
-    m_compiled->constant_value = parser.Eval();  // also compiles again, which the question for names undid
+    m_compiled->constant_value = parser.Eval();  // GetUsedVar threw the compiled code away; this compiles again
   } catch (const mu::Parser::exception_type& error) {
     throw ModelError(expression.at, parser_complaint(expression.text, in_authors_words(error.GetMsg(), translated),
                                                      in_authors_words(error.GetToken(), translated)));

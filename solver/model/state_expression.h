@@ -1,12 +1,16 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
+#include "solver/model/akima.h"
 #include "solver/model/expression_scope.h"
+#include "solver/model/marker_quantity.h"
+#include "solver/model/model.h"
 
 namespace qvslv {
 
-/// Where expressions of states read: the state of the evaluation that is under way.
+/// What expressions read from: the state of the evaluation that is under way, in model units and radians.
 class StateReader {
 public:
   virtual ~StateReader() = default;
@@ -16,10 +20,11 @@ public:
   /// @param index       into Model::equations
   /// @param derivative  0 y, 1 y', 2 y''
   virtual double equation(int index, int derivative) const = 0;
+  /// A number of a marker, as MarkerQuantity says.
   virtual double quantity(const MarkerQuantity& wanted) const = 0;
 };
 
-/// A function of the state, ready to be called: what variables, equations and applied forces are made of.
+/// An expression of the state, compiled. Variables, equations and applied forces are made of these.
 ///
 /// The text may hold everything that CompiledExpression knows, and
 ///
@@ -36,16 +41,16 @@ public:
 /// expressions consist of letters, digits and underscores.
 class StateExpression {
 public:
-  /// Throws ModelError at the expression's position when the text is no such expression.
+  /// Throws ModelError at the expression's position if the text is no such expression.
   StateExpression(const Expression& expression, const ExpressionScope& scope);
   ~StateExpression();
   StateExpression(StateExpression&&) noexcept;
   StateExpression& operator=(StateExpression&&) noexcept;
 
-  /// The value at a state; not finite where the expression has none there. Throws nothing.
+  /// The value at a state; not finite if the expression has no value there. Throws nothing.
   double operator()(const StateReader& state) const;
 
-  /// True when the value depends on nothing.
+  /// True if the value depends neither on time nor on the state.
   bool constant() const;
 
 private:
@@ -53,7 +58,7 @@ private:
   std::unique_ptr<Compiled> m_compiled;
 };
 
-/// The expressions of a model's variables, each of which reads only those before it. Throws ModelError.
+/// Compiles the expressions of a model's variables, each of which may read only variables before it. Throws ModelError.
 std::vector<StateExpression> compile_variables(const Model& model, const std::vector<AkimaSpline>& splines);
 
 }  // namespace qvslv

@@ -3,11 +3,12 @@
 #include <array>
 #include <cmath>
 
-/// Vectors and rotations as plain arrays, for everything outside of the multibody engine.
+/// Vectors and rotations as plain arrays, for everything outside the multibody engine.
 namespace qvslv {
 
 using Vec3 = std::array<double, 3>;
-/// 3x3, column by column: entries 0-2 are the x axis of the inner frame seen in the outer one.
+/// 3x3 rotation from an inner frame to an outer one, column by column: entries 0-2 are the inner frame's x axis seen in
+/// the outer frame.
 using Rotation = std::array<double, 9>;
 constexpr Rotation k_identity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 
@@ -18,7 +19,7 @@ inline Vec3 cross(const Vec3& a, const Vec3& b) {
 }
 inline double length(const Vec3& a) { return std::sqrt(dot(a, a)); }
 
-/// `a` divided by its length; the zero vector when it has no length (or is no number).
+/// `a` divided by its length; the zero vector if the length is 0 or no number.
 inline Vec3 unit(const Vec3& a) {
   const double size = length(a);
   if (!(size > 0)) return {0, 0, 0};

@@ -9,8 +9,17 @@ namespace fs = std::filesystem;
 namespace {
 
 const std::vector<std::string> k_road_keys = {
-    "name",      "file",       "kind",  "seed", "size",          "corner",      "spacing",    "height",
-    "amplitude", "wavelength", "grade", "soil", "shear_modulus", "sensitivity", "damp_ratio", "boundary_sinkage"};
+    "name", "file", "kind", "seed", "size", "corner", "spacing", "height", "amplitude", "wavelength", "grade", "soil",
+    // values in place of the preset's
+    "shear_displacement", "shear_modulus", "sensitivity", "damp_ratio", "boundary_sinkage"};
+
+/// K of Wong's law, a length. Model files used to call it a modulus; that name is still read.
+double shear_displacement(const TableReader& table, double of_preset) {
+  if (!table.has("shear_modulus")) return table.positive("shear_displacement", of_preset);
+  if (table.has("shear_displacement"))
+    table.fail("shear_modulus", "give either shear_displacement or shear_modulus, its former name, not both");
+  return table.positive("shear_modulus");
+}
 
 void read_components(const TableReader& table, const char* key, std::array<Expression, 3>& components) {
   for (Expression& component : components) component.at = table.at();
@@ -51,7 +60,7 @@ RoadSettings read_road(const TableReader& table, const Units& units) {
   const std::string soil = table.choice("soil", soil_preset_names());
   road.soil = soil_in_units(*find_soil_preset(soil), units);
   road.soil_name = soil;
-  road.soil.shear_modulus = table.positive("shear_modulus", road.soil.shear_modulus);
+  road.soil.shear_displacement = shear_displacement(table, road.soil.shear_displacement);
   road.soil.sensitivity = table.positive("sensitivity", road.soil.sensitivity);
   road.soil.damp_ratio = table.number("damp_ratio", road.soil.damp_ratio);
   road.soil.boundary_sinkage = table.positive("boundary_sinkage", road.soil.boundary_sinkage);

@@ -5,13 +5,13 @@
 
 namespace qvslv {
 
-/// A field of a CSV file, quoted where it must be.
+/// A field of a CSV file, in quotes if its text needs them.
 std::string csv_field(const std::string& text);
 
-/// A line of a CSV file, its end included.
+/// A line of a CSV file with its line end.
 std::string csv_line(const std::vector<std::string>& fields);
 
-/// Numbers as the shortest texts that read back to the same bits; nan and inf where they are no numbers.
+/// A line of numbers, each as the shortest text that reads back to the same bits; nan and inf stand for themselves.
 std::string csv_line(const std::vector<double>& values);
 
 }  // namespace qvslv

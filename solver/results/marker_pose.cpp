@@ -1,8 +1,8 @@
 #include "solver/results/marker_pose.h"
 
-namespace qvslv {
+#include <array>
 
-namespace {}  // namespace
+namespace qvslv {
 
 Vec3 rotated(const Rotation& axes, const Vec3& v) {
   Vec3 out{};

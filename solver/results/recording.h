@@ -10,10 +10,10 @@
 
 namespace qvslv {
 
-/// Place of a body's centre of mass and its axes, in ground axes; quaternion w, x, y, z.
+/// Place and axes of a body, in ground axes.
 struct BodyPose {
-  Vec3 position = {0, 0, 0};
-  std::array<double, 4> quaternion = {1, 0, 0, 0};
+  Vec3 position = {0, 0, 0};                        ///< of the centre of mass
+  std::array<double, 4> quaternion = {1, 0, 0, 0};  ///< w, x, y, z; turns vectors of the body's axes into ground axes
 };
 
 /// One point of an element's contact grid, as it was at a frame.
@@ -21,12 +21,12 @@ struct ContactPointSample {
   int element = 0;               ///< index into Model::elements
   Vec3 position = {0, 0, 0};     ///< in ground axes
   Vec3 local_force = {0, 0, 0};  ///< shear 1, shear 2, normal
-  double sinkage = 0;            ///< negative in contact, 0 out of it
-  double dynamic_sinkage = 0;
+  double sinkage = 0;            ///< [length] negative in contact, 0 out of contact
+  double dynamic_sinkage = 0;    ///< [length]
   bool in_contact() const { return sinkage != 0; }
 };
 
-/// What a picture of one moment needs.
+/// What a picture of one moment needs. (Not a frame of reference.)
 struct Frame {
   double time = 0;
   std::vector<BodyPose> body_poses;  ///< one per body of the model
@@ -36,23 +36,23 @@ struct Frame {
 /// The patch mesh of a hydro force element.
 struct Hull {
   int element = 0;       ///< index into Model::elements
-  int marker = 0;        ///< frame of the mesh, index into Model::markers
-  int water_marker = 0;  ///< likewise, frame of the water
+  int marker = 0;        ///< index into Model::markers: the marker in whose frame the mesh is
+  int water_marker = 0;  ///< index into Model::markers: the marker in whose frame the water is
   int wave_string = 0;   ///< id of the string that names its WAVE file
-  int water = k_none;    ///< index into Recording::waters, k_none: its WAVE file cannot be read
-  TriangleMesh mesh;     ///< looks outwards
+  int water = k_none;    ///< index into Recording::waters; k_none: its WAVE file cannot be read
+  TriangleMesh mesh;     ///< its triangles face the water
 };
 
-/// Water as a WAVE file has it: its surface over x of a marker's frame whose z points up.
+/// Water from a WAVE file: its surface over the x axis of a marker whose z axis points up.
 struct Water {
   int marker = 0;  ///< index into Model::markers
-  WaveFile wave;   ///< without its velocities
+  WaveFile wave;   ///< the table without its velocities
 };
 
 /// A run as it can be drawn and plotted afterwards: what the recorder wrote to files, in memory.
 struct Recording {
   const Model* model = nullptr;
-  TriangleMesh terrain;  ///< all roads, in ground axes as at the start
+  TriangleMesh terrain;  ///< all roads in ground axes, in their places at the start
   std::vector<Hull> hulls;
   std::vector<Water> waters;
   std::vector<Frame> frames;

@@ -62,7 +62,7 @@ std::string scripts() {
   return text;
 }
 
-/// The template with the parts in place of its `<!--@name-->`. What a part holds is not looked into.
+/// The template with each `<!--@name-->` replaced by the part of that name. A part is not searched for further names.
 std::string filled(std::string_view page, const std::map<std::string_view, std::string>& parts) {
   constexpr std::string_view k_open = "<!--@", k_close = "-->";
   std::string text;

@@ -76,7 +76,7 @@ std::string run_record_text(const Model& model, const RunRecord& record) {
   json["steps"] = summary.steps;
   json["evaluations"] = summary.evaluations;
   json["files"] = summary.files;
-  // A text that is no UTF-8 (a subroutine's message) is kept readable instead of failing the run.
+  // A text that is no UTF-8 (a subroutine's message) must not fail the run: its bad bytes are replaced.
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 

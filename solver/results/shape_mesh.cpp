@@ -10,7 +10,7 @@ constexpr double k_pi = 3.141592653589793;
 
 TriangleMesh box_mesh(const Vec3& size) {
   TriangleMesh mesh;
-  for (int corner = 0; corner < 8; ++corner) {  // bits of the number: x, y, z at the far side
+  for (int corner = 0; corner < 8; ++corner) {  // bits 0, 1, 2 of the number say: on the +x, +y, +z side
     Vec3 p;
     for (size_t k = 0; k < 3; ++k) p[k] = (((corner >> k) & 1) != 0 ? 0.5 : -0.5) * size[k];
     mesh.points.push_back(p);
@@ -24,7 +24,7 @@ TriangleMesh box_mesh(const Vec3& size) {
   return mesh;
 }
 
-/// A point at angle `turn` around `axis`, `along` it.
+/// The point at the distance `radius` from an axis, at the angle `turn` around it and at `along` on it.
 Vec3 around(size_t axis, double radius, double turn, double along) {
   Vec3 p{};
   p[axis] = along;

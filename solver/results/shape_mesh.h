@@ -5,10 +5,10 @@
 
 namespace qvslv {
 
-/// Triangles of a shape around the origin, outside to the left when walked counter-clockwise. Empty for no shape.
-/// Round shapes are inscribed polygons of k_round_sides sides.
-TriangleMesh shape_mesh(const Shape& shape);
-
 constexpr int k_round_sides = 32;
+
+/// The surface of a shape around the origin, in the body's axes: triangles that are counter-clockwise seen from
+/// outside. Round shapes are inscribed polygons of k_round_sides sides. Empty for no shape.
+TriangleMesh shape_mesh(const Shape& shape);
 
 }  // namespace qvslv

@@ -1,6 +1,7 @@
 #include "solver/results/terrain_lookup.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr double k_infinity = std::numeric_limits<double>::infinity();
 
-/// The mesh with all nodes of one cube merged into their mean.
+/// The mesh in which the nodes within the same cube are merged into their mean.
 TriangleMesh merged(const TriangleMesh& mesh, double cube) {
   std::map<std::array<std::int64_t, 3>, int> cubes;
   std::vector<int> new_index;

@@ -2,29 +2,30 @@
 
 #include <vector>
 
-#include "solver/results/recording.h"
+#include "solver/model/triangle_mesh.h"
+#include "solver/model/vectors.h"
 
 namespace qvslv {
 
-/// Axis that points up: the one that gravity points against most, z without gravity. `sign` is -1 when gravity points
-/// along the positive axis.
+/// The ground axis that points up.
 struct UpAxis {
-  size_t index = 2;
-  double sign = 1;
+  size_t index = 2;  ///< 0 x, 1 y, 2 z
+  double sign = 1;   ///< -1 if up is the axis' negative direction
 };
+/// The axis along which gravity is greatest, against gravity; +z without gravity.
 UpAxis find_up(const Vec3& gravity);
 
-/// A mesh with about no more than `limit` triangles: nodes are merged in cubes that grow until it fits. A mesh that
-/// fits comes back as it is.
+/// A mesh with no more than `limit` triangles: nodes within the same cube are merged, in cubes that grow until the mesh
+/// is small enough. A mesh that is small enough comes back as it is.
 TriangleMesh thinned(const TriangleMesh& mesh, size_t limit);
 
-/// Finds the triangle of a terrain that is above or below a place.
+/// Finds the triangle of a terrain that is above or below a place, by a grid of cells over the plan.
 class TerrainLookup {
 public:
-  /// The mesh outlives this.
+  /// The mesh must outlive this object.
   TerrainLookup(const TriangleMesh& mesh, const UpAxis& up);
 
-  /// Unit normal, upwards, of a triangle over or under the place; straight up where there is none.
+  /// Unit normal, upwards, of a triangle above or below the place; straight up if there is no such triangle.
   Vec3 find_normal(const Vec3& place) const;
 
 private:
@@ -36,10 +37,10 @@ private:
 
   const TriangleMesh& m_mesh;
   UpAxis m_up;
-  size_t m_a, m_b;  ///< axes of the plan
+  size_t m_a, m_b;  ///< the two axes of the plan
   double m_a_min = 0, m_b_min = 0, m_cell = 1;
   size_t m_columns = 1, m_rows = 1;
-  std::vector<std::vector<size_t>> m_cells;  ///< triangles whose bounds touch them
+  std::vector<std::vector<size_t>> m_cells;  ///< per cell the triangles whose bounds touch it, row by row
 };
 
 }  // namespace qvslv

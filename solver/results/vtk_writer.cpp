@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
-#include "solver/data_files/road_mesh.h"
 #include "solver/results/hull_picture.h"
 #include "solver/results/marker_pose.h"
 #include "solver/results/shape_mesh.h"
@@ -19,7 +20,7 @@ namespace {
 
 constexpr const char* k_index_tail = "  </Collection>\n</VTKFile>\n";
 
-/// Text of a PolyData file in the making.
+/// Builds the text of a PolyData file.
 class PolyData {
 public:
   PolyData(const std::vector<Vec3>& points, const std::vector<std::array<int, 3>>& triangles, bool vertices) {
@@ -40,7 +41,7 @@ public:
   void begin(const char* section) { add("      <{}>\n", section); }
   void end(const char* section) { add("      </{}>\n", section); }
 
-  /// One value per point or cell; `count` values that `value(k)` gives.
+  /// Adds an array of `count` numbers, one per point or cell; `value(k)` gives the k-th.
   template <class Value>
   void scalars(const char* name, const char* type, size_t count, Value&& value) {
     open_array(type, name, 1);
@@ -94,7 +95,7 @@ private:
   fmt::memory_buffer m_text;
 };
 
-/// Frames of an earlier, longer run would stay behind and belong to no index.
+/// Removes the frames of an earlier run: if that was longer, some would stay behind and stand in no index.
 void remove_earlier_frames(const std::string& folder) {
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     const std::string name = entry.path().filename().string();
@@ -228,7 +229,7 @@ void VtkWriter::write_water(const Frame& frame, const std::string& name) {
   write_file(name, file.finish());
 }
 
-/// The new entries take the place of the closing tags, which follow them again.
+/// Writes the new entries over the closing tags, and the tags behind them again.
 void VtkWriter::index_frame(double time, const std::vector<std::string>& parts) {
   m_index.seekp(m_index_end);
   for (size_t k = 0; k < parts.size(); ++k) {

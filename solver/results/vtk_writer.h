@@ -4,31 +4,32 @@
 #include <string>
 #include <vector>
 
+#include "solver/model/triangle_mesh.h"
 #include "solver/results/recording.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
 
-/// Pictures of a run as VTK XML PolyData, for ParaView and its kin:
-///   frames/terrain.vtp            the roads, in their places of the start
+/// Writes pictures of a run as VTK XML PolyData for ParaView, all in ground axes:
+///   frames/terrain.vtp            the roads, in their places at the start
 ///   frames/bodies_000000.vtp ...  all bodies that have a shape; cells carry `body` (index in the model's order)
-///   frames/points_000000.vtp ...  contact points with sinkage, dynamic_sinkage, local_force (shear 1, shear 2,
-///   normal),
-///                                 force, normal_force, in_contact, element; written when an element has points
+///   frames/points_000000.vtp ...  contact points; they carry `sinkage`, `dynamic_sinkage`, `local_force` (shear 1,
+///                                 shear 2, normal), `force`, `normal_force`, `in_contact` and `element`; written if an
+///                                 element has points
 ///   frames/hulls_000000.vtp ...   patch meshes of hydro force elements; nodes carry `depth` under the water, cells
 ///                                 `wet` and `element` (index in the model's order)
-///   frames/water_000000.vtp ...   the waters' surfaces around the hulls; nodes carry `elevation`
+///   frames/water_000000.vtp ...   the surfaces of the waters around the hulls; nodes carry `elevation`
 ///   frames.pvd                    the index over time: parts bodies, points, hulls, water, terrain
-/// The index is complete after every frame. Throws std::runtime_error when a file cannot be written.
+/// The index is complete after every frame. Throws std::runtime_error if a file cannot be written.
 class VtkWriter {
 public:
-  /// @param recording  with its model, terrain, hulls and waters; outlives this
-  /// @param folder  of the run; frames/ is made inside
+  /// @param recording  holds model, terrain, hulls and waters already; must outlive this object
+  /// @param folder     of the run; frames/ is made inside
   VtkWriter(const Recording& recording, std::string folder);
 
   void write(const Frame& frame);
 
-  /// Written so far, relative to the folder.
+  /// Files written so far, relative to the folder.
   const std::vector<std::string>& files() const { return m_files; }
 
 private:
@@ -41,12 +42,12 @@ private:
 
   const Recording& m_recording;
   std::string m_folder;
-  std::vector<TriangleMesh> m_shapes;  ///< one per body, empty where it has none
+  std::vector<TriangleMesh> m_shapes;  ///< one per body; empty for a body without a shape
   bool m_has_terrain;
   bool m_has_points;
-  std::vector<WaterReach> m_reaches;  ///< so far, one per water
+  std::vector<WaterReach> m_reaches;  ///< per water what its hulls have covered so far
   std::ofstream m_index;
-  std::streampos m_index_end;  ///< before the closing tags
+  std::streampos m_index_end;  ///< position before the closing tags
   long m_frames = 0;
   std::vector<std::string> m_files;
 };

@@ -1,7 +1,11 @@
 #include "solver/results/water_surface.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 #include "solver/results/marker_pose.h"
 
@@ -9,10 +13,12 @@ namespace qvslv {
 
 namespace {
 
-constexpr double k_lengths_along = 3;  // drawn before and behind the hulls
+// How far beyond the hulls the water is drawn, in lengths of the reach.
+constexpr double k_lengths_along = 3;
 constexpr double k_lengths_across = 1;
 
-/// Columns [first, last] of the table that hold [low, high], at least `most` of them where there are as many.
+/// The columns [first, last] of a table that cover the positions [low, high]; at least `most` columns if the table has
+/// as many. Columns before `start` do not count.
 std::pair<size_t, size_t> choose_columns(const std::vector<double>& x, size_t start, double low, double high,
                                          size_t most) {
   const auto begin = x.begin() + static_cast<std::ptrdiff_t>(start);
@@ -20,7 +26,7 @@ std::pair<size_t, size_t> choose_columns(const std::vector<double>& x, size_t st
   size_t first = static_cast<size_t>(from - x.begin()), last = static_cast<size_t>(to - x.begin());
   if (first > start) --first;
   last = std::min(last, x.size() - 1);
-  first = std::min(first, last);  // an axis that does not increase may have them the other way round
+  first = std::min(first, last);  // on an axis that does not increase, they may come out in reverse
   const size_t columns = last - first + 1;
   if (columns >= most) return {first, last};
   const size_t missing = most - columns, before = std::min(missing / 2, first - start);

@@ -1,50 +1,56 @@
 #pragma once
 
+#include <array>
+#include <vector>
+
+#include "solver/model/model.h"
+#include "solver/model/triangle_mesh.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {
 
-/// Whether there is water at an x of the water marker's frame: on the table, and not below 0, where loads end.
+/// True if there is water at a position along the water marker's x axis: the position lies on the table and is not
+/// below 0, where the subroutines see no water.
 bool is_over(const Water& water, double x);
 
-/// Whether the water ever leaves its rest.
+/// True if the water ever leaves its rest.
 bool is_moving(const Water& water);
 
-/// Height of the surface over the water marker's x-y plane. Beyond the table in time or place its border is held.
+/// Height of the surface above the water marker's x-y plane. Beyond the table, in time or position, its border is held.
 double find_level(const Water& water, double time, double x);
 
 /// A rectangle of a water's plan, in the water marker's frame.
 struct PlanBox {
   std::array<double, 2> low = {0, 0}, high = {0, 0};
   bool empty = true;
-  void add(double x, double y);  ///< values that are no numbers count for nothing
+  void add(double x, double y);  ///< widens the box; values that are not finite do not count
   double diagonal() const;
 };
 
-/// What of a water's plan its hulls have taken up, and the largest diagonal that they had at one time.
+/// The part of a water's plan that its hulls have covered.
 struct WaterReach {
-  PlanBox box;
-  double length = 0;
+  PlanBox box;        ///< over all frames so far
+  double length = 0;  ///< largest diagonal that the hulls' box had in one frame
 };
 
-/// Widens the reach by where the hulls of a water are in a frame.
+/// Widens the reach by the places of a water's hulls in a frame.
 /// @param water  index into Recording::waters
 void widen(WaterReach& reach, const Recording& recording, size_t water, const Frame& frame);
 
-/// The part of a surface that is drawn: columns of the table, from edge to edge across.
+/// The part of a surface that is drawn, in the water marker's frame.
 struct WaterStrip {
-  std::vector<double> x;
-  double y_low = 0, y_high = 0;
+  std::vector<double> x;         ///< positions of the table's columns that are drawn
+  double y_low = 0, y_high = 0;  ///< edges across
 };
 
-/// A strip that covers the hulls and one length of the reach to either side. Along x it is the whole table where that
-/// has no more than `most` columns, else three lengths beyond the hulls or `most` columns, what is more; of those every
-/// so many-th, so that no more than about `most` remain.
+/// A strip that covers the hulls and, across, one length of the reach to either side. Along x it is the whole table if
+/// that has no more than `most` columns. Else it goes three lengths beyond the hulls, or over `most` columns if that is
+/// more, and columns are left out evenly until about `most` remain.
 WaterStrip choose_strip(const Water& water, const WaterReach& reach, size_t most);
 
-/// The surface at a moment, as triangles in ground axes that look up; the two nodes of each column follow each other.
-TriangleMesh sheet_mesh(const Model& model, const Water& water, const WaterStrip& strip, const Frame& frame);
+constexpr size_t k_water_columns = 400;  ///< about as many columns are drawn at most
 
-constexpr size_t k_water_columns = 400;
+/// The surface at a moment, as triangles in ground axes that face upwards. The two nodes of a column follow each other.
+TriangleMesh sheet_mesh(const Model& model, const Water& water, const WaterStrip& strip, const Frame& frame);
 
 }  // namespace qvslv

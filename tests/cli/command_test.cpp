@@ -232,12 +232,24 @@ TEST(Command, MadeRoadHasTheSameBytesForTheSameSeedInAnyProcess) {
 TEST(Command, SoilValuesOnTheCommandLineReplaceThePresets) {
   const fs::path folder = fresh_folder();
   const CommandResult made = run_command(
-      {"make", "road", "--soil", "LETE_sand", "--shear-modulus", "0.02", "--kc", "5", "--out", "a.rdf"}, folder);
+      {"make", "road", "--soil", "LETE_sand", "--shear-displacement", "0.02", "--kc", "5", "--out", "a.rdf"}, folder);
   EXPECT_EQ(made.code, 0) << made.err;
   const std::string text = file_text(folder / "a.rdf");
   EXPECT_THAT(text, HasSubstr("\nMAX_SHEAR_DISP=0.02\n"));
   EXPECT_THAT(text, HasSubstr("\nCOHESIVE_COEFF=5\n"));
   EXPECT_THAT(text, HasSubstr("\nFRICTIONAL_COEFF=5301000\n"));
+}
+
+TEST(Command, TheShearDisplacementIsReadUnderItsFormerNameToo) {
+  const fs::path folder = fresh_folder();
+  const CommandResult made =
+      run_command({"make", "road", "--soil", "LETE_sand", "--shear-modulus", "0.02", "--out", "a.rdf"}, folder);
+  EXPECT_EQ(made.code, 0) << made.err;
+  EXPECT_THAT(file_text(folder / "a.rdf"), HasSubstr("\nMAX_SHEAR_DISP=0.02\n"));
+  const CommandResult both = run_command(
+      {"make", "road", "--shear-modulus", "0.02", "--shear-displacement", "0.02", "--out", "b.rdf"}, folder);
+  EXPECT_EQ(both.code, 2);
+  EXPECT_THAT(both.err, HasSubstr("--shear-modulus excludes --shear-displacement"));
 }
 
 TEST(Command, SoilListNamesItsSource) {

@@ -35,12 +35,10 @@ public:
     for (std::size_t c = 0; c < 3; ++c) values[c] = seen[c];
     return true;
   }
-  bool scalar_quantity(const char*, const int*, int, double&) override { return false; }
   bool string_entity(int, std::wstring& text) override {
     text.swap(file);  // a fault in the middle of a copy would be this host's, not the library's
     return true;
   }
-  bool model_path(std::wstring&) override { return false; }
   void stop(const char* message) override {
     ++stops;
     stop_had_text = message != nullptr;
@@ -52,9 +50,6 @@ public:
     if (count > 0) std::snprintf(first_message, sizeof first_message, "%s", messages[0]);
     for (int i = 0; i < count; ++i) delete[] messages[i];
   }
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 
 private:
   const marker_state& state_of(int id, const marker_state& ground) const {

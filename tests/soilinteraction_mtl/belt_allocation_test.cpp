@@ -42,7 +42,6 @@ public:
     text.swap(file);  // a fault in the middle of a copy would be this host's, not the library's
     return true;
   }
-  bool model_path(std::wstring&) override { return false; }
   void stop(const char* message) override {
     ++stops;
     stop_had_text = message != nullptr;
@@ -54,9 +53,6 @@ public:
     if (count > 0) std::snprintf(first_message, sizeof first_message, "%s", messages[0]);
     for (int i = 0; i < count; ++i) delete[] messages[i];
   }
-  bool spline(double, double, int, int, double&) override { return false; }
-  bool units(double*, void**) override { return false; }
-  bool mass(int, double&) override { return false; }
 };
 
 constexpr int k_nodes = 3;

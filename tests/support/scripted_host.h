@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "solver/engine/service_host.h"
@@ -22,8 +23,9 @@ struct marker_state {
   vec3 angular_velocity = {0, 0, 0};  // in ground axes
 };
 
-/// A host with scripted answers. Every request is answered from the tables below; what is not there fails (the error
-/// flag is set and the output stays) and is counted. Markers that a request leaves out are the ground.
+/// A host with scripted answers. Every request is answered from the tables below. A request for something that they do
+/// not hold is not answered (the error flag is set and the output stays) and is counted. Markers that a request leaves
+/// out are the ground.
 class ScriptedHost : public qvslv::ServiceHost {
 public:
   std::map<int, marker_state> markers;
@@ -35,12 +37,12 @@ public:
   std::map<int, std::function<double(double)>> splines;   // by id: the value at x
   std::optional<std::array<double, 5>> unit_scale;        // length, mass, time, force, angle
 
-  /// Called before every request is answered, with its name and first id (0 where it has none).
+  /// Called before every request is answered, with its name and first id (0 if it has none).
   std::function<void(const std::string& name, int id)> before_request;
   std::vector<std::string> requests;  // "AM 1 3", in order, when `log` is set
   bool log = false;
   int unanswered = 0;
-  bool units_were_zeroed = true;   // the arrays handed over whenever units were asked for
+  bool units_were_zeroed = true;   // whether both arrays were zero whenever units were asked for
   std::vector<std::string> stops;  // "(null)" for a null text
   struct report {
     std::string title;

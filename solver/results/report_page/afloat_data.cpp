@@ -9,7 +9,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The frame of a marker as its body carries it: about the centre of mass, and on the ground from the page's origin.
+/// Place and axes of a marker in the frame of its body, counted from the centre of mass; for a marker on the ground,
+/// counted from the page's origin.
 MarkerPose pose_on_body(const Model& model, int marker, const Vec3& origin) {
   const Marker& at = model.markers[static_cast<size_t>(marker)];
   const Vec3 middle = at.body == k_ground ? origin : model.bodies[static_cast<size_t>(at.body)].center;

@@ -3,21 +3,23 @@
 #include <cstdint>
 #include <vector>
 
+#include "solver/results/recording.h"
 #include "solver/results/report_page/page_parts.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
 
-/// Hulls and waters as the page has them (page_data.h lists the arrays). In its JSON
-///   hulls   [{element, body, nodes, patches}]: nodes and patches are counts, taken from the arrays hull after hull
+/// Collects what the page holds about hulls and waters. page_data.h lists the arrays; the JSON holds
+///   hulls   [{element, body, nodes, patches}]: nodes and patches are counts; the arrays hold them hull after hull
 ///   waters  [{body, place, axes, y, columns}]: place and axes (x, y, z one after the other) of the water marker in the
-///           frame of its body, or in the ground's; y: the sheet's edges; columns: their number
+///           frame of its body, or in the ground's; y: edges of the sheet; columns: their number
 class AfloatData {
 public:
-  /// @param recording  outlives this; sheets are cut to what all of its frames need
+  /// @param recording  must outlive this object; the sheets of water are cut to what all of its frames need
+  /// @param origin     of the page, in ground axes
   AfloatData(const Recording& recording, const Vec3& origin);
 
-  /// Bytes that a frame adds to the arrays.
+  /// Number of bytes that a frame adds to the arrays.
   size_t frame_bytes() const { return 4 * m_x.size() + (m_patches + 7) / 8; }
 
   void append(const Frame& frame);

@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "solver/model/model.h"
 #include "solver/results/recording.h"
 
 namespace qvslv {
 
 /// Force of an element on its body, in ground axes.
 struct ElementLoad {
-  Vec3 place = {0, 0, 0};
+  Vec3 place = {0, 0, 0};  ///< where the force is drawn
   Vec3 force = {0, 0, 0};
 };
 
@@ -23,14 +24,15 @@ public:
   /// Indices into Model::elements.
   const std::vector<int>& elements() const { return m_elements; }
 
-  /// One per element, from the row with the frame's time; no force without such a row. Points that touch the ground
-  /// draw the place to where they carry, weighed by normal force; else it is the element's marker.
+  /// The loads of all elements at a frame, from the row with the frame's time; without such a row the forces are 0. The
+  /// place of a load is the mean of the element's points in contact, weighed by normal force, or else the element's
+  /// marker.
   std::vector<ElementLoad> find_loads(const Frame& frame, const std::vector<std::vector<double>>& rows) const;
 
 private:
   const Model& m_model;
   std::vector<int> m_elements;
-  std::vector<std::array<size_t, 3>> m_columns;  ///< of the force, one per element
+  std::vector<std::array<size_t, 3>> m_columns;  ///< per element the columns of the force
 };
 
 }  // namespace qvslv

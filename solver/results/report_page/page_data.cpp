@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "solver/model/units.h"
 #include "solver/results/contact_axes.h"
@@ -64,7 +65,7 @@ void add_model(PageParts& page, const Model& model) {
   }
 }
 
-/// Around here everything happens: the middle of the terrain, else where the first body starts.
+/// A point near everything that happens: the middle of the terrain, or else the place where the first body starts.
 Vec3 choose_origin(const Recording& recording) {
   if (recording.terrain.points.empty()) {
     const bool posed = !recording.frames.empty() && !recording.frames[0].body_poses.empty();
@@ -101,7 +102,7 @@ void add_terrain(PageParts& page, const TriangleMesh& terrain, const Vec3& origi
   page.add("terrain_triangles", "u32", triangles);
 }
 
-/// Every how many-th of `count` items fits into a budget.
+/// The stride at which items that take `bytes` altogether fit into a budget.
 size_t stride_for(size_t bytes, size_t budget) {
   return bytes <= budget ? 1 : (bytes - 1) / std::max<size_t>(budget, 1) + 1;
 }
@@ -111,7 +112,7 @@ size_t touching(const Frame& frame) {
                                            [](const ContactPointSample& point) { return point.in_contact(); }));
 }
 
-/// Multiples of the stride, and the last one: a run is looked at for how it ended.
+/// Indices that are multiples of the stride, and the last index, because a user wants to see how a run ended.
 std::vector<size_t> kept(size_t count, size_t stride) {
   std::vector<size_t> indices;
   for (size_t k = 0; k < count; k += stride) indices.push_back(k);

@@ -10,7 +10,7 @@
 
 namespace qvslv {
 
-/// The data of a page in the making: JSON, and arrays beside it.
+/// Collects the data of a page: JSON, and arrays beside it.
 struct PageParts {  // NOLINT(bugprone-exception-escape): the JSON library's move is not marked noexcept
   nlohmann::ordered_json json;
   std::string arrays;

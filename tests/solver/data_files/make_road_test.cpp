@@ -253,7 +253,7 @@ TEST(SoilPresets, AllCarryLoadAndShear) {
     EXPECT_GT(preset.soil.cohesive_coeff / 0.3 + preset.soil.frictional_coeff, 0);
     EXPECT_GT(preset.soil.friction_angle, 0);
     EXPECT_LT(preset.soil.friction_angle, 45);
-    EXPECT_GT(preset.soil.shear_modulus, 0);
+    EXPECT_GT(preset.soil.shear_displacement, 0);
     EXPECT_GT(preset.soil.sensitivity, 0);
   }
 }

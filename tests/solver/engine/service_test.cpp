@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "qvbrisk/services.h"
+#include "solver/engine/service_host.h"
 #include "tests/solver/test_hook.h"
 #include "tests/solver/test_model.h"
 
@@ -64,7 +67,7 @@ struct Scene {
   }
 };
 
-/// Elements named after a quantity and anything behind a blank ask for it with their parameters as ids.
+/// A script for elements that are named "QUANTITY_anything": each asks for the quantity with its parameters as ids.
 Script asking_script(const TestModel& built) {
   return Script([&built](const HookCall& call) {
     for (const Element& element : built.model.elements) {
@@ -87,7 +90,7 @@ Script asking_script(const TestModel& built) {
   });
 }
 
-/// The ask of one quantity with 1, 2 and 3 ids, results by number of ids.
+/// Runs the scene with three elements that ask for a quantity with one, two and three ids.
 TestRun ask_all(Scene& scene, const std::string& quantity, int values) {
   const int m = scene.built.marker_id(scene.on_arm);
   const int r = scene.built.marker_id(scene.on_block);
@@ -104,6 +107,39 @@ TestRun ask_all(Scene& scene, const std::string& quantity, int values) {
 constexpr double k_tolerance = 2e-8;
 // Prescribed speeds are fourth-order differences: h^4/30 f^(5) = 1e-12/30 * 0.2*3^5 and rounding 1e-16/1e-3.
 constexpr double k_speed_tolerance = 2e-8 + 1e-11;
+
+/// A host that overrides no request.
+class SilentHost : public ServiceHost {
+public:
+  void stop(const char*) override {}
+  void throw_error(const char*, int, char**) override {}
+};
+
+TEST(Services, AHostAnswersNoRequestThatItDoesNotOffer) {
+  SilentHost host;
+  void* const handle = static_cast<ServiceHost*>(&host);
+  const int id = 1;
+  const auto is_refused = [](const auto& request) {
+    int flag = 0;
+    request(&flag);
+    return flag != 0;
+  };
+  double values[5] = {7, 7, 7, 7, 7};
+  void* names[5] = {};
+  int count = 3, length = 7;
+  wchar_t text[QV_TEXT_CAPACITY] = L"kept";
+  EXPECT_TRUE(is_refused([&](int* flag) { sysary(handle, "TDISP", &id, 1, values, &count, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { sysfnc(handle, "VARVAL", &id, 1, values, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { get_string_s(handle, id, &length, text, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { GET_QVSPATH_S(handle, &length, text, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { AKISPL(handle, 1.0, 0.0, id, 0, values, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { GTUNTS(handle, values, names, flag); }));
+  EXPECT_TRUE(is_refused([&](int* flag) { get_mass(handle, &id, 1, values, flag); }));
+  for (const double value : values) EXPECT_EQ(value, 7);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(length, 7);
+  EXPECT_STREQ(text, L"kept");
+}
 
 TEST(Services, DisplacementLeadsFromTheReferenceToTheMarker) {
   Scene scene(2.0, 0.25);

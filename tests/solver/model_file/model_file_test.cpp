@@ -198,7 +198,23 @@ TEST(ModelFile, SoilOfARoadIsConvertedToTheModelsUnits) {
   const double newton_per_mm2 = (mm.cohesive_coeff / 200 + mm.frictional_coeff) * std::pow(50, n);
   EXPECT_NEAR(newton_per_mm2, pascal * 1e-6, pascal * 1e-6 * 1e-13);
   EXPECT_NEAR(mm.cohesion, si.cohesion * 1e-6, 1e-15);
-  EXPECT_NEAR(mm.shear_modulus, si.shear_modulus * 1000, 1e-12);
+  EXPECT_NEAR(mm.shear_displacement, si.shear_displacement * 1000, 1e-12);
+}
+
+TEST(ModelFile, TheShearDisplacementOfARoadIsReadUnderItsFormerNameToo) {
+  const auto with = [](const std::string& keys) {
+    return qvslv::read_model_text(changed("soil = \"dry_sand\"", "soil = \"dry_sand\"\n" + keys), "model.toml");
+  };
+  for (const char* key : {"shear_displacement", "shear_modulus"})
+    EXPECT_EQ(with(key + std::string(" = 0.02")).roads.at(0).settings.soil.shear_displacement, 0.02) << key;
+  try {
+    with("shear_displacement = 0.02\nshear_modulus = 0.02");
+    ADD_FAILURE() << "both were read";
+  } catch (const qvslv::ModelError& error) {
+    EXPECT_STREQ(error.what(),
+                 "model.toml:25:17: road 'field', shear_modulus: give either shear_displacement or "
+                 "shear_modulus, its former name, not both");
+  }
 }
 
 TEST(ModelFile, OutputStepIsATwoHundredthOfTheTimeUnlessGiven) {
