@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/kernels/vectors.h"
-#include "soilinteraction_mtl/contact_records_mtl.h"
+#include "soilinteraction_mtl/contact_records.h"
 
 /// Lays the belt over the circles of the nodes and the contact points on the belt. All positions from marker R, in its
 /// axes.

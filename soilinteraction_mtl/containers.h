@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "common/call/parameters.h"
-#include "soilinteraction_mtl/contact_records_mtl.h"
+#include "soilinteraction_mtl/contact_records.h"
 
 /// State of the track module, indexed by road and track; it lives from load to unload and the first set-up call sizes
 /// it for good.

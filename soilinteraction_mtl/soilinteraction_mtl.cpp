@@ -4,8 +4,8 @@
 #include <exception>
 
 #include "common/call/entry_frame.h"
-#include "soilinteraction_mtl/evaluation_mtl.h"
-#include "soilinteraction_mtl/set_up_mtl.h"
+#include "soilinteraction_mtl/evaluation.h"
+#include "soilinteraction_mtl/set_up.h"
 
 namespace qvsoilinteractionmtl {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "soilinteraction_mtl/contact_search_mtl.h"
-#include "soilinteraction_mtl/parameters_mtl.h"
+#include "soilinteraction_mtl/contact_search.h"
+#include "soilinteraction_mtl/parameters.h"
 
 /// Where the vehicle, the road and the nodes are at one call, and the belt over them.
 namespace qvsoilinteractionmtl {

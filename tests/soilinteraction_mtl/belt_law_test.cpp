@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "soilinteraction_mtl/recorded_fault.h"
-#include "soilinteraction_mtl/soil_force_mtl.h"
+#include "soilinteraction_mtl/soil_force.h"
 #include "tests/soilinteraction/law_probe.h"
 
 // The laws of one belt point against their formulas written out here, the split to the nodes, the records.

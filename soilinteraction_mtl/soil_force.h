@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "soilinteraction/soil_laws.h"
-#include "soilinteraction_mtl/contact_records_mtl.h"
+#include "soilinteraction_mtl/contact_records.h"
 
 /// Pressure and shear of the soil under a belt point, and their split to the two nodes of its span. The laws are those
 /// of a plate of length L and width b; only the width that enters Bekker's law differs.

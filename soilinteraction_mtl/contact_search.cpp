@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/contact_search_mtl.h"
+#include "soilinteraction_mtl/contact_search.h"
 
 #include <algorithm>
 #include <cmath>

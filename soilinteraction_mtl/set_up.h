@@ -1,6 +1,6 @@
 #pragma once
 
-#include "soilinteraction_mtl/parameters_mtl.h"
+#include "soilinteraction_mtl/parameters.h"
 
 /// The one-time set-up of a track: its road, its records, the module's containers.
 namespace qvsoilinteractionmtl {

@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/set_up_mtl.h"
+#include "soilinteraction_mtl/set_up.h"
 
 #include <algorithm>
 #include <utility>

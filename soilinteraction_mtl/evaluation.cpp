@@ -1,10 +1,10 @@
-#include "soilinteraction_mtl/evaluation_mtl.h"
+#include "soilinteraction_mtl/evaluation.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "soilinteraction_mtl/belt_geometry.h"
-#include "soilinteraction_mtl/soil_force_mtl.h"
+#include "soilinteraction_mtl/soil_force.h"
 
 namespace qvsoilinteractionmtl {
 namespace {

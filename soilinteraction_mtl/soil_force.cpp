@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/soil_force_mtl.h"
+#include "soilinteraction_mtl/soil_force.h"
 
 #include "soilinteraction_mtl/recorded_fault.h"
 
