@@ -12,6 +12,8 @@
 /// a converged step; the rest is rewritten at every evaluation.
 namespace qvsoilinteraction {
 
+constexpr int k_plate = 1;  ///< shape of a body; any other value is a wheel
+
 /// A power that is often asked for with the arguments of the time before.
 class remembered_power {
 public:

@@ -236,7 +236,7 @@ void get_contact_info(void* handle, const CRoad& road, int shape, const kinemati
                       contact_block& block, char** msg) {
   const search_point* points = block.near;
   const int count = find_contacts(handle, road, k, frames, block, msg);
-  if (shape != 1) set_wheel_ratios(k, block, points, count);
+  if (shape != k_plate) set_wheel_ratios(k, block, points, count);
   for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
   for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);
 }

@@ -13,24 +13,25 @@ using qvsoilrdf::CRoad;
 
 /// Force, moment and area, as they stand at the head of the result array.
 struct totals {
-  double values[k_totals] = {};
+  double values[QV_SOIL_RESULT_LENGTH] = {};
 
   void add(const Csoil_contact& sc) {
     for (int c = 0; c < 3; ++c) {
-      values[c] += sc.force[c];
-      values[3 + c] += sc.moment[c];
+      values[QV_SOIL_RESULT_FORCE + c] += sc.force[c];
+      values[QV_SOIL_RESULT_MOMENT + c] += sc.moment[c];
     }
-    values[6] += sc.effective_area;
+    values[QV_SOIL_RESULT_AREA] += sc.effective_area;
   }
 };
 
+/// Fills a point's values but for its position, which is written out of contact too.
 void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point) {
-  qv::assgvec(sc.local_force, 3, point);
-  point[6] = rc.sinkage;
-  point[7] = sc.dynamic_sinkage;
+  qv::assgvec(sc.local_force, 3, point + QV_SOIL_POINT_LOCAL_FORCE);
+  point[QV_SOIL_POINT_SINKAGE] = rc.sinkage;
+  point[QV_SOIL_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
 }
 
-/// One call's way over the points of an element, in blocks.
+/// Takes the points of an element through one call, block by block.
 class evaluation {
 public:
   evaluation(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k, double* result,
@@ -68,7 +69,7 @@ private:
     Csoil_contact* soil[k_block];
   };
 
-  /// Places the next block, so that its triangles come from memory while the one before is finished.
+  /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
   void advance(work*& now, work*& next) {
     place_points(road_, k_, next->block, ierr_, msg_);
     finish(*now);
@@ -78,15 +79,15 @@ private:
   void finish(work& w) {
     contact_block& block = w.block;
     get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block, msg_);
-    // A body without width is refused at its first point in contact; what comes before stands in the result.
+    // A body without width is refused at its first point in contact. The points before it are in the result already.
     const int end = law_.bekker.b == 0.0 ? first_in_contact(block) : block.count;
     load_points(w, 0, end);
     totals sum;
-    qv::assgvec(result_, k_totals, sum.values);
-    for (int b = 0; b < end; ++b, point_ += k_values_per_point) {
+    qv::assgvec(result_, QV_SOIL_RESULT_LENGTH, sum.values);
+    for (int b = 0; b < end; ++b, point_ += QV_SOIL_POINT_LENGTH) {
       Croad_contact& rc = *block.points[b];
       Csoil_contact& sc = *w.soil[b];
-      qv::assgvec(rc.position, 3, point_ + 3);
+      qv::assgvec(rc.position, 3, point_ + QV_SOIL_POINT_POSITION);
       if (block.in_contact[b]) {
         genenralized_contact_force(rc, sc);
         sum.add(sc);
@@ -94,7 +95,7 @@ private:
       }
       if (iflag_ == 2) advance_history(block.in_contact[b], sc, rc);
     }
-    qv::assgvec(sum.values, k_totals, result_);
+    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, result_);
     if (end < block.count) load_points(w, end, end + 1);
     block.count = block.near_count = 0;
   }
@@ -124,7 +125,7 @@ private:
   soil_law law_;
   frame_maker frames_;
   double* result_;
-  double* point_ = result_ + k_totals;  ///< where the next point's values go
+  double* point_ = result_ + QV_SOIL_RESULT_LENGTH;  ///< next point's place in the result array
   int& ierr_;
   char** msg_;
   work work_[2];
@@ -153,7 +154,7 @@ void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteracti
     for (int j = 0; j < patch.ny; ++j) {
       const auto row = static_cast<std::size_t>(i), column = static_cast<std::size_t>(j);
       element.road_contacts[row][column].Calculation_Si_prime(i, j, patch.shape, patch.a, patch.w, patch.nx, patch.ny);
-      element.soil_contacts[row][column].soil_type = road.soil_type;  // constant from here on: a road is read once
+      element.soil_contacts[row][column].soil_type = road.soil_type;  // never changes: a road is read once
     }
   }
 }

@@ -48,7 +48,7 @@ struct contact_patch {
 inline double get_effective_area(const contact_patch& patch, double area_ratio) {
   constexpr double k_pi = 3.141592653589793;
   const double points = static_cast<double>(patch.nx) * static_cast<double>(patch.ny);
-  const double length = patch.shape == 1 ? area_ratio * patch.a : area_ratio * (2.0 * patch.a) * k_pi;
+  const double length = patch.shape == k_plate ? area_ratio * patch.a : area_ratio * (2.0 * patch.a) * k_pi;
   return length * patch.w / points;
 }
 

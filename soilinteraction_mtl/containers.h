@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/call/parameters.h"
+#include "qvbrisk/layouts.h"
 #include "soilinteraction_mtl/contact_records.h"
 
 /// State of the track module, indexed by road and track; it lives from load to unload and the first set-up call sizes
@@ -18,8 +19,8 @@ constexpr std::size_t k_tracks_per_road = 1;
 template <class Entry>
 using by_road_and_track = std::vector<std::vector<Entry>>;
 
-using contact_sum = std::array<double, 4>;  ///< force x, y, z on the belt, area
-using node_sum = std::array<double, 6>;     ///< force x, y, z, then three zeros
+using contact_sum = std::array<double, QV_TRACK_SUM_RESULT_LENGTH>;  ///< force x, y, z on the belt, area
+using node_sum = std::array<double, QV_TRACK_SHARE_LENGTH>;          ///< force x, y, z, then three zeros
 
 extern std::vector<qvsoilrdf::CRoad> s_3Dsoil_roads;
 extern by_road_and_track<track_records> s_MTLsoil_forces;
@@ -35,12 +36,12 @@ extern by_road_and_track<std::vector<double>> s_MTLsoil_Input;
 /// The entry of a road and a track, null while the container is empty. An index outside a container that is filled is
 /// a fault that names it.
 template <class Entry>
-Entry* entry_or_null(by_road_and_track<Entry>& container, int road, const char* road_quantity, int track,
-                     const char* track_quantity, const qv::fault_channel& channel) {
+Entry* entry_or_null(by_road_and_track<Entry>& container, int road, const qv::parameter& road_entry, int track,
+                     const qv::parameter& track_entry, const qv::fault_channel& channel) {
   if (container.empty()) return nullptr;
-  qv::check_index(road, container.size(), road_quantity, channel);
+  qv::check_index(road, container.size(), road_entry, channel);
   auto& tracks = container[static_cast<std::size_t>(road)];
-  qv::check_index(track, tracks.size(), track_quantity, channel);
+  qv::check_index(track, tracks.size(), track_entry, channel);
   return &tracks[static_cast<std::size_t>(track)];
 }
 

@@ -63,8 +63,8 @@ class block_sums {
 public:
   block_sums(const double* result, const track_sums& sums, int span, int nodes)
       : node_(static_cast<std::size_t>(span)), first_span_(span == 0), last_span_(span == nodes - 2) {
-    std::copy_n(result, 3, local_);
-    std::copy_n(sums.contact.begin(), 4, contact_);
+    std::copy_n(result + QV_TRACK_RESULT_SHEAR_1, 3, local_);
+    std::copy_n(sums.contact.begin(), QV_TRACK_SUM_RESULT_LENGTH, contact_);
     std::copy_n(sums.shear.begin(), 3, shear_);
     std::copy_n(sums.normal[node_].begin(), 3, start_);
     std::copy_n(sums.normal[node_ + 1].begin(), 3, end_);
@@ -75,17 +75,17 @@ public:
     const double* second = first_span_ ? k_none : sc2.normal_share;
     for (int c = 0; c < 3; ++c) {
       local_[c] += sc.local_force[c];
-      contact_[c] += sc.force[c];
+      contact_[QV_TRACK_SUM_RESULT_FORCE + c] += sc.force[c];
       shear_[c] += sc2.shear_share[c] + sc.shear_share[c];
       start_[c] += sc.normal_share[c] + second[c];
       end_[c] += sc2.normal_share[c];
     }
-    contact_[3] += sc.effective_area;
+    contact_[QV_TRACK_SUM_RESULT_AREA] += sc.effective_area;
   }
 
   void store(double* result, const track_sums& sums) const {
-    std::copy_n(local_, 3, result);
-    std::copy_n(contact_, 4, sums.contact.begin());
+    std::copy_n(local_, 3, result + QV_TRACK_RESULT_SHEAR_1);
+    std::copy_n(contact_, QV_TRACK_SUM_RESULT_LENGTH, sums.contact.begin());
     std::copy_n(shear_, 3, sums.shear.begin());
     std::copy_n(start_, 3, sums.normal[node_].begin());
     if (last_span_) std::copy_n(end_, 3, sums.normal[node_ + 1].begin());
@@ -94,7 +94,7 @@ public:
 private:
   std::size_t node_;
   bool first_span_, last_span_;
-  double local_[3], contact_[4], shear_[3], start_[3], end_[3];
+  double local_[3], contact_[QV_TRACK_SUM_RESULT_LENGTH], shear_[3], start_[3], end_[3];
 };
 
 /// One call's way over the points of a track, span by span, in blocks.
@@ -113,7 +113,7 @@ public:
         frames_(road, state.motion.k),
         sums_(sums),
         result_(result),
-        values_(result + k_totals),
+        values_(result + QV_TRACK_RESULT_LENGTH),
         ierr_(ierr),
         msg_(msg) {}
 
@@ -126,7 +126,7 @@ public:
       const int columns = start.nLat;
       int shared = 0;
       if (i > 0) {  // the first row is the last one of the span before
-        values_ -= static_cast<std::ptrdiff_t>(k_values_per_point) * columns;
+        values_ -= static_cast<std::ptrdiff_t>(QV_TRACK_POINT_LENGTH) * columns;
         shared = columns;
       }
       begin(*next, span, shared);
@@ -175,7 +175,7 @@ private:
     block.start[at] = rows.start + k;
     block.end[at] = rows.end + k;
     block.belt.add(block.span->grid, j, k);
-    values_ += k_values_per_point;
+    values_ += QV_TRACK_POINT_LENGTH;
   }
 
   /// Places the next block, so that its triangles come from memory while the one before is finished.
@@ -195,10 +195,10 @@ private:
     set_loads(block);
     block_sums sum(result_, sums_, block.span->number, p_.nodes);
     double* values = block.values;
-    for (int b = 0; b < contact.count; ++b, values += k_values_per_point) {
+    for (int b = 0; b < contact.count; ++b, values += QV_TRACK_POINT_LENGTH) {
       auto& rc = static_cast<Croad_contact_mtl&>(*contact.points[b]);
       Csoil_contact_mtl &sc = *block.start[b], &sc2 = *block.end[b];
-      qv::assgvec(rc.position, 3, values + 3);
+      qv::assgvec(rc.position, 3, values + QV_TRACK_POINT_POSITION);
       if (contact.in_contact[b]) {
         genenralized_contact_force_mtl(rc, sc, sc2);
         sum.add(sc, sc2);
@@ -215,11 +215,12 @@ private:
   }
 
   void write_point(const Croad_contact_mtl& rc, const Csoil_contact_mtl& sc, bool shared, double* values) {
-    for (int c = 0; c < 3; ++c) values[c] = shared ? values[c] + sc.force[c] : sc.force[c];
-    // Kept: the area goes where the first point has its force, not one entry before.
-    result_[4] += sc.effective_area;
-    values[6] = rc.sinkage;
-    values[7] = sc.dynamic_sinkage;
+    double* force = values + QV_TRACK_POINT_FORCE;
+    for (int c = 0; c < 3; ++c) force[c] = shared ? force[c] + sc.force[c] : sc.force[c];
+    // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
+    result_[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += sc.effective_area;
+    values[QV_TRACK_POINT_SINKAGE] = rc.sinkage;
+    values[QV_TRACK_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
   }
 
   void set_loads(const point_block& block) {

@@ -30,11 +30,11 @@ void grow_state(const parameters& p) {
 }
 
 void interaction(void* handle, double time, double* par, int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, k_totals, 0.0);
+  std::fill_n(result, QV_TRACK_RESULT_LENGTH, 0.0);
   const qv::fault_channel channel{k_prefix, ierr, msg};
   const parameters p(par, channel);
   track_records* track = find_track(p, channel);
-  std::fill_n(result, k_totals + k_values_per_point * p.points(), 0.0);
+  std::fill_n(result, QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_LENGTH * p.points(), 0.0);
   if (iflag == 1) {
     grow_state(p);
     set_up(handle, p, channel);
