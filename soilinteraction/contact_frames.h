@@ -22,8 +22,8 @@ struct contact_frame {
 
 class frame_maker {
 public:
-  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : road_(road), k_(k) {
-    for (entry& e : cache_) e.frame.number = 0;
+  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : m_road(road), m_k(k) {
+    for (entry& e : m_cache) e.frame.number = 0;
   }
 
   /// Gives each of `count` points (at most k_block) the frame over the triangle that it found (facet normal, normal,
@@ -40,14 +40,14 @@ private:
   };
 
   entry& entry_of(std::int32_t number) {
-    return cache_[(static_cast<std::uint32_t>(number) * 2654435769U) >> (32 - k_bits)];  // golden ratio
+    return m_cache[(static_cast<std::uint32_t>(number) * 2654435769U) >> (32 - k_bits)];  // golden ratio
   }
   void make(int count);
 
-  const qvsoilrdf::CRoad& road_;
-  const kinematics& k_;
-  entry cache_[1 << k_bits];  ///< by hash of the number; a later frame takes the place of an earlier one
-  contact_frame made_[k_block];
+  const qvsoilrdf::CRoad& m_road;
+  const kinematics& m_k;
+  entry m_cache[1 << k_bits];  ///< by hash of the number; a later frame takes the place of an earlier one
+  contact_frame m_made[k_block];
 };
 
 }  // namespace qvsoilinteraction

@@ -18,18 +18,18 @@ constexpr int k_plate = 1;  ///< shape of a body; any other value is a wheel
 class remembered_power {
 public:
   double of(double base, double exponent) {
-    if (base != base_ || exponent != exponent_) {
-      base_ = base;
-      exponent_ = exponent;
-      value_ = std::pow(base, exponent);
+    if (base != m_base || exponent != m_exponent) {
+      m_base = base;
+      m_exponent = exponent;
+      m_value = std::pow(base, exponent);
     }
-    return value_;
+    return m_value;
   }
 
 private:
-  double base_ = 1.0;
-  double exponent_ = 1.0;
-  double value_ = 1.0;
+  double m_base = 1.0;
+  double m_exponent = 1.0;
+  double m_value = 1.0;
 };
 
 /// Geometry and history of one grid point. What a point out of contact needs comes first, in two cache lines.

@@ -99,17 +99,17 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const c
   find_road_places(road, k, at.position, block.count, at.on_road);
 }
 
-[[noreturn]] void refuse_place(const CRoad& road, const double* p, int& ierr, char** msg) {
+[[noreturn]] void refuse_place(const CRoad& road, const double* p, const qv::fault_channel& channel) {
   const bool x = std::isnan(p[0]);
   qv::fault(std::string("SOIL INTERACTION ERROR : The ") + (x ? "x" : "y") +
                 "-axis value of a contact point on the road is nan; it must be a number, on the road between " +
                 qv::number_text(x ? road.x_min : road.y_min) + " and " + qv::number_text(x ? road.x_max : road.y_max) +
                 ".",
-            ierr, msg);
+            channel.ierr, channel.msg);
 }
 
 /// Keeps the points over or in the road.
-void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, int& ierr, char** msg) {
+void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, const qv::fault_channel& channel) {
   for (int i = 0; i < block.count; ++i) {
     Croad_contact& rc = *block.points[i];
     take(at.position, i, rc.position);
@@ -118,7 +118,7 @@ void keep_points_on_road(const CRoad& road, const places& at, contact_block& blo
     block.in_contact[i] = false;
     double p[3];
     take(at.on_road.p, i, p);
-    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, ierr, msg);
+    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, channel);
     keep_near(road, at.on_road, i, block);
   }
 }
@@ -135,12 +135,12 @@ void fetch_facets(const CRoad& road, const search_point* points, int count) {
 
 /// Finds the triangles under the points.
 void find_facets(void* handle, const CRoad& road, contact_block& block, const search_point* points, int count,
-                 char** msg) {
+                 const qv::fault_channel& channel) {
   for (int i = 0; i < count; ++i) {
     Croad_contact& rc = *block.points[points[i].index];
     if (find_facet(road, points[i].cell, points[i].p, rc) == k_search_failed) {
       int status = 0;
-      stop_solver(handle, 1, 0, 1, msg[0], &status);
+      stop_solver(handle, 1, 0, 1, channel.msg[0], &status);
     }
     if (rc.facet_number == 0) store_hole(rc);
   }
@@ -219,23 +219,23 @@ void drop_points_above(const CRoad& road, const kinematics& k, contact_block& bl
 }
 
 int find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames, contact_block& block,
-                  char** msg) {
-  find_facets(handle, road, block, block.near, block.near_count, msg);
+                  const qv::fault_channel& channel) {
+  find_facets(handle, road, block, block.near, block.near_count, channel);
   const int count = set_frames(block, frames, block.near, block.near_count);
   return keep_sunk_points(road, k, block, block.near, count);
 }
 
-void place_points(const CRoad& road, const kinematics& k, contact_block& block, int& ierr, char** msg) {
+void place_points(const CRoad& road, const kinematics& k, contact_block& block, const qv::fault_channel& channel) {
   places at;
   find_places(road, k, block, at);
-  keep_points_on_road(road, at, block, ierr, msg);
+  keep_points_on_road(road, at, block, channel);
   drop_points_above(road, k, block);
 }
 
 void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, char** msg) {
+                      contact_block& block, const qv::fault_channel& channel) {
   const search_point* points = block.near;
-  const int count = find_contacts(handle, road, k, frames, block, msg);
+  const int count = find_contacts(handle, road, k, frames, block, channel);
   if (shape != k_plate) set_wheel_ratios(k, block, points, count);
   for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
   for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "common/call/messages.h"
 #include "soilinteraction/contact_frames.h"
 #include "soilinteraction/contact_records.h"
 #include "soilinteraction/facet_search.h"
@@ -37,13 +38,14 @@ struct road_places {
 /// First half of get_contact_info: places the block's points, keeps as `near` those over the road and not above all
 /// of its cell, and asks memory for the triangles there. Worth doing for the next block before finishing this one.
 /// A point whose place on the road is not a number is a fault.
-void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, contact_block& block, int& ierr, char** msg);
+void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, contact_block& block,
+                  const qv::fault_channel& channel);
 
 /// Second half: finds the triangles under the near points and measures their contact: position, sinkage, and in
 /// contact (sinkage negative) the frame, area ratio, velocities and shear displacements.
 /// @param shape  1 plate, else wheel
 void get_contact_info(void* handle, const qvsoilrdf::CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, char** msg);
+                      contact_block& block, const qv::fault_channel& channel);
 
 // The steps that other bodies share, in their order. Of a body marker they read the axes A1 alone.
 
@@ -83,7 +85,7 @@ void drop_points_above(const qvsoilrdf::CRoad& road, const kinematics& k, contac
 /// moved to the front of the near points.
 /// @return  how many they are
 int find_contacts(void* handle, const qvsoilrdf::CRoad& road, const kinematics& k, frame_maker& frames,
-                  contact_block& block, char** msg);
+                  contact_block& block, const qv::fault_channel& channel);
 
 /// A slip velocity, or none when it is slower than 1e-08, in any unit.
 inline double at_rest_below_threshold(double slip) {

@@ -35,25 +35,24 @@ void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point
 class evaluation {
 public:
   evaluation(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k, double* result,
-             int& ierr, char** msg)
-      : handle_(handle),
-        p_(p),
-        iflag_(iflag),
-        road_(road),
-        k_(k),
-        law_(road, p.bekker_width()),
-        frames_(road, k),
-        result_(result),
-        ierr_(ierr),
-        msg_(msg) {}
+             const qv::fault_channel& channel)
+      : m_handle(handle),
+        m_p(p),
+        m_iflag(iflag),
+        m_road(road),
+        m_k(k),
+        m_law(road, p.bekker_width()),
+        m_frames(road, k),
+        m_result(result),
+        m_channel(channel) {}
 
   void run(CSoilInteraction& element) {
-    work* now = &work_[0];
-    work* next = &work_[1];
-    for (int i = 0; i < p_.patch.nx; ++i) {
+    work* now = &m_work[0];
+    work* next = &m_work[1];
+    for (int i = 0; i < m_p.patch.nx; ++i) {
       Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
       Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
-      for (int j = 0; j < p_.patch.ny; ++j) {
+      for (int j = 0; j < m_p.patch.ny; ++j) {
         next->block.points[next->block.count] = &road_contacts[j];
         next->soil[next->block.count++] = &soil_contacts[j];
         if (next->block.count == k_block) advance(now, next);
@@ -71,31 +70,31 @@ private:
 
   /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
   void advance(work*& now, work*& next) {
-    place_points(road_, k_, next->block, ierr_, msg_);
+    place_points(m_road, m_k, next->block, m_channel);
     finish(*now);
     std::swap(now, next);
   }
 
   void finish(work& w) {
     contact_block& block = w.block;
-    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block, msg_);
+    get_contact_info(m_handle, m_road, m_p.patch.shape, m_k, m_frames, block, m_channel);
     // A body without width is refused at its first point in contact. The points before it are in the result already.
-    const int end = law_.bekker.b == 0.0 ? first_in_contact(block) : block.count;
+    const int end = m_law.bekker.b == 0.0 ? first_in_contact(block) : block.count;
     load_points(w, 0, end);
     totals sum;
-    qv::assgvec(result_, QV_SOIL_RESULT_LENGTH, sum.values);
-    for (int b = 0; b < end; ++b, point_ += QV_SOIL_POINT_LENGTH) {
+    qv::assgvec(m_result, QV_SOIL_RESULT_LENGTH, sum.values);
+    for (int b = 0; b < end; ++b, m_point += QV_SOIL_POINT_LENGTH) {
       Croad_contact& rc = *block.points[b];
       Csoil_contact& sc = *w.soil[b];
-      qv::assgvec(rc.position, 3, point_ + QV_SOIL_POINT_POSITION);
+      qv::assgvec(rc.position, 3, m_point + QV_SOIL_POINT_POSITION);
       if (block.in_contact[b]) {
         genenralized_contact_force(rc, sc);
         sum.add(sc);
-        write_point(rc, sc, point_);
+        write_point(rc, sc, m_point);
       }
-      if (iflag_ == 2) advance_history(block.in_contact[b], sc, rc);
+      if (m_iflag == 2) advance_history(block.in_contact[b], sc, rc);
     }
-    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, result_);
+    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, m_result);
     if (end < block.count) load_points(w, end, end + 1);
     block.count = block.near_count = 0;
   }
@@ -114,21 +113,20 @@ private:
       road_contacts[count] = w.block.points[b];
       soil_contacts[count++] = w.soil[b];
     }
-    get_soil_force(law_, p_.patch, road_contacts, soil_contacts, count, ierr_, msg_);
+    get_soil_force(m_law, m_p.patch, road_contacts, soil_contacts, count, m_channel);
   }
 
-  void* handle_;
-  const parameters& p_;
-  int iflag_;
-  const CRoad& road_;
-  const kinematics& k_;
-  soil_law law_;
-  frame_maker frames_;
-  double* result_;
-  double* point_ = result_ + QV_SOIL_RESULT_LENGTH;  ///< next point's place in the result array
-  int& ierr_;
-  char** msg_;
-  work work_[2];
+  void* m_handle;
+  const parameters& m_p;
+  int m_iflag;
+  const CRoad& m_road;
+  const kinematics& m_k;
+  soil_law m_law;
+  frame_maker m_frames;
+  double* m_result;
+  double* m_point = m_result + QV_SOIL_RESULT_LENGTH;  ///< next point's place in the result array
+  qv::fault_channel m_channel;
+  work m_work[2];
 };
 
 }  // namespace
@@ -160,8 +158,8 @@ void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteracti
 }
 
 void evaluate_points(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k,
-                     CSoilInteraction& element, double* result, int& ierr, char** msg) {
-  evaluation(handle, p, iflag, road, k, result, ierr, msg).run(element);
+                     CSoilInteraction& element, double* result, const qv::fault_channel& channel) {
+  evaluation(handle, p, iflag, road, k, result, channel).run(element);
 }
 
 }  // namespace qvsoilinteraction

@@ -16,6 +16,6 @@ void place_on_body(const contact_patch& patch, const qvsoilrdf::CRoad& road, CSo
 /// Fills the result array, cleared before, from the element's points; after a converged step (iflag 2) their history
 /// moves on.
 void evaluate_points(void* handle, const parameters& p, int iflag, const qvsoilrdf::CRoad& road, const kinematics& k,
-                     CSoilInteraction& element, double* result, int& ierr, char** msg);
+                     CSoilInteraction& element, double* result, const qv::fault_channel& channel);
 
 }  // namespace qvsoilinteraction

@@ -38,11 +38,9 @@ struct parameters {
     // Hosts count the entries of the result array in ints.
     constexpr std::size_t k_most = (2147483647U - QV_SOIL_RESULT_LENGTH) / QV_SOIL_POINT_LENGTH;
     if (points() > k_most) {
-      qv::fault(std::string(channel.prefix) + "The number of grid points (parameter " +
-                    std::to_string(k_count_along.position) + " times parameter " +
-                    std::to_string(k_count_across.position) + ") is " + std::to_string(points()) +
-                    "; it must not exceed " + std::to_string(k_most) + ".",
-                channel.ierr, channel.msg);
+      qv::fault(channel, "The number of grid points (parameter " + std::to_string(k_count_along.position) +
+                             " times parameter " + std::to_string(k_count_across.position) + ") is " +
+                             std::to_string(points()) + "; it must not exceed " + std::to_string(k_most) + ".");
     }
   }
 

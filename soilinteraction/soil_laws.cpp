@@ -77,10 +77,11 @@ void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* c
 }
 
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
-                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg) {
+                    Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel) {
   if (count > 0 && law.bekker.b == 0.0) {
     road_contacts[0]->damping = 0.0;
-    qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", ierr, msg);
+    qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", channel.ierr,
+                    channel.msg);
   }
   set_loads(law, patch, road_contacts, soil_contacts, count);
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "common/call/messages.h"
 #include "soilinteraction/contact_records.h"
 
 /// Pressure and shear of the soil under one contact point, and the force they make. Lengths, forces and times in
@@ -106,7 +107,7 @@ void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* c
 
 /// set_loads of a plate or wheel, for which a width of exactly 0 is a fault.
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
-                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg);
+                    Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel);
 
 /// Turns the loads into a force on the body and a moment about its marker, both in ground axes.
 /// The misspelt name is the one other code calls.

@@ -22,27 +22,27 @@ std::vector<CRoad> s_3Dsoil_roads;
 std::vector<std::vector<CSoilInteraction>> s_3Dsoil_forces;
 std::vector<std::vector<force_sums>> s_3Dsoil_contact_forces_Sum;
 
-void set_up_road(void* handle, const parameters& p, int& ierr, char** msg) {
+void set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
   if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
-  qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, {k_prefix, ierr, msg});
+  qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, channel);
   CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
   if (road.road_id != qvsoilrdf::k_not_set) return;
-  qvsoilrdf::load_road(handle, p.file_name, p.road, road, {k_prefix, ierr, msg});
+  qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
 }
 
 /// The entry of (road, element) in a container; sizes the container first if it is still empty.
 template <class Entry>
-Entry& sized_entry(std::vector<std::vector<Entry>>& container, const parameters& p, int& ierr, char** msg) {
+Entry& sized_entry(std::vector<std::vector<Entry>>& container, const parameters& p, const qv::fault_channel& channel) {
   if (container.empty()) container.resize(static_cast<std::size_t>(p.roads));
-  qv::check_index(p.road, container.size(), k_road_index, {k_prefix, ierr, msg});
+  qv::check_index(p.road, container.size(), k_road_index, channel);
   std::vector<Entry>& entries = container[static_cast<std::size_t>(p.road)];
   if (entries.empty()) entries.resize(static_cast<std::size_t>(p.elements));
-  qv::check_index(p.element, entries.size(), k_element_index, {k_prefix, ierr, msg});
+  qv::check_index(p.element, entries.size(), k_element_index, channel);
   return entries[static_cast<std::size_t>(p.element)];
 }
 
-void set_up_element(const parameters& p, int& ierr, char** msg) {
-  CSoilInteraction& element = sized_entry(s_3Dsoil_forces, p, ierr, msg);
+void set_up_element(const parameters& p, const qv::fault_channel& channel) {
+  CSoilInteraction& element = sized_entry(s_3Dsoil_forces, p, channel);
   if (element.element_id == qvsoilrdf::k_not_set) {
     const auto rows = static_cast<std::size_t>(p.patch.nx);
     const auto columns = static_cast<std::size_t>(p.patch.ny);
@@ -52,7 +52,7 @@ void set_up_element(const parameters& p, int& ierr, char** msg) {
     element.ny = p.patch.ny;
     element.element_id = p.element;  // last: an element without its grids is not set up
   }
-  sized_entry(s_3Dsoil_contact_forces_Sum, p, ierr, msg);
+  sized_entry(s_3Dsoil_contact_forces_Sum, p, channel);
 }
 
 /// The entry of (road, element); null if there is none.
@@ -66,21 +66,20 @@ Entry* entry_or_null(std::vector<std::vector<Entry>>& container, const parameter
 
 /// Refuses an index outside a filled container. Containers that are still empty are not looked at: before the set-up a
 /// call exerts nothing, whatever its indices.
-void check_indices(const parameters& p, int& ierr, char** msg) {
+void check_indices(const parameters& p, const qv::fault_channel& channel) {
   if (s_3Dsoil_roads.empty()) return;
-  qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, {k_prefix, ierr, msg});
+  qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, channel);
   if (s_3Dsoil_forces.empty()) return;
   const std::size_t elements = s_3Dsoil_forces[static_cast<std::size_t>(p.road)].size();
-  if (elements > 0) qv::check_index(p.element, elements, k_element_index, {k_prefix, ierr, msg});
+  if (elements > 0) qv::check_index(p.element, elements, k_element_index, channel);
 }
 
 /// Refuses a grid larger than the one set up: neither the records nor the host's result array have room for it.
-void check_grid(const parameters& p, const CSoilInteraction& element, int& ierr, char** msg) {
+void check_grid(const parameters& p, const CSoilInteraction& element, const qv::fault_channel& channel) {
   const auto check = [&](int count, int set_up, const qv::parameter& entry) {
     if (count <= set_up) return;
-    qv::fault(std::string(k_prefix) + "The " + text_of(entry) + " is " + std::to_string(count) +
-                  "; the element was set up with " + std::to_string(set_up) + ".",
-              ierr, msg);
+    qv::fault(channel, "The " + text_of(entry) + " is " + std::to_string(count) + "; the element was set up with " +
+                           std::to_string(set_up) + ".");
   };
   check(p.patch.nx, element.nx, k_count_along);
   check(p.patch.ny, element.ny, k_count_across);
@@ -92,16 +91,16 @@ CSoilInteraction* find_element(const parameters& p) {
   return element != nullptr && element->element_id != qvsoilrdf::k_not_set ? element : nullptr;
 }
 
-void interaction(void* handle, double* par, int iflag, double* result, int& ierr, char** msg) {
+void interaction(void* handle, double* par, int iflag, double* result, const qv::fault_channel& channel) {
   std::fill_n(result, QV_SOIL_RESULT_LENGTH, 0.0);
-  const parameters p(par, {k_prefix, ierr, msg});
-  if (const CSoilInteraction* known = find_element(p)) check_grid(p, *known, ierr, msg);
+  const parameters p(par, channel);
+  if (const CSoilInteraction* known = find_element(p)) check_grid(p, *known, channel);
   std::fill_n(result, QV_SOIL_RESULT_LENGTH + QV_SOIL_POINT_LENGTH * p.points(), 0.0);
   if (iflag == 1) {
-    set_up_road(handle, p, ierr, msg);
-    set_up_element(p, ierr, msg);
+    set_up_road(handle, p, channel);
+    set_up_element(p, channel);
   }
-  check_indices(p, ierr, msg);
+  check_indices(p, channel);
   CSoilInteraction* element = find_element(p);
   force_sums* sums = entry_or_null(s_3Dsoil_contact_forces_Sum, p);
   if (element == nullptr || sums == nullptr) return;
@@ -109,7 +108,7 @@ void interaction(void* handle, double* par, int iflag, double* result, int& ierr
   const CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
   const kinematics k = fetch_kinematics(handle, p);
   if (iflag == 1) place_on_body(p.patch, road, *element);
-  evaluate_points(handle, p, iflag, road, k, *element, result, ierr, msg);
+  evaluate_points(handle, p, iflag, road, k, *element, result, channel);
   const double* force = result + QV_SOIL_RESULT_FORCE;
   *sums = {force[0], force[1], force[2], result[QV_SOIL_RESULT_AREA]};
 }
@@ -119,9 +118,9 @@ void interaction(void* handle, double* par, int iflag, double* result, int& ierr
 void qvsoil_interaction(void* handle, double /*time*/, double* par, int /*npar*/, int /*difflag*/, int iflag,
                         double* result, int& ierr, char** msg) {
   try {
-    interaction(handle, par, iflag, result, ierr, msg);
+    interaction(handle, par, iflag, result, {k_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
+    qv::fault({k_prefix, ierr, msg}, error.what());
   }
 }
 

@@ -111,8 +111,9 @@ void set_shear_displacement(double belt_speed, const double (&slip)[2], Croad_co
 }
 
 void measure(void* handle, const CRoad& road, const track_motion& motion, const span_motion& span,
-             qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block, char** msg) {
-  const int count = find_contacts(handle, road, motion.k, frames, block, msg);
+             qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block,
+             const qv::fault_channel& channel) {
+  const int count = find_contacts(handle, road, motion.k, frames, block, channel);
   contact_velocities v;
   gather(at, block, count, v);
   set_normal_velocities(motion, span, count, v);
@@ -157,9 +158,9 @@ void place_points_mtl(const CRoad& road, const track_motion& motion, const belt_
 }
 
 void get_contact_info_mtl(void* handle, const CRoad& road, const track_motion& motion, const span_motion& span,
-                          qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block, int& ierr,
-                          char** msg) {
-  const bool measured = run_recorded([&] { measure(handle, road, motion, span, frames, at, block, msg); }, ierr, msg);
+                          qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block,
+                          const qv::fault_channel& channel) {
+  const bool measured = run_recorded([&] { measure(handle, road, motion, span, frames, at, block, channel); }, channel);
   if (!measured) std::fill_n(block.in_contact, block.count, false);
 }
 

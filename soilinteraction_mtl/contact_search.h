@@ -45,6 +45,6 @@ void place_points_mtl(const qvsoilrdf::CRoad& road, const track_motion& motion, 
 /// displacement of that step.
 void get_contact_info_mtl(void* handle, const qvsoilrdf::CRoad& road, const track_motion& motion,
                           const span_motion& span, qvsoilinteraction::frame_maker& frames, const belt_block& at,
-                          qvsoilinteraction::contact_block& block, int& ierr, char** msg);
+                          qvsoilinteraction::contact_block& block, const qv::fault_channel& channel);
 
 }  // namespace qvsoilinteractionmtl

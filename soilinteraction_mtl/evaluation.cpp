@@ -62,71 +62,70 @@ struct point_block {
 class block_sums {
 public:
   block_sums(const double* result, const track_sums& sums, int span, int nodes)
-      : node_(static_cast<std::size_t>(span)), first_span_(span == 0), last_span_(span == nodes - 2) {
-    std::copy_n(result + QV_TRACK_RESULT_SHEAR_1, 3, local_);
-    std::copy_n(sums.contact.begin(), QV_TRACK_SUM_RESULT_LENGTH, contact_);
-    std::copy_n(sums.shear.begin(), 3, shear_);
-    std::copy_n(sums.normal[node_].begin(), 3, start_);
-    std::copy_n(sums.normal[node_ + 1].begin(), 3, end_);
+      : m_node(static_cast<std::size_t>(span)), m_first_span(span == 0), m_last_span(span == nodes - 2) {
+    std::copy_n(result + QV_TRACK_RESULT_SHEAR_1, 3, m_local);
+    std::copy_n(sums.contact.begin(), QV_TRACK_SUM_RESULT_LENGTH, m_contact);
+    std::copy_n(sums.shear.begin(), 3, m_shear);
+    std::copy_n(sums.normal[m_node].begin(), 3, m_start);
+    std::copy_n(sums.normal[m_node + 1].begin(), 3, m_end);
   }
 
   void add(const Csoil_contact_mtl& sc, const Csoil_contact_mtl& sc2) {
     static constexpr double k_none[3] = {0.0, 0.0, 0.0};
-    const double* second = first_span_ ? k_none : sc2.normal_share;
+    const double* second = m_first_span ? k_none : sc2.normal_share;
     for (int c = 0; c < 3; ++c) {
-      local_[c] += sc.local_force[c];
-      contact_[QV_TRACK_SUM_RESULT_FORCE + c] += sc.force[c];
-      shear_[c] += sc2.shear_share[c] + sc.shear_share[c];
-      start_[c] += sc.normal_share[c] + second[c];
-      end_[c] += sc2.normal_share[c];
+      m_local[c] += sc.local_force[c];
+      m_contact[QV_TRACK_SUM_RESULT_FORCE + c] += sc.force[c];
+      m_shear[c] += sc2.shear_share[c] + sc.shear_share[c];
+      m_start[c] += sc.normal_share[c] + second[c];
+      m_end[c] += sc2.normal_share[c];
     }
-    contact_[QV_TRACK_SUM_RESULT_AREA] += sc.effective_area;
+    m_contact[QV_TRACK_SUM_RESULT_AREA] += sc.effective_area;
   }
 
   void store(double* result, const track_sums& sums) const {
-    std::copy_n(local_, 3, result + QV_TRACK_RESULT_SHEAR_1);
-    std::copy_n(contact_, QV_TRACK_SUM_RESULT_LENGTH, sums.contact.begin());
-    std::copy_n(shear_, 3, sums.shear.begin());
-    std::copy_n(start_, 3, sums.normal[node_].begin());
-    if (last_span_) std::copy_n(end_, 3, sums.normal[node_ + 1].begin());
+    std::copy_n(m_local, 3, result + QV_TRACK_RESULT_SHEAR_1);
+    std::copy_n(m_contact, QV_TRACK_SUM_RESULT_LENGTH, sums.contact.begin());
+    std::copy_n(m_shear, 3, sums.shear.begin());
+    std::copy_n(m_start, 3, sums.normal[m_node].begin());
+    if (m_last_span) std::copy_n(m_end, 3, sums.normal[m_node + 1].begin());
   }
 
 private:
-  std::size_t node_;
-  bool first_span_, last_span_;
-  double local_[3], contact_[QV_TRACK_SUM_RESULT_LENGTH], shear_[3], start_[3], end_[3];
+  std::size_t m_node;
+  bool m_first_span, m_last_span;
+  double m_local[3], m_contact[QV_TRACK_SUM_RESULT_LENGTH], m_shear[3], m_start[3], m_end[3];
 };
 
 /// One call's way over the points of a track, span by span, in blocks.
 class evaluation {
 public:
   evaluation(void* handle, double time, const parameters& p, int iflag, const CRoad& road, const track_state& state,
-             double L, track_sums sums, double* result, int& ierr, char** msg)
-      : handle_(handle),
-        time_(time),
-        p_(p),
-        iflag_(iflag),
-        road_(road),
-        state_(state),
-        patch_(make_span_patch(L, p.width, p.n_long, p.n_lat)),
-        law_(make_span_law(road, patch_)),
-        frames_(road, state.motion.k),
-        sums_(sums),
-        result_(result),
-        values_(result + QV_TRACK_RESULT_LENGTH),
-        ierr_(ierr),
-        msg_(msg) {}
+             double L, track_sums sums, double* result, const qv::fault_channel& channel)
+      : m_handle(handle),
+        m_time(time),
+        m_p(p),
+        m_iflag(iflag),
+        m_road(road),
+        m_state(state),
+        m_patch(make_span_patch(L, p.width, p.n_long, p.n_lat)),
+        m_law(make_span_law(road, m_patch)),
+        m_frames(road, state.motion.k),
+        m_sums(sums),
+        m_result(result),
+        m_values(result + QV_TRACK_RESULT_LENGTH),
+        m_channel(channel) {}
 
   void run(track_records& track) {
-    point_block* now = &blocks_[0];
-    point_block* next = &blocks_[1];
-    for (int i = 0; i < p_.nodes - 1; ++i) {
+    point_block* now = &m_blocks[0];
+    point_block* next = &m_blocks[1];
+    for (int i = 0; i < m_p.nodes - 1; ++i) {
       const span_work& span = prepare_span(i, track);
       const CSoilInteractionMTL& start = *span.start;
       const int columns = start.nLat;
       int shared = 0;
       if (i > 0) {  // the first row is the last one of the span before
-        values_ -= static_cast<std::ptrdiff_t>(QV_TRACK_POINT_LENGTH) * columns;
+        m_values -= static_cast<std::ptrdiff_t>(QV_TRACK_POINT_LENGTH) * columns;
         shared = columns;
       }
       begin(*next, span, shared);
@@ -149,23 +148,23 @@ private:
   /// Two spans at a time are under way: one whose last block is being finished and one whose first is being placed.
   const span_work& prepare_span(int i, track_records& track) {
     const auto node = static_cast<std::size_t>(i);
-    const node_motion& from = state_.nodes[node];
-    span_work& span = spans_[i % 2];
+    const node_motion& from = m_state.nodes[node];
+    span_work& span = m_spans[i % 2];
     span.number = i;
     span.start = &track[node][1];
     span.end = &track[node + 1][0];
     span.motion = make_span_motion(span.start->frame + 6, from.A, from.velocity, from.angular_velocity);
-    if (iflag_ == 1) {  // all that the records hold; later on only what is read again: nothing but weights of the end
-      span.start->Calculation_Node_Position(p_.width, state_.motion.k.d1, from.position);
-      span.end->Calculation_Node_Position(p_.width, state_.motion.k.d1, state_.nodes[node + 1].position);
+    if (m_iflag == 1) {  // all that the records hold; later on only what is read again: nothing but weights of the end
+      span.start->Calculation_Node_Position(m_p.width, m_state.motion.k.d1, from.position);
+      span.end->Calculation_Node_Position(m_p.width, m_state.motion.k.d1, m_state.nodes[node + 1].position);
     }
-    span.grid = space_grid(p_.width, *span.start);
+    span.grid = space_grid(m_p.width, *span.start);
     return span;
   }
 
   void begin(point_block& block, const span_work& span, int shared) const {
     block.span = &span;
-    block.values = values_;
+    block.values = m_values;
     block.shared_with_before = shared;
   }
 
@@ -175,15 +174,15 @@ private:
     block.start[at] = rows.start + k;
     block.end[at] = rows.end + k;
     block.belt.add(block.span->grid, j, k);
-    values_ += QV_TRACK_POINT_LENGTH;
+    m_values += QV_TRACK_POINT_LENGTH;
   }
 
   /// Places the next block, so that its triangles come from memory while the one before is finished.
   void advance(point_block*& now, point_block*& next) {
     const span_work& span = *next->span;
-    place_on_span(*span.start, state_.motion.k.d1, state_.nodes[static_cast<std::size_t>(span.number)].position,
+    place_on_span(*span.start, m_state.motion.k.d1, m_state.nodes[static_cast<std::size_t>(span.number)].position,
                   next->belt);
-    place_points_mtl(road_, state_.motion, next->belt, next->contact);
+    place_points_mtl(m_road, m_state.motion, next->belt, next->contact);
     finish(*now);
     std::swap(now, next);
   }
@@ -191,9 +190,10 @@ private:
   void finish(point_block& block) {
     contact_block& contact = block.contact;
     if (contact.count == 0) return;
-    get_contact_info_mtl(handle_, road_, state_.motion, block.span->motion, frames_, block.belt, contact, ierr_, msg_);
+    get_contact_info_mtl(m_handle, m_road, m_state.motion, block.span->motion, m_frames, block.belt, contact,
+                         m_channel);
     set_loads(block);
-    block_sums sum(result_, sums_, block.span->number, p_.nodes);
+    block_sums sum(m_result, m_sums, block.span->number, m_p.nodes);
     double* values = block.values;
     for (int b = 0; b < contact.count; ++b, values += QV_TRACK_POINT_LENGTH) {
       auto& rc = static_cast<Croad_contact_mtl&>(*contact.points[b]);
@@ -206,11 +206,11 @@ private:
       } else {
         clear_loads(sc, sc2);
       }
-      if (iflag_ != 2) continue;
-      rc.last_update_time = time_;
+      if (m_iflag != 2) continue;
+      rc.last_update_time = m_time;
       advance_history(contact.in_contact[b], sc, rc);
     }
-    sum.store(result_, sums_);
+    sum.store(m_result, m_sums);
     contact.count = contact.near_count = block.belt.count = 0;
   }
 
@@ -218,7 +218,7 @@ private:
     double* force = values + QV_TRACK_POINT_FORCE;
     for (int c = 0; c < 3; ++c) force[c] = shared ? force[c] + sc.force[c] : sc.force[c];
     // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
-    result_[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += sc.effective_area;
+    m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += sc.effective_area;
     values[QV_TRACK_POINT_SINKAGE] = rc.sinkage;
     values[QV_TRACK_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
   }
@@ -232,33 +232,32 @@ private:
       road_contacts[count] = block.contact.points[b];
       soil_contacts[count++] = block.start[b];
     }
-    get_soil_force_mtl(law_, patch_, road_contacts, soil_contacts, count, ierr_, msg_);
+    get_soil_force_mtl(m_law, m_patch, road_contacts, soil_contacts, count, m_channel);
   }
 
-  void* handle_;
-  double time_;
-  const parameters& p_;
-  int iflag_;
-  const CRoad& road_;
-  const track_state& state_;
-  contact_patch patch_;
-  soil_law law_;
-  qvsoilinteraction::frame_maker frames_;
-  track_sums sums_;
-  double* result_;
-  double* values_;  ///< where the next point's results go
-  int& ierr_;
-  char** msg_;
-  span_work spans_[2];
-  point_block blocks_[2];
+  void* m_handle;
+  double m_time;
+  const parameters& m_p;
+  int m_iflag;
+  const CRoad& m_road;
+  const track_state& m_state;
+  contact_patch m_patch;
+  soil_law m_law;
+  qvsoilinteraction::frame_maker m_frames;
+  track_sums m_sums;
+  double* m_result;
+  double* m_values;  ///< where the next point's results go
+  qv::fault_channel m_channel;
+  span_work m_spans[2];
+  point_block m_blocks[2];
 };
 
 }  // namespace
 
 void evaluate_track(void* handle, double time, const parameters& p, int iflag, const CRoad& road,
                     const track_state& state, double L, track_records& track, track_sums sums, double* result,
-                    int& ierr, char** msg) {
-  evaluation(handle, time, p, iflag, road, state, L, sums, result, ierr, msg).run(track);
+                    const qv::fault_channel& channel) {
+  evaluation(handle, time, p, iflag, road, state, L, sums, result, channel).run(track);
 }
 
 }  // namespace qvsoilinteractionmtl

@@ -17,6 +17,6 @@ struct track_sums {
 /// @param L  of lay_belt
 void evaluate_track(void* handle, double time, const parameters& p, int iflag, const qvsoilrdf::CRoad& road,
                     const track_state& state, double L, track_records& track, track_sums sums, double* result,
-                    int& ierr, char** msg);
+                    const qv::fault_channel& channel);
 
 }  // namespace qvsoilinteractionmtl

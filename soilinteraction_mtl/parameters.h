@@ -20,9 +20,7 @@ constexpr qv::parameter k_node_count{QV_TRACK_NODE_COUNT, "number of nodes"};
 inline int to_count_of_two_or_more(const double* par, const qv::parameter& entry, const qv::fault_channel& channel) {
   const int count = qv::to_int(par, entry, channel);
   if (count >= 2) return count;
-  qv::fault(std::string(channel.prefix) + "The " + text_of(entry) + " is " + std::to_string(count) +
-                "; it must be at least 2.",
-            channel.ierr, channel.msg);
+  qv::fault(channel, "The " + text_of(entry) + " is " + std::to_string(count) + "; it must be at least 2.");
 }
 
 /// Grid points of a belt: neighbouring spans share a row over their common node.
@@ -63,11 +61,10 @@ private:
     constexpr std::size_t k_most = (2147483647U - QV_TRACK_RESULT_LENGTH) / QV_TRACK_POINT_LENGTH;
     const std::size_t rows = belt_points(nodes, n_long, 1);
     if (rows <= k_most && points() <= k_most) return;
-    qv::fault(std::string(channel.prefix) + "The number of grid points is " + std::to_string(rows) +
-                  " rows (parameters " + std::to_string(QV_TRACK_POINTS_ALONG) + " and " +
-                  std::to_string(QV_TRACK_NODE_COUNT) + ") of " + std::to_string(n_lat) + " (parameter " +
-                  std::to_string(QV_TRACK_POINTS_ACROSS) + "); it must not exceed " + std::to_string(k_most) + ".",
-              channel.ierr, channel.msg);
+    qv::fault(channel, "The number of grid points is " + std::to_string(rows) + " rows (parameters " +
+                           std::to_string(QV_TRACK_POINTS_ALONG) + " and " + std::to_string(QV_TRACK_NODE_COUNT) +
+                           ") of " + std::to_string(n_lat) + " (parameter " + std::to_string(QV_TRACK_POINTS_ACROSS) +
+                           "); it must not exceed " + std::to_string(k_most) + ".");
   }
 };
 

@@ -12,13 +12,13 @@ namespace qvsoilinteractionmtl {
 /// Kept: the call goes on; nothing but the message, which only a later fault makes the frame report, tells of it.
 /// @return  whether the step came to its end
 template <class Step>
-bool run_recorded(Step&& step, int& ierr, char** msg) {
+bool run_recorded(Step&& step, const qv::fault_channel& channel) {
   try {
     std::forward<Step>(step)();
     return true;
   } catch (const std::exception& error) {
     qv::add_message("\n < QV_SOLVER:: BRISK ERROR> \n SOIL INTERACTION MTL ERROR : " + std::string(error.what()) + "\n",
-                    ierr, msg);
+                    channel.ierr, channel.msg);
     return false;
   }
 }

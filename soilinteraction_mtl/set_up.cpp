@@ -28,8 +28,7 @@ by_road_and_track<Entry> sized(int roads, const Entry& entry) {
 void size_containers(const parameters& p, const qv::fault_channel& channel) {
   if (!s_MTLsoil_forces.empty()) return;
   if (p.roads == 0) {
-    qv::fault(channel.prefix + ("The " + text_of(k_road_count)) + " is 0; it must be at least 1.", channel.ierr,
-              channel.msg);
+    qv::fault(channel, "The " + text_of(k_road_count) + " is 0; it must be at least 1.");
   }
   const auto nodes = static_cast<std::size_t>(p.nodes);
   auto forces = sized(p.roads, track_records(nodes, std::vector<CSoilInteractionMTL>(2)));
@@ -43,9 +42,8 @@ void size_containers(const parameters& p, const qv::fault_channel& channel) {
 }
 
 [[noreturn]] void refuse_node_count(std::size_t nodes, std::size_t most, const qv::fault_channel& channel) {
-  qv::fault(channel.prefix + ("The " + text_of(k_node_count)) + " is " + std::to_string(nodes) +
-                "; it must not exceed the " + std::to_string(most) + " of the set-up.",
-            channel.ierr, channel.msg);
+  qv::fault(channel, "The " + text_of(k_node_count) + " is " + std::to_string(nodes) + "; it must not exceed the " +
+                         std::to_string(most) + " of the set-up.");
 }
 
 void size_grids(const parameters& p, track_records& track, const qv::fault_channel& channel) {
@@ -90,11 +88,10 @@ void check_counts(const parameters& p, const track_records& track, const qv::fau
   const CSoilInteractionMTL& record = track[0][0];
   const std::size_t points = belt_points(p.nodes, record.nLong, record.nLat);
   if (points <= p.points()) return;
-  qv::fault(std::string(channel.prefix) + "The number of grid points (parameters " +
-                std::to_string(QV_TRACK_POINTS_ALONG) + ", " + std::to_string(QV_TRACK_POINTS_ACROSS) + " and " +
-                std::to_string(QV_TRACK_NODE_COUNT) + ") is " + std::to_string(p.points()) +
-                "; it must be at least the " + std::to_string(points) + " of the set-up.",
-            channel.ierr, channel.msg);
+  qv::fault(channel, "The number of grid points (parameters " + std::to_string(QV_TRACK_POINTS_ALONG) + ", " +
+                         std::to_string(QV_TRACK_POINTS_ACROSS) + " and " + std::to_string(QV_TRACK_NODE_COUNT) +
+                         ") is " + std::to_string(p.points()) + "; it must be at least the " + std::to_string(points) +
+                         " of the set-up.");
 }
 
 }  // namespace

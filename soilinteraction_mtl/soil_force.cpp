@@ -6,8 +6,9 @@ namespace qvsoilinteractionmtl {
 
 void get_soil_force_mtl(const soil_law& law, const contact_patch& span,
                         qvsoilinteraction::Croad_contact* const* road_contacts,
-                        qvsoilinteraction::Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg) {
-  run_recorded([&] { qvsoilinteraction::set_loads(law, span, road_contacts, soil_contacts, count); }, ierr, msg);
+                        qvsoilinteraction::Csoil_contact* const* soil_contacts, int count,
+                        const qv::fault_channel& channel) {
+  run_recorded([&] { qvsoilinteraction::set_loads(law, span, road_contacts, soil_contacts, count); }, channel);
 }
 
 }  // namespace qvsoilinteractionmtl

@@ -37,7 +37,8 @@ inline double get_wong_shear_pressure_mtl(const soil_law& law, double j, double 
 /// Kept: a standard exception is recorded and goes no farther.
 void get_soil_force_mtl(const soil_law& law, const contact_patch& span,
                         qvsoilinteraction::Croad_contact* const* road_contacts,
-                        qvsoilinteraction::Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg);
+                        qvsoilinteraction::Csoil_contact* const* soil_contacts, int count,
+                        const qv::fault_channel& channel);
 
 /// Tangents and normal of a contact, apart from its record, so that stores into other records need not be feared.
 struct contact_axes {

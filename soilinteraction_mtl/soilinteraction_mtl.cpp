@@ -29,9 +29,8 @@ void grow_state(const parameters& p) {
   s_state.nodes.resize(nodes);
 }
 
-void interaction(void* handle, double time, double* par, int iflag, double* result, int& ierr, char** msg) {
+void interaction(void* handle, double time, double* par, int iflag, double* result, const qv::fault_channel& channel) {
   std::fill_n(result, QV_TRACK_RESULT_LENGTH, 0.0);
-  const qv::fault_channel channel{k_prefix, ierr, msg};
   const parameters p(par, channel);
   track_records* track = find_track(p, channel);
   std::fill_n(result, QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_LENGTH * p.points(), 0.0);
@@ -46,7 +45,7 @@ void interaction(void* handle, double time, double* par, int iflag, double* resu
   fetch_motion(handle, p, s_state);
   const double L = lay_belt(s_state, p.nodes, *track);
   evaluate_track(handle, time, p, iflag, s_3Dsoil_roads[static_cast<std::size_t>(p.road)], s_state, L, *track, sums,
-                 result, ierr, msg);
+                 result, channel);
 }
 
 }  // namespace
@@ -54,9 +53,9 @@ void interaction(void* handle, double time, double* par, int iflag, double* resu
 void qvsoil_interaction_mtl(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag,
                             double* result, int& ierr, char** msg) {
   try {
-    interaction(handle, time, par, iflag, result, ierr, msg);
+    interaction(handle, time, par, iflag, result, {k_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
+    qv::fault({k_prefix, ierr, msg}, error.what());
   }
 }
 

@@ -74,7 +74,7 @@ void qvsoil_mtl_eom(void* handle, double /*time*/, double* par, int /*npar*/, in
   try {
     equation_of_motion(handle, par, result, {k_eom_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_eom_prefix) + error.what(), ierr, msg);
+    qv::fault({k_eom_prefix, ierr, msg}, error.what());
   }
 }
 
@@ -83,7 +83,7 @@ void qvsoil_mtl_velocity(void* handle, double /*time*/, double* par, int /*npar*
   try {
     velocity(handle, par, result, {k_velocity_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_velocity_prefix) + error.what(), ierr, msg);
+    qv::fault({k_velocity_prefix, ierr, msg}, error.what());
   }
 }
 

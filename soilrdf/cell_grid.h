@@ -23,18 +23,18 @@ public:
 /// The element numbers of one cell, in place.
 class element_list {
 public:
-  element_list(const std::int32_t* begin, const std::int32_t* end) : begin_(begin), end_(end) {}
-  const std::int32_t* begin() const { return begin_; }
-  const std::int32_t* end() const { return end_; }
+  element_list(const std::int32_t* begin, const std::int32_t* end) : m_begin(begin), m_end(end) {}
+  const std::int32_t* begin() const { return m_begin; }
+  const std::int32_t* end() const { return m_end; }
 
 private:
-  const std::int32_t* begin_;
-  const std::int32_t* end_;
+  const std::int32_t* m_begin;
+  const std::int32_t* m_end;
 };
 
 /// The lists of all cells behind each other in one array. A heap list per cell would cost several
 /// times the memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
-class CellGrid {
+class cell_grid {
 public:
   /// Where a cell's list ends (it begins where the list of the cell before ends) and a height that no facet of the
   /// list reaches over or near its triangle.
@@ -43,27 +43,27 @@ public:
     float top = 0.0F;
   };
 
-  bool empty() const { return data_.size() < 2; }
+  bool empty() const { return m_data.size() < 2; }
   /// Cells are stored in tiles of 8 x 8, so that a body's neighbourhood lies on few pages of memory.
   std::size_t index(std::int32_t i, std::int32_t j) const {
     const auto column = static_cast<std::size_t>(i), row = static_cast<std::size_t>(j);
-    const std::size_t tile = column / k_tile * tile_rows_ + row / k_tile;
+    const std::size_t tile = column / k_tile * m_tile_rows + row / k_tile;
     return tile * (k_tile * k_tile) + column % k_tile * k_tile + row % k_tile;
   }
   element_list list(std::size_t cell) const {
-    return {numbers_.data() + data_[cell].end, numbers_.data() + data_[cell + 1].end};
+    return {m_numbers.data() + m_data[cell].end, m_numbers.data() + m_data[cell + 1].end};
   }
-  float top(std::size_t cell) const { return data_[cell + 1].top; }
-  const cell_data* data(std::size_t cell) const { return data_.data() + cell; }
-  const std::int32_t* numbers(std::uint32_t first) const { return numbers_.data() + first; }
-  std::size_t number_of_entries() const { return numbers_.size(); }
+  float top(std::size_t cell) const { return m_data[cell + 1].top; }
+  const cell_data* data(std::size_t cell) const { return m_data.data() + cell; }
+  const std::int32_t* numbers(std::uint32_t first) const { return m_numbers.data() + first; }
+  std::size_t number_of_entries() const { return m_numbers.size(); }
 
 private:
   friend class cell_grid_builder;
   static constexpr std::size_t k_tile = 8;
-  qv::large_vector<cell_data> data_;  ///< [0] is a sentinel, cell c is at c + 1
-  qv::large_vector<std::int32_t> numbers_;
-  std::size_t tile_rows_ = 0;
+  qv::large_vector<cell_data> m_data;  ///< [0] is a sentinel, cell c is at c + 1
+  qv::large_vector<std::int32_t> m_numbers;
+  std::size_t m_tile_rows = 0;
 };
 
 class CRoad;

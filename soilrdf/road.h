@@ -76,7 +76,7 @@ struct alignas(64) CFacet {
 
 class CRoad {
 public:
-  CellGrid cells;  ///< plan grid: column i = 0 .. nx-1 along x, row j = 0 .. ny-1 along y
+  cell_grid cells;  ///< plan grid: column i = 0 .. nx-1 along x, row j = 0 .. ny-1 along y
   qv::large_vector<CNode> nodes;
   qv::large_vector<CElement> elements;
   qv::large_vector<CFacet> facets;  ///< one per element

@@ -11,7 +11,7 @@
 namespace qvsoilrdf {
 namespace {
 
-void check_node_numbers(const CRoad& road, int& ierr, char** msg) {
+void check_node_numbers(const CRoad& road, const qv::fault_channel& channel) {
   const auto count = static_cast<std::int64_t>(road.nodes.size());
   for (const CElement& element : road.elements) {
     for (const std::int32_t number : element.node) {
@@ -19,7 +19,7 @@ void check_node_numbers(const CRoad& road, int& ierr, char** msg) {
       qv::first_fault("READ RDF ERROR : Element " + std::to_string(element.id) + " names node " +
                           std::to_string(number) + "; node numbers must lie between 1 and " + std::to_string(count) +
                           ".",
-                      ierr, msg);
+                      channel.ierr, channel.msg);
     }
   }
 }
@@ -91,12 +91,12 @@ void derive_triangles(CRoad& road) {
 }
 
 /// How many cells of at least `smallest` fit into `extent`.
-std::int32_t cell_count(double extent, double smallest, const char* axis, int& ierr, char** msg) {
+std::int32_t cell_count(double extent, double smallest, const char* axis, const qv::fault_channel& channel) {
   const double quotient = extent / smallest;
   if (!qv::fits_int(quotient)) {
     qv::first_fault("READ RDF ERROR : The number of grid cells along " + std::string(axis) + " is " +
                         qv::number_text(quotient) + "; it must lie between 0 and 2147483647.",
-                    ierr, msg);
+                    channel.ierr, channel.msg);
   }
   const auto c = static_cast<std::int32_t>(quotient);
   const double rest = extent - c * smallest;
@@ -104,7 +104,7 @@ std::int32_t cell_count(double extent, double smallest, const char* axis, int& i
   return count == 0 ? 1 : count;
 }
 
-void size_grid(CRoad& road, int& ierr, char** msg) {
+void size_grid(CRoad& road, const qv::fault_channel& channel) {
   const double lx = road.x_max - road.x_min;
   const double ly = road.y_max - road.y_min;
   const double hx = 0.5 * road.max_dx;
@@ -113,28 +113,28 @@ void size_grid(CRoad& road, int& ierr, char** msg) {
     qv::first_fault(
         " READ RDF ERROR : THE LONGITUDINAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE "
         "CONFIRM IT! \n",
-        ierr, msg);
+        channel.ierr, channel.msg);
   }
-  road.nx = cell_count(lx, hx, "x", ierr, msg);
+  road.nx = cell_count(lx, hx, "x", channel);
   if (hy == 0.0) {
     qv::first_fault(
         " READ RDF ERROR : THE VERTICAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE CONFIRM "
         "IT! \n",
-        ierr, msg);
+        channel.ierr, channel.msg);
   }
-  road.ny = cell_count(ly, hy, "y", ierr, msg);
+  road.ny = cell_count(ly, hy, "y", channel);
   road.cell_dx = lx / road.nx;
   road.cell_dy = ly / road.ny;
 }
 
 }  // namespace
 
-void derive_road(CRoad& road, int& ierr, char** msg) {
+void derive_road(CRoad& road, const qv::fault_channel& channel) {
   road.x_offset = -road.x_min;
   road.y_offset = -road.y_min;
-  check_node_numbers(road, ierr, msg);
+  check_node_numbers(road, channel);
   derive_triangles(road);
-  size_grid(road, ierr, msg);
+  size_grid(road, channel);
   build_cell_grid(road);
 }
 

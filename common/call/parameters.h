@@ -8,13 +8,6 @@
 /// Reading numbers of a parameter list. Ids, indices, counts and switches are doubles truncated toward zero.
 namespace qv {
 
-/// Where a guard puts its message, and what the message begins with.
-struct fault_channel {
-  const char* prefix;  ///< of the module, ends with a blank
-  int& ierr;
-  char** msg;
-};
-
 /// An entry of a parameter list and what a fault calls it.
 struct parameter {
   int position;         ///< of qvbrisk/layouts.h
@@ -43,9 +36,8 @@ inline std::string number_text(double value) {
 /// `value` truncated toward zero. A value that no int can hold is a fault that names it.
 inline int to_int(double value, const char* quantity, const fault_channel& channel) {
   if (fits_int(value)) return static_cast<int>(value);
-  fault(std::string(channel.prefix) + "The " + quantity + " is " + number_text(value) +
-            "; it must be a number between -2147483648 and 2147483647.",
-        channel.ierr, channel.msg);
+  fault(channel, std::string("The ") + quantity + " is " + number_text(value) +
+                     "; it must be a number between -2147483648 and 2147483647.");
 }
 
 /// An entry of a parameter list, read as above. The text that names it is only made for a fault.
@@ -58,8 +50,7 @@ inline int to_int(const double* par, const parameter& entry, const fault_channel
 inline int to_count(double value, const char* quantity, const fault_channel& channel) {
   const int count = to_int(value, quantity, channel);
   if (count >= 0) return count;
-  fault(std::string(channel.prefix) + "The " + quantity + " is " + std::to_string(count) + "; it must not be negative.",
-        channel.ierr, channel.msg);
+  fault(channel, std::string("The ") + quantity + " is " + std::to_string(count) + "; it must not be negative.");
 }
 
 inline int to_count(const double* par, const parameter& entry, const fault_channel& channel) {
@@ -70,9 +61,8 @@ inline int to_count(const double* par, const parameter& entry, const fault_chann
 /// Refuses an index outside a filled container of `size` entries.
 inline void check_index(int index, size_t size, const char* quantity, const fault_channel& channel) {
   if (index >= 0 && static_cast<size_t>(index) < size) return;
-  fault(std::string(channel.prefix) + "The " + quantity + " is " + std::to_string(index) +
-            "; it must lie between 0 and " + std::to_string(static_cast<long long>(size) - 1) + ".",
-        channel.ierr, channel.msg);
+  fault(channel, std::string("The ") + quantity + " is " + std::to_string(index) + "; it must lie between 0 and " +
+                     std::to_string(static_cast<long long>(size) - 1) + ".");
 }
 
 inline void check_index(int index, size_t size, const parameter& entry, const fault_channel& channel) {

@@ -17,14 +17,14 @@ public:
   /// Fills `buffer` as far as the file goes; 0 at its end, and for what opens but cannot be read (a folder).
   std::size_t read(char* buffer, std::size_t size);
   /// Bytes that are still to come; 0 also where that cannot be known (a pipe).
-  std::size_t bytes_left() const { return bytes_left_; }
+  std::size_t bytes_left() const { return m_bytes_left; }
 
 private:
   struct closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
-  std::unique_ptr<std::FILE, closer> file_;
-  std::size_t bytes_left_ = 0;
+  std::unique_ptr<std::FILE, closer> m_file;
+  std::size_t m_bytes_left = 0;
 };
 
 /// Path of the model file (GET_QVSPATH_S). A length beyond the buffer gives none: false.
@@ -41,21 +41,21 @@ file_outcome open_data_file(void* handle, const std::wstring& name, data_file& f
 /// The part of a file that is being read, in a buffer that stays in the cache.
 class file_window {
 public:
-  explicit file_window(data_file& file) : file_(file) {}
+  explicit file_window(data_file& file) : m_file(file) {}
 
   /// Bytes behind what was taken last, as far as known.
-  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
+  std::size_t bytes_left() const { return static_cast<std::size_t>(m_end - m_at) + m_file.bytes_left(); }
 
 protected:
   /// Moves what is left to the front and reads on behind it; false at the end of the file.
   bool refill();
 
-  const char* at_ = nullptr;  ///< not taken yet, up to `end_`
-  const char* end_ = nullptr;
+  const char* m_at = nullptr;  ///< not taken yet, up to `m_end`
+  const char* m_end = nullptr;
 
 private:
-  data_file& file_;
-  large_vector<char> buffer_;
+  data_file& m_file;
+  large_vector<char> m_buffer;
 };
 
 /// One line of a file, without its end.
@@ -74,7 +74,7 @@ public:
   bool next(text_line& line);
 
 private:
-  long number_ = 0;
+  long m_number = 0;
 };
 
 /// The text of a string entity of the model (get_string_s). A length beyond the buffer gives no text: false.

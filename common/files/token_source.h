@@ -23,8 +23,8 @@ private:
   bool read_on();
   bool fail();
 
-  bool more_ = true;  ///< the file has not ended yet
-  bool good_ = true;
+  bool m_more = true;  ///< the file has not ended yet
+  bool m_good = true;
 };
 
 }  // namespace qv

@@ -22,18 +22,18 @@ public:
   void call(const marker_kinematics& k, int iflag, std::vector<double>& result);
 
   /// Force and area over the points, of the last call.
-  const std::array<double, 4>& sums() const { return sums_; }
-  int points_in_contact() const { return points_in_contact_; }
+  const std::array<double, 4>& sums() const { return m_sums; }
+  int points_in_contact() const { return m_points_in_contact; }
   const contact_point& point(int i, int j) const {
-    return points_[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
+    return m_points[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
   }
 
 private:
-  road road_;
-  body body_;
-  std::vector<std::vector<contact_point>> points_;
-  std::array<double, 4> sums_{};
-  int points_in_contact_ = 0;
+  road m_road;
+  body m_body;
+  std::vector<std::vector<contact_point>> m_points;
+  std::array<double, 4> m_sums{};
+  int m_points_in_contact = 0;
 };
 
 /// Geometry of one point: true in contact. By value: it cannot touch the caller's road.

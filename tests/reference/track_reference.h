@@ -71,24 +71,24 @@ public:
   void call(void* handle, double time, const track_layout& now, int iflag, std::vector<double>& result);
 
   /// Force and area; first shear; normal and second shear per node: of the last call.
-  const std::array<double, 4>& contact_sum() const { return contact_; }
-  const std::array<double, 6>& shear_sum() const { return shear_; }
-  const std::vector<std::array<double, 6>>& normal_sums() const { return normal_; }
-  const belt_record& record(std::size_t node, std::size_t side) const { return records_[node][side]; }
-  int points_in_contact() const { return points_in_contact_; }
-  int stale_points() const { return stale_points_; }
+  const std::array<double, 4>& contact_sum() const { return m_contact; }
+  const std::array<double, 6>& shear_sum() const { return m_shear; }
+  const std::vector<std::array<double, 6>>& normal_sums() const { return m_normal; }
+  const belt_record& record(std::size_t node, std::size_t side) const { return m_records[node][side]; }
+  int points_in_contact() const { return m_points_in_contact; }
+  int stale_points() const { return m_stale_points; }
 
 private:
   void clear_sums();
   void lay_belt(const track_kinematics& k, const track_layout& now, double& L);
   void sum_normals(std::size_t span, std::size_t nodes, const track_point& first, const track_point& second);
 
-  road road_;
-  std::vector<std::array<belt_record, 2>> records_;
-  std::array<double, 4> contact_{};
-  std::array<double, 6> shear_{};
-  std::vector<std::array<double, 6>> normal_;
-  int points_in_contact_ = 0, stale_points_ = 0;
+  road m_road;
+  std::vector<std::array<belt_record, 2>> m_records;
+  std::array<double, 4> m_contact{};
+  std::array<double, 6> m_shear{};
+  std::vector<std::array<double, 6>> m_normal;
+  int m_points_in_contact = 0, m_stale_points = 0;
 };
 
 }  // namespace qvref
