@@ -26,12 +26,12 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
     facet.y[i] = n[1];
     facet.z[i] = n[2];
   }
-  normalise(facet, count);  // as the search leaves it
+  normalise(facet, count);  // the facet normal as a single search stores it
   for (int i = 0; i < count; ++i) take(facet, i, m_made[i].facet_normal);
-  normalise(facet, count);  // once more, as the contact does
+  normalise(facet, count);  // kept: the contact normalises it once more, which may change its last digit
   rotate(m_k.A5, facet, normal, count);
   normalise(normal, count);
-  const double* y = m_k.A1 + 3;  // of the body
+  const double* y = m_k.A1 + 3;  // y axis of the body
   for (int i = 0; i < count; ++i) {
     tangent_1.x[i] = y[1] * normal.z[i] - y[2] * normal.y[i];
     tangent_1.y[i] = y[2] * normal.x[i] - y[0] * normal.z[i];
@@ -44,7 +44,7 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
     tangent_2.z[i] = normal.x[i] * tangent_1.y[i] - normal.y[i] * tangent_1.x[i];
   }
   normalise(tangent_2, count);
-  const double* z = m_k.A1 + 6;
+  const double* z = m_k.A1 + 6;  // z axis of the body
   for (int i = 0; i < count; ++i) {
     contact_frame& frame = m_made[i];
     take(normal, i, frame.normal);
@@ -55,7 +55,7 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
 }
 
 void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat) {
-  int place[k_block];  // of a point's frame among the made ones; k_made: it has it already
+  int place[k_block];  // index of a point's frame in m_made; k_made: the cache had the frame
   int missing = 0;
   for (int i = 0; i < count; ++i) {
     const std::int32_t number = points[i]->facet_number;
@@ -80,7 +80,7 @@ void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat
   }
   for (int i = 0; i < missing; ++i) {
     entry& e = entry_of(m_made[i].number);
-    if (e.frame.number != m_made[i].number) continue;  // another triangle's by now
+    if (e.frame.number != m_made[i].number) continue;  // another triangle has the entry by now
     e.frame = m_made[i];
     e.pending = k_made;
   }

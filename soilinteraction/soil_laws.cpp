@@ -7,8 +7,8 @@ namespace {
 
 constexpr double k_hump_scale = 0.6321205588285577;  // 1 - 1/e
 
-/// Damping coefficient of the pressure, ramped in linearly up to the boundary sinkage.
-/// @param power  z^(n - 1) at depth z
+/// The damping coefficient D of set_loads at depth z.
+/// @param power  z^(n - 1)
 double damping_coefficient(const soil_law& law, double z, double power) {
   const double scaled = z * law.bekker.s;
   const double a3 = scaled == z ? power : std::pow(scaled, law.bekker.n - 1.0);
