@@ -5,15 +5,17 @@
 
 #include "soilinteraction/contact_records.h"
 
-/// Records of the contact between a track's belt and a soil road: those of a body's grid points, extended by what a
-/// belt between two nodes adds.
+/// Records of the contact between a track's belt and a soil road: the records of a body's grid points, extended by what
+/// a belt between two nodes adds. Marker R is the reference of all positions, velocities and forces.
 namespace qvsoilinteractionmtl {
 
-/// Geometry and history of one belt point. On a hard road its shear equals the normal force (`concrete_friction` 1).
+/// Geometry and history of one belt point. On a hard road each of its shear forces equals the normal force
+/// (`concrete_friction` 1).
 class Croad_contact_mtl : public qvsoilinteraction::Croad_contact {
 public:
-  double lever_marker[3];  ///< of the point from marker I, axes of marker R
-  double lever_node[3];    ///< of the point from the centre of the record's node, axes of marker R
+  double lever_marker[3];  ///< from marker I to the point, axes of marker R [length]
+  double lever_node[3];    ///< from the centre of the record's node to the point, axes of marker R [length]; no
+                           ///< computation reads it (kept)
 
   Croad_contact_mtl() { Initialize(); }
 
@@ -28,9 +30,10 @@ public:
 class Csoil_contact_mtl : public qvsoilinteraction::Csoil_contact {
 public:
   double shear_share[6];   ///< share of the first shear force, axes of marker R, then three zeros
-  double shear_work[3];    ///< the same share before it goes there
-  double normal_share[6];  ///< share of the normal and of the second shear force, then three zeros
-  double node_weight;      ///< fraction of the point's force that the node takes
+  double normal_share[6];  ///< share of the normal and of the second shear force, axes of marker R, then three zeros
+  double node_weight;      ///< fraction of the point's force that the node takes [-]
+
+  double shear_work[3];  ///< copy of shear_share[0..2]; written, never read (kept: part of the documented record)
 
   Csoil_contact_mtl() { Initialize(); }
 
@@ -42,20 +45,21 @@ public:
   }
 };
 
-/// One end of a belt span: the record of (node, side). The span from node i to node i + 1 is held by (i, side 1),
-/// where it starts and whose points are evaluated, and by (i + 1, side 0), where it ends and whose grid takes that
-/// node's share of each point's force.
+/// One end of a belt span: the record of (node, side). Two records hold the span from node i to node i + 1: (i, side
+/// 1), where it starts, and (i + 1, side 0), where it ends. The points of the start record are evaluated; the grid of
+/// the end record takes node i + 1's share of each point's force.
 class CSoilInteractionMTL {
 public:
   std::vector<std::vector<Croad_contact_mtl>> road_contacts;  ///< nLong rows of nLat points
   std::vector<std::vector<Csoil_contact_mtl>> soil_contacts;
-  std::int32_t nLong;
-  std::int32_t nLat;
+  std::int32_t nLong;     ///< points along the span; -1 at first
+  std::int32_t nLat;      ///< points across the belt; -1 at first
   std::int32_t track_id;  ///< the track's index once the record is set up
-  double span_length;
-  std::int32_t side;  ///< 0: a span ends at this node, 1: a span starts there
-  double frame[9];    ///< along the span, along the axle, normal of the belt (away from the ground); axes of marker R
-  double points[6];   ///< where the span starts and where it ends, from marker R in its axes
+  double span_length;     ///< distance of the two points below [length]
+  std::int32_t side;      ///< 0: a span ends at this node, 1: a span starts there
+  double frame[9];   ///< u along the span, a along the axle, w normal of the belt (away from the ground if the chain
+                     ///< is listed along x), one behind the other; axes of marker R
+  double points[6];  ///< where the span starts and where it ends, from marker R in its axes [length]
 
   CSoilInteractionMTL() { Initialize(); }
 
@@ -68,16 +72,22 @@ public:
     for (double& value : points) value = 0.0;
   }
 
-  /// Places the record's grid on the span, rows from its start to its end and columns across the belt, and gives each
-  /// point its levers and its weight.
-  /// @param b  belt width    @param pI, pNode  position of marker I and of the record's node, from marker R in its axes
+  /// Places the record's grid on the span, rows from its start P0 to its end and columns across the belt, and gives
+  /// each point its levers and its weight. Point (j, k), both from 0, is
+  ///
+  ///   position = P0 + frame (j dx, k dy - b/2, 0)     dx = span length/(nLong - 1), dy = b/(nLat - 1)
+  ///
+  /// A single row or column would divide by 0; parameter lists with one are refused.
+  /// @param b  belt width [length]
+  /// @param pI, pNode  positions of marker I and of the record's node, from marker R in its axes [length]
   void Calculation_Node_Position(double b, const double* pI, const double* pNode);
 
-  /// The weights alone, which no motion changes: from 1 to 0 along the span on side 1, from 0 to 1 on side 0.
+  /// Sets the weights alone, which no motion changes: 1 - j/(nLong - 1) in row j on side 1, j/(nLong - 1) on side 0.
+  /// The weights of a span's two records add up to 1.
   void set_node_weights();
 };
 
-/// The records of one track, by node and side.
+/// The records of one track: [node][side].
 using track_records = std::vector<std::vector<CSoilInteractionMTL>>;
 
 }  // namespace qvsoilinteractionmtl

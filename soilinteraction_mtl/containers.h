@@ -7,10 +7,10 @@
 #include "qvbrisk/layouts.h"
 #include "soilinteraction_mtl/contact_records.h"
 
-/// State of the track module, indexed by road and track; it lives from load to unload and the first set-up call sizes
-/// it for good.
+/// State of the track module, indexed by road and track. It lives from load to unload; the first set-up call sizes it
+/// for good.
 ///
-/// Kept: set-up gives each road one track, so the only track index is 0; a second track names a road of its own.
+/// Kept: the set-up gives each road one track, so the only track index is 0. A second track names a road of its own.
 namespace qvsoilinteractionmtl {
 
 constexpr const char* k_prefix = "SOILINTERACTION MTL ERROR : ";
@@ -26,15 +26,15 @@ extern std::vector<qvsoilrdf::CRoad> s_3Dsoil_roads;
 extern by_road_and_track<track_records> s_MTLsoil_forces;
 extern by_road_and_track<contact_sum> s_MTLsoil_contact_forces_Sum;
 extern by_road_and_track<node_sum> s_MTLsoil_shear_forces_Sum;
-extern by_road_and_track<std::vector<node_sum>> s_MTLsoil_normal_forces_Sum;  ///< last index: node
+extern by_road_and_track<std::vector<node_sum>> s_MTLsoil_normal_forces_Sum;  ///< the last index is the node
 
-// Kept: these stay empty, nothing uses them.
+// Kept: these belong to the module's documented state. No subroutine reads or writes them, so they stay empty.
 extern by_road_and_track<node_sum> s_MTLsoil_shear_forces_Sum_p;
 extern by_road_and_track<std::vector<node_sum>> s_MTLsoil_normal_forces_Sum_p;
 extern by_road_and_track<std::vector<double>> s_MTLsoil_Input;
 
-/// The entry of a road and a track, null while the container is empty. An index outside a container that is filled is
-/// a fault that names it.
+/// The entry of a road and a track; null while the container is empty. An index outside a filled container is a fault
+/// that names it.
 template <class Entry>
 Entry* entry_or_null(by_road_and_track<Entry>& container, int road, const qv::parameter& road_entry, int track,
                      const qv::parameter& track_entry, const qv::fault_channel& channel) {

@@ -24,16 +24,16 @@ void clear_loads(Csoil_contact_mtl& sc, Csoil_contact_mtl& sc2) {
   }
 }
 
-/// A span and the normal sums that its points add to.
+/// A span under evaluation.
 struct span_work {
-  int number = 0;  ///< from 0, that of its first node
+  int number = 0;  ///< from 0; the number of the node where it starts
   span_motion motion = {};
   grid_spacing grid = {};
   CSoilInteractionMTL* start = nullptr;
   CSoilInteractionMTL* end = nullptr;
 };
 
-/// The records of a row of a span's grid.
+/// The records of one row of a span's grid.
 struct row_pointers {
   Croad_contact_mtl* points;
   Csoil_contact_mtl *start, *end;
@@ -51,14 +51,15 @@ struct point_block {
   Csoil_contact_mtl* start[k_block];
   Csoil_contact_mtl* end[k_block];
   const span_work* span = nullptr;
-  double* values = nullptr;    ///< where the first point's results go
-  int shared_with_before = 0;  ///< that many points at its beginning have results of the span before
+  double* values = nullptr;    ///< the first point's place in the result array
+  int shared_with_before = 0;  ///< so many of its first points already have results, of the span before
 };
 
-/// The sums while the points of one block are added, one after the other.
+/// The sums while the points of one block are added, one after the other. Local copies: the compiler can then keep them
+/// in registers.
 ///
 /// Kept: an inner node gets both shares of the span that starts there and none of the span that ends there, and the
-/// last node's share is counted at the node before it too.
+/// last node's share is also counted at the node before it.
 class block_sums {
 public:
   block_sums(const double* result, const track_sums& sums, int span, int nodes)
@@ -97,7 +98,7 @@ private:
   double m_local[3], m_contact[QV_TRACK_SUM_RESULT_LENGTH], m_shear[3], m_start[3], m_end[3];
 };
 
-/// One call's way over the points of a track, span by span, in blocks.
+/// Takes the points of a track through one call, span by span and block by block.
 class evaluation {
 public:
   evaluation(void* handle, double time, const parameters& p, int iflag, const CRoad& road, const track_state& state,
@@ -145,7 +146,7 @@ public:
   }
 
 private:
-  /// Two spans at a time are under way: one whose last block is being finished and one whose first is being placed.
+  /// Two spans are in use at a time: the last block of one is finished while the first block of the next is placed.
   const span_work& prepare_span(int i, track_records& track) {
     const auto node = static_cast<std::size_t>(i);
     const node_motion& from = m_state.nodes[node];
@@ -154,7 +155,9 @@ private:
     span.start = &track[node][1];
     span.end = &track[node + 1][0];
     span.motion = make_span_motion(span.start->frame + 6, from.A, from.velocity, from.angular_velocity);
-    if (m_iflag == 1) {  // all that the records hold; later on only what is read again: nothing but weights of the end
+    // At set-up, fill both records. Later calls read only the start record's grid, and of the end record only its node
+    // weights, which no motion changes.
+    if (m_iflag == 1) {
       span.start->Calculation_Node_Position(m_p.width, m_state.motion.k.d1, from.position);
       span.end->Calculation_Node_Position(m_p.width, m_state.motion.k.d1, m_state.nodes[node + 1].position);
     }
@@ -177,7 +180,7 @@ private:
     m_values += QV_TRACK_POINT_LENGTH;
   }
 
-  /// Places the next block, so that its triangles come from memory while the one before is finished.
+  /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
   void advance(point_block*& now, point_block*& next) {
     const span_work& span = *next->span;
     place_on_span(*span.start, m_state.motion.k.d1, m_state.nodes[static_cast<std::size_t>(span.number)].position,
@@ -246,7 +249,7 @@ private:
   qvsoilinteraction::frame_maker m_frames;
   track_sums m_sums;
   double* m_result;
-  double* m_values;  ///< where the next point's results go
+  double* m_values;  ///< next point's place in the result array
   qv::fault_channel m_channel;
   span_work m_spans[2];
   point_block m_blocks[2];

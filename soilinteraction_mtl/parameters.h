@@ -23,7 +23,7 @@ inline int to_count_of_two_or_more(const double* par, const qv::parameter& entry
   qv::fault(channel, "The " + text_of(entry) + " is " + std::to_string(count) + "; it must be at least 2.");
 }
 
-/// Grid points of a belt: neighbouring spans share a row over their common node.
+/// Number of grid points of a belt. Two neighbouring spans share the row over their common node.
 inline std::size_t belt_points(int nodes, int n_long, int n_lat) {
   return ((static_cast<std::size_t>(nodes) - 1) * (static_cast<std::size_t>(n_long) - 1) + 1) *
          static_cast<std::size_t>(n_lat);

@@ -24,7 +24,7 @@ by_road_and_track<Entry> sized(int roads, const Entry& entry) {
   return by_road_and_track<Entry>(static_cast<std::size_t>(roads), std::vector<Entry>(k_tracks_per_road, entry));
 }
 
-/// All or none: when memory runs out on the way, a later call begins anew.
+/// Sizes all containers or none: if memory runs out on the way, a later call begins anew.
 void size_containers(const parameters& p, const qv::fault_channel& channel) {
   if (!s_MTLsoil_forces.empty()) return;
   if (p.roads == 0) {
@@ -62,11 +62,12 @@ void size_grids(const parameters& p, track_records& track, const qv::fault_chann
     }
   }
   for (std::size_t node = 0; node < nodes; ++node) {
-    for (CSoilInteractionMTL& record : track[node]) record.track_id = p.track;  // last: records without grids have none
+    for (CSoilInteractionMTL& record : track[node])
+      record.track_id = p.track;  // last: records without grids are not set up
   }
 }
 
-/// Constant from here on: a road is read once.
+/// The soil type never changes afterwards, because a road is read once.
 void store_soil_type(const CRoad& road, track_records& track) {
   for (auto& node : track)
     for (CSoilInteractionMTL& record : node)
@@ -78,7 +79,8 @@ track_records* entry(const parameters& p, const qv::fault_channel& channel) {
   return entry_or_null(s_MTLsoil_forces, p.road, k_road_index, p.track, k_track_index, channel);
 }
 
-/// The host's result array has room for the points of the parameters, the records for those of the set-up.
+/// Refuses more nodes than the records have, and fewer points than they have: the host's result array has room for the
+/// points of the parameters, but the points of the set-up are written to it.
 void check_counts(const parameters& p, const track_records& track, const qv::fault_channel& channel) {
   const auto is_set_up = [](const auto& node) { return node[0].track_id != k_not_set; };
   const auto nodes = static_cast<std::size_t>(std::count_if(track.begin(), track.end(), is_set_up));

@@ -10,9 +10,9 @@
 namespace qvsoilinteractionmtl {
 namespace {
 
-track_state s_state;  ///< of the call under way; grows at set-up only
+track_state s_state;  ///< what the current call works with; it grows at set-up only
 
-/// For a track that is set up, so that the containers hold its road and its index.
+/// Clears the track's sums. Precondition: the track is set up, so the containers hold its road and its index.
 track_sums clear_sums(const parameters& p) {
   const auto road = static_cast<std::size_t>(p.road), track = static_cast<std::size_t>(p.track);
   track_sums sums = {s_MTLsoil_contact_forces_Sum[road][track], s_MTLsoil_shear_forces_Sum[road][track],
@@ -39,7 +39,7 @@ void interaction(void* handle, double time, double* par, int iflag, double* resu
     set_up(handle, p, channel);
     track = find_track(p, channel);
   }
-  if (track == nullptr) return;  // asked before its set-up a track has no points and exerts nothing
+  if (track == nullptr) return;  // before its set-up a track has no points and exerts nothing
   read_nodes(par, p, s_state, channel);
   const track_sums sums = clear_sums(p);
   fetch_motion(handle, p, s_state);
