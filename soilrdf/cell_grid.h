@@ -8,19 +8,19 @@
 
 namespace qvsoilrdf {
 
-/// One bucket of the plan grid: the numbers (from 1) of the elements that meet it, in element order.
+/// One cell of the plan grid.
 class CCell {
 public:
-  std::vector<std::int32_t> elements;
-  std::int32_t i = 0;  ///< column along x, from 0
-  std::int32_t j = 0;  ///< row along y, from 0
-  double x_lo = 0.0;
+  std::vector<std::int32_t> elements;  ///< numbers (from 1) of the elements that meet the cell, in element order
+  std::int32_t i = 0;                  ///< column along x, from 0
+  std::int32_t j = 0;                  ///< row along y, from 0
+  double x_lo = 0.0;                   ///< bounds [file length]
   double y_lo = 0.0;
   double x_hi = 0.0;
   double y_hi = 0.0;
 };
 
-/// The element numbers of one cell, in place.
+/// A view of the element numbers of one cell.
 class element_list {
 public:
   element_list(const std::int32_t* begin, const std::int32_t* end) : m_begin(begin), m_end(end) {}
@@ -32,15 +32,13 @@ private:
   const std::int32_t* m_end;
 };
 
-/// The lists of all cells behind each other in one array. A heap list per cell would cost several
-/// times the memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
+/// The element lists of all cells, one behind the other in one array. A heap list per cell would take several times the
+/// memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
 class cell_grid {
 public:
-  /// Where a cell's list ends (it begins where the list of the cell before ends) and a height that no facet of the
-  /// list reaches over or near its triangle.
   struct cell_data {
-    std::uint32_t end = 0;
-    float top = 0.0F;
+    std::uint32_t end = 0;  ///< where the cell's list ends; it begins where the list of the cell before ends
+    float top = 0.0F;       ///< a height above every point that the search can find in a facet of the list
   };
 
   bool empty() const { return m_data.size() < 2; }
@@ -68,9 +66,9 @@ private:
 
 class CRoad;
 
-/// Builds the grid of a road whose nodes, elements, facets, bounds and cell counts stand: one pass over the
-/// triangles, each looking only at the cells its bounds touch. The lists are those that FindElementsBelongtoCell
-/// defines, in the same order. Throws std::length_error for more entries than 32 bits can count.
+/// Builds the grid of a road that has its nodes, elements, facets, bounds and cell counts. Looks, for each triangle,
+/// only at the cells that its bounds touch. The lists are those that FindElementsBelongtoCell defines, in the same
+/// order. Throws std::length_error for more entries than 32 bits can count.
 void build_cell_grid(CRoad& road);
 
 }  // namespace qvsoilrdf

@@ -19,7 +19,7 @@ void load_road(void* handle, int string_id, int index, CRoad& road, const qv::fa
     int status = 0;
     stop_solver(handle, 1, 0, 1, channel.msg[0], &status);
   }
-  road.road_id = index;  // even when its reading broke off: it is not read again
+  road.road_id = index;  // even if its reading broke off, so that it is not read again
 }
 
 }  // namespace qvsoilrdf

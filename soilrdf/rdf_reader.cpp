@@ -18,8 +18,8 @@
 namespace qvsoilrdf {
 namespace {
 
-constexpr std::size_t k_line_limit = 640;        // of the lines outside the node and element blocks
-constexpr double k_smallest_coordinate = 1e-08;  // anything nearer to 0 is 0
+constexpr std::size_t k_line_limit = 640;  // outside the node and element blocks a line must be shorter than this
+constexpr double k_smallest_coordinate = 1e-08;  // in file units: a coordinate nearer to 0 becomes 0
 
 class rdf_reader {
 public:
@@ -49,7 +49,7 @@ private:
 
   static bool holds(const std::string& text, const char* key) { return text.find(key) != std::string::npos; }
 
-  // KEY = 'TEXT'. Any other key is ignored: a soil type or a law's name in quotes has no effect.
+  // KEY = 'TEXT'. Kept: any other key is ignored, so a soil type or a law's name in quotes has no effect.
   void read_quoted(const std::string& text, const std::string& field) {
     const std::vector<std::string> pieces = splitStr(field, '\'');
     std::string value = pieces.size() > 1 ? pieces[1] : std::string();
@@ -77,7 +77,7 @@ private:
     } else if (unsupported != nullptr) {
       refuse(" READ RDF ERROR : " + value + unsupported);
     } else {
-      // Kept: the one message without a leading blank and a closing line end; post-processors match it.
+      // Kept: unlike the others this message has no leading blank and no closing line end; post-processors match it.
       refuse("READ RDF ERROR : " + value + " is an unsupported TIME UNIT.");
     }
   }
@@ -87,14 +87,14 @@ private:
       m_road.angle_factor = DTOR;
       m_road.angle_unit = "DEGREE";
     } else if (value == "RADIAN" || value == "RAD") {
-      m_road.angle_factor = 1.0;  // kept: angle_unit stays as it is
+      m_road.angle_factor = 1.0;  // kept: angle_unit is not set back
     } else {
       refuse(" READ RDF ERROR : " + value + " is an unsupported ANGLE UNIT. \n");
     }
   }
 
-  // KEY = number or KEY = TEXT, the text exactly as written (a blank behind "=" belongs to it). The first key found
-  // in the line decides, so FILE_VERSION stands before VERSION.
+  // KEY = number or KEY = TEXT, the text exactly as written (a blank after "=" belongs to it). The first key that is
+  // found in the line decides, so FILE_VERSION is tried before VERSION.
   void read_unquoted(const std::string& text, const std::string& field, long line_number) {
     if (read_number(text, field, "FILE_VERSION", m_road.file_version)) return;
     if (read_number(text, field, "VERSION", m_road.version)) return;
@@ -152,7 +152,7 @@ private:
   }
 
   /// Calls record(line) for each of `count` lines of a block. Lines that begin with "{" are skipped.
-  /// Kept: the first line behind the last record is consumed unread; files place a spacer there.
+  /// Kept: the first line after the last record is consumed unread; files have a spacer there.
   template <class Record>
   void read_block(std::int32_t count, Record&& record) {
     qv::text_line current;
@@ -164,7 +164,7 @@ private:
     }
   }
 
-  /// Room for `count` records, but never for more than the rest of the file can hold.
+  /// Reserves room for `count` records, but never for more than the rest of the file can hold.
   template <class Records>
   void reserve(Records& records, std::int32_t count) {
     constexpr std::size_t k_shortest_record = 8;  // four digits, each with a blank or a line end
@@ -262,7 +262,7 @@ bool read_rdf(void* handle, const std::wstring& path, CRoad& road, int& ierr, ch
     derive_road(road, channel);
     return true;
   } catch (const std::exception&) {
-    return false;  // the caller stops the analysis
+    return false;  // no message here: the caller stops the analysis
   }
 }
 

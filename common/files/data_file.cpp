@@ -15,7 +15,7 @@ std::size_t size_hint(std::FILE* file) {
   if (std::fseek(file, 0, SEEK_END) != 0) return 0;
   const long size = std::ftell(file);
   std::rewind(file);
-  constexpr long k_beyond_any_file = 1L << 40;  // what a folder answers
+  constexpr long k_beyond_any_file = 1L << 40;  // a folder answers with a size beyond this
   return size > 0 && size < k_beyond_any_file ? static_cast<std::size_t>(size) : 0;
 }
 
@@ -67,7 +67,7 @@ file_outcome open_data_file(void* handle, const std::wstring& name, data_file& f
 }
 
 bool line_source::next(text_line& line) {
-  const char* searched = m_at;  // no line end before
+  const char* searched = m_at;  // there is no line end before this
   for (;;) {
     const auto* stop = static_cast<const char*>(
         searched == m_end ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(m_end - searched)));

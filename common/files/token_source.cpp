@@ -19,7 +19,7 @@ bool token_source::read_on() {
   return m_more;
 }
 
-/// Goes to the next token and brings all of it into the buffer; false at the end of the file.
+/// Goes to the beginning of the next token; false at the end of the file.
 bool token_source::find_token() {
   for (;;) {
     while (m_at != m_end && is_blank(*m_at)) ++m_at;
@@ -28,7 +28,8 @@ bool token_source::find_token() {
   }
 }
 
-/// A token that reaches the end of the buffer may go on behind it; true when more of it is there now.
+/// Reads on if a token may reach beyond the end of the buffer: it may if all characters from `from` on can be part of a
+/// number. True if there are more characters now.
 bool token_source::goes_on(const char* from) {
   return m_more && std::all_of(from, m_end, may_be_in_number) && read_on();
 }
@@ -54,7 +55,7 @@ bool token_source::real(double& value) {
     const std::ptrdiff_t length = at - m_at;
     if (goes_on(is_number ? at : m_at)) continue;
     if (!is_number) return fail();
-    m_at += length;  // not to `at`: looking for more has moved the text, even when there was none
+    m_at += length;  // not m_at = at: looking for more has moved the text, even if there was none
     value = number;
     return true;
   }

@@ -2,7 +2,8 @@
 
 #include "tests/reference/soil_laws_reference.h"
 
-/// The whole 3D soil call for one element, literal: everything per point, the road copied wherever it is handed on.
+/// The whole 3D soil call for one element, slow and literal: everything is done per point, and the road is copied
+/// wherever it is passed on.
 namespace qvref {
 
 /// What an element asks its host for. Matrices marker -> ground, column by column.
@@ -36,7 +37,7 @@ private:
   int m_points_in_contact = 0;
 };
 
-/// Geometry of one point: true in contact. By value: it cannot touch the caller's road.
+/// Measures the geometry of one point; true if it is in contact. The road is a copy, so the caller's cannot change.
 bool measure_contact(road road, const body& body, const marker_kinematics& k, contact_point& point);
 
 void advance_history(bool in_contact, contact_point& point);

@@ -2,8 +2,8 @@
 
 #include "tests/reference/soil_laws_reference.h"
 
-/// A track on a soil road once more, slow and literal: every point by itself, every quantity asked of the host at every
-/// call.
+/// A track on a soil road, slow and literal: every point is evaluated by itself, and every quantity is asked of the
+/// host in every call.
 namespace qvref {
 
 /// Marker ids, sizes and grid of a track. Radii are without the belt's thickness.
@@ -34,9 +34,9 @@ struct belt_record {
   std::vector<std::vector<track_point>> points;  ///< [along][across]
 };
 
-/// Common outer tangent of two circles; leaves everything as it is when they have one centre.
+/// Lays the span along the common outer tangent of two circles; leaves everything as it is if they have one centre.
 void lay_tangent(const v3& c1, double r1, const v3& c2, double r2, const v3& axle, double& L, belt_record& span);
-/// Corners over the inner nodes of records by [node][side].
+/// Replaces the arcs around the inner nodes by corners. The records are [node][side].
 void cut_corners(std::vector<std::array<belt_record, 2>>& track, std::vector<double> radii);
 /// Places the grid and gives it its weights.
 void place_grid(double width, const v3& marker, const v3& node, belt_record& span);
@@ -55,11 +55,12 @@ struct track_kinematics {
 };
 track_kinematics fetch_track_kinematics(void* handle, const track_layout& layout);
 
-/// Geometry and slip of one point: true in contact.
+/// Measures the geometry and slip of one point; true if it is in contact.
 bool measure_track_contact(const road& road, const track_kinematics& k, const v3& span_normal, const node_state& node,
                            track_point& point);
 
-/// Shares of the loads of `first`, the point on the span's start record, for that record and the one at the end.
+/// Splits the loads of `first`, the point on the span's start record, between it and `second`, the point on the end
+/// record.
 void split_to_nodes(track_point& first, track_point& second);
 
 class track {

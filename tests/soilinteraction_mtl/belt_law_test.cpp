@@ -168,11 +168,11 @@ TEST(BeltShear, FollowsTheHumpedCurve) {
   }
 }
 
-TEST(BeltShear, IsNoneForASensitivityOrAShearModulusOfZero) {
-  qvref::soil no_sensitivity = loam(), no_modulus = loam();
+TEST(BeltShear, IsNoneForASensitivityOrAShearDisplacementKOfZero) {
+  qvref::soil no_sensitivity = loam(), no_displacement = loam();
   no_sensitivity.sensitivity = 0.0;
-  no_modulus.max_shear_disp = 0.0;
-  for (const qvref::soil& soil : {no_sensitivity, no_modulus}) {
+  no_displacement.max_shear_disp = 0.0;
+  for (const qvref::soil& soil : {no_sensitivity, no_displacement}) {
     EXPECT_EQ(get_wong_shear_pressure_mtl(soil_law(soil_road(soil), 0.5), 0.025, -0.4, 2e4), 0.0);
   }
 }
