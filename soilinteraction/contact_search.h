@@ -11,11 +11,13 @@
 /// Contact of a body's grid points with the road: the triangle under a point, the contact frame over it, sinkage, slip
 /// and shear displacement.
 ///
-///   r = A1 s         q = r + d1 - d5        p = A5T q       s the point on the body; r, q in ground axes, p in road
-///   axes sinkage = n . (q - A5 f)                                f the projection of p onto the triangle's plane, n
-///   its normal b = A1 tilde(W1) s + V1 - V5            slip = (t1 . b, t2 . b) u = b - A5 tilde(W5) f normal velocity
-///   = n . u j = (t1_0 . (q - q_0), t2_0 . (q - q_0))                travel since touch-down, whose values have the
-///   index 0
+///   r = A1 s                                 the point s on the body, from the body marker, ground axes
+///   q = r + d1 - d5,  p = A5T q              from the road base marker, ground axes and road axes
+///   sinkage = n . (q - A5 f)                 n: normal of the triangle, f: projection of p onto its plane
+///   b = A1 tilde(W1) s + V1 - V5             velocity against the road base marker
+///   slip = (t1 . b, t2 . b)                  t1, t2: tangents
+///   normal velocity = n . (b - A5 tilde(W5) f)
+///   j = (t1' . (q - q'), t2' . (q - q'))     travel since touch-down, which q', t1', t2' are from
 ///
 /// Markers, axes and letters are those of `kinematics`. The area ratio is the cosine between n and the plate's normal
 /// or, for a wheel, the direction from the point to the wheel's centre in the x-z plane of the road's axes.

@@ -25,7 +25,9 @@ using qvsoilinteraction::contact_patch;
 using qvsoilinteraction::soil_law;
 
 /// A plate's patch for a span of length L.
-inline contact_patch make_span_patch(double L, double b, int nLong, int nLat) { return {1, L, b, nLong, nLat}; }
+inline contact_patch make_span_patch(double L, double b, int nLong, int nLat) {
+  return {qvsoilinteraction::k_plate, L, b, nLong, nLat};
+}
 
 /// The road's laws for a span: the width in Bekker's law is the smaller of the span's length and the belt's width. The
 /// road file's own width is not used.
