@@ -33,8 +33,8 @@ private:
 };
 
 /// Geometry and history of one grid point. The fields that a point out of contact needs come first, in two cache lines.
-/// Lengths, forces and times in the model's units. A body's points have the ground reference marker's axes where
-/// "ground axes" is written, a track's points those of its marker R.
+/// Lengths, forces and times are in the model's units. For the points of a track, read "marker R" for "ground reference
+/// marker" and for "ground axes".
 class alignas(64) Croad_contact {
 public:
   double Si_prime[3];  ///< place on the body, in its marker's axes; set at set-up

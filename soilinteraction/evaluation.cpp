@@ -103,7 +103,7 @@ private:
     return static_cast<int>(std::find(block.in_contact, block.in_contact + block.count, true) - block.in_contact);
   }
 
-  /// Loads of those points from `begin` to `end` that are in contact.
+  /// Sets the loads of the points in contact from `begin` up to `end`.
   void load_points(const work& w, int begin, int end) {
     Croad_contact* road_contacts[k_block];
     Csoil_contact* soil_contacts[k_block];

@@ -75,7 +75,8 @@ inline double get_static_sinkage(double dynamic_sinkage, double sinkage) {
 }
 
 /// Pressure of Bekker's law, p = -(kc / b + kphi) |z|^n, negative in compression.
-/// Source: M. G. Bekker, Theory of Land Locomotion (1956), pressure-sinkage equation.
+/// Source: M. G. Bekker, Theory of Land Locomotion (1956) and Introduction to Terrain-Vehicle Systems (1969),
+/// pressure-sinkage equation.
 /// @param z      static sinkage [length]; only |z| counts. The pressure is 0 if z or b is exactly 0.
 /// @param power  receives |z|^(n - 1), which the damping needs too
 /// @param secant_stiffness  receives (kc / b + kphi) |z|^(n - 1); unchanged if z or b is 0

@@ -16,8 +16,8 @@
 /// moduli and exponent; tau: shear stress along one tangent, v, j: slip velocity and shear displacement along it,
 /// c [force/length^2]: cohesion, phi [rad]: friction angle, S [-]: sensitivity, K [length]: shear displacement at the
 /// full strength. An S or K of exactly 0 makes no shear.
-/// Source: M. G. Bekker, Introduction to Terrain-Vehicle Systems (1969), pressure-sinkage equation; J. Y. Wong, Theory
-/// of Ground Vehicles, shear curve with a hump and a residual strength.
+/// Source: M. G. Bekker, Theory of Land Locomotion (1956) and Introduction to Terrain-Vehicle Systems (1969),
+/// pressure-sinkage equation; J. Y. Wong, Theory of Ground Vehicles, shear curve with a hump and a residual strength.
 namespace qvsoilinteractionmtl {
 
 /// The span as the laws see it: `a` its length L, `w` the belt width b, `nx` points along, `ny` across.

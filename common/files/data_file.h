@@ -12,7 +12,7 @@ namespace qv {
 /// A file that is read once, from its beginning to its end.
 class data_file {
 public:
-  /// False when the file cannot be opened.
+  /// Opens the file; false if it cannot be opened.
   bool open(const std::string& name);
   /// Fills `buffer` as far as the file goes and returns the number of bytes; 0 at the end of the file, and for
   /// something that opens but cannot be read (a folder).
