@@ -18,7 +18,7 @@
 namespace qvsoilrdf {
 namespace {
 
-constexpr std::size_t k_line_limit = 640;  // outside the node and element blocks a line must be shorter than this
+constexpr std::size_t k_line_limit = 640;        // outside the node and element blocks a line must be shorter than this
 constexpr double k_smallest_coordinate = 1e-08;  // in file units: a coordinate nearer to 0 becomes 0
 
 class rdf_reader {
