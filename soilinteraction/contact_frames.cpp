@@ -20,18 +20,18 @@ void give(const contact_frame& frame, Croad_contact& rc) {
 QV_WIDE_VECTORS void frame_maker::make(int count) {
   vectors facet, normal, tangent_1, tangent_2;
   for (int i = 0; i < count; ++i) {
-    const double* n = road_.facets[static_cast<std::size_t>(made_[i].number - 1)].normal;
-    made_[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
+    const double* n = m_road.facets[static_cast<std::size_t>(m_made[i].number - 1)].normal;
+    m_made[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
     facet.x[i] = n[0];
     facet.y[i] = n[1];
     facet.z[i] = n[2];
   }
-  normalise(facet, count);  // as the search leaves it
-  for (int i = 0; i < count; ++i) take(facet, i, made_[i].facet_normal);
-  normalise(facet, count);  // once more, as the contact does
-  rotate(k_.A5, facet, normal, count);
+  normalise(facet, count);  // the facet normal as a single search stores it
+  for (int i = 0; i < count; ++i) take(facet, i, m_made[i].facet_normal);
+  normalise(facet, count);  // kept: the contact normalises it once more, which may change its last digit
+  rotate(m_k.A5, facet, normal, count);
   normalise(normal, count);
-  const double* y = k_.A1 + 3;  // of the body
+  const double* y = m_k.A1 + 3;  // y axis of the body
   for (int i = 0; i < count; ++i) {
     tangent_1.x[i] = y[1] * normal.z[i] - y[2] * normal.y[i];
     tangent_1.y[i] = y[2] * normal.x[i] - y[0] * normal.z[i];
@@ -44,9 +44,9 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
     tangent_2.z[i] = normal.x[i] * tangent_1.y[i] - normal.y[i] * tangent_1.x[i];
   }
   normalise(tangent_2, count);
-  const double* z = k_.A1 + 6;
+  const double* z = m_k.A1 + 6;  // z axis of the body
   for (int i = 0; i < count; ++i) {
-    contact_frame& frame = made_[i];
+    contact_frame& frame = m_made[i];
     take(normal, i, frame.normal);
     take(tangent_1, i, frame.tangent_1);
     take(tangent_2, i, frame.tangent_2);
@@ -55,7 +55,7 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
 }
 
 void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat) {
-  int place[k_block];  // of a point's frame among the made ones; k_made: it has it already
+  int place[k_block];  // index of a point's frame in m_made; k_made: the cache had the frame
   int missing = 0;
   for (int i = 0; i < count; ++i) {
     const std::int32_t number = points[i]->facet_number;
@@ -64,7 +64,7 @@ void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat
     if (number == 0) continue;
     entry& e = entry_of(number);
     if (e.frame.number != number) {
-      e.frame.number = made_[missing].number = number;
+      e.frame.number = m_made[missing].number = number;
       e.pending = missing++;
     }
     place[i] = e.pending;
@@ -75,13 +75,13 @@ void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat
   make(missing);
   for (int i = 0; i < count; ++i) {
     if (place[i] == k_made) continue;
-    flat[i] = made_[place[i]].flat;
-    give(made_[place[i]], *points[i]);
+    flat[i] = m_made[place[i]].flat;
+    give(m_made[place[i]], *points[i]);
   }
   for (int i = 0; i < missing; ++i) {
-    entry& e = entry_of(made_[i].number);
-    if (e.frame.number != made_[i].number) continue;  // another triangle's by now
-    e.frame = made_[i];
+    entry& e = entry_of(m_made[i].number);
+    if (e.frame.number != m_made[i].number) continue;  // another triangle has the entry by now
+    e.frame = m_made[i];
     e.pending = k_made;
   }
 }

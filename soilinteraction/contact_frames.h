@@ -6,29 +6,31 @@
 #include "soilinteraction/kinematics.h"
 #include "soilinteraction/vectors.h"
 
-/// Contact frames over triangles. All points of an element that are over one triangle share its frame, so it is made
-/// once per call; the frames that a block of points lacks are made together.
+/// Contact frames over triangles. All points of an element that are over one triangle have the same frame, so it is
+/// made once per call. The frames that a block of points still lacks are made together.
 namespace qvsoilinteraction {
 
+/// The contact frame over one triangle, all vectors of unit length.
 struct contact_frame {
-  std::int32_t number;     ///< of the element, from 1; 0 is none
+  std::int32_t number;     ///< number of the triangle, from 1; 0: this frame is empty
   bool flat;               ///< the triangle has a normal
   double facet_normal[3];  ///< road axes
-  double normal[3];        ///< ground axes, as the tangents
-  double tangent_1[3];     ///< body y axis x normal: the rolling direction of a wheel
-  double tangent_2[3];     ///< normal x tangent_1
+  double normal[3];        ///< ground axes
+  double tangent_1[3];     ///< body y axis x normal, ground axes: the rolling direction of a wheel
+  double tangent_2[3];     ///< normal x tangent_1, ground axes
   double plate_ratio;      ///< cosine between the normal and the body's z axis, 0 or more
 };
 
+/// Makes the frames of one call and remembers them.
+
 class frame_maker {
 public:
-  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : road_(road), k_(k) {
-    for (entry& e : cache_) e.frame.number = 0;
+  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : m_road(road), m_k(k) {
+    for (entry& e : m_cache) e.frame.number = 0;
   }
 
-  /// Gives each of `count` points (at most k_block) the frame over the triangle that it found (facet normal, normal,
-  /// tangents, and the plate's ratio as area ratio). `flat[i]` is false for a point over no triangle or over one
-  /// without a normal.
+  /// Gives each of `count` points (at most k_block) the frame over its triangle: facet normal, normal, tangents, and
+  /// the plate's ratio as area ratio. `flat[i]` is false for a point over no triangle or over one without a normal.
   void set_frames(Croad_contact* const* points, int count, bool* flat);
 
 private:
@@ -36,18 +38,19 @@ private:
   static constexpr int k_made = -1;
   struct entry {
     contact_frame frame;
-    int pending;  ///< place among the frames being made, k_made when it is made
+    int pending;  ///< the frame's index in m_made while it is being made, k_made afterwards
   };
 
   entry& entry_of(std::int32_t number) {
-    return cache_[(static_cast<std::uint32_t>(number) * 2654435769U) >> (32 - k_bits)];  // golden ratio
+    return m_cache[(static_cast<std::uint32_t>(number) * 2654435769U) >>
+                   (32 - k_bits)];  // multiplicative hash: 2^32 over the golden ratio
   }
   void make(int count);
 
-  const qvsoilrdf::CRoad& road_;
-  const kinematics& k_;
-  entry cache_[1 << k_bits];  ///< by hash of the number; a later frame takes the place of an earlier one
-  contact_frame made_[k_block];
+  const qvsoilrdf::CRoad& m_road;
+  const kinematics& m_k;
+  entry m_cache[1 << k_bits];     ///< by hash of the number; a later frame overwrites an earlier one of the same hash
+  contact_frame m_made[k_block];  ///< the frames that a block lacked
 };
 
 }  // namespace qvsoilinteraction

@@ -54,8 +54,8 @@ void Croad_contact::clear_history() {
 
 void Croad_contact::Calculation_Si_prime(int i, int j, int shape, double a, double w, int nx, int ny) {
   const double dy = ny == 1 ? w * 0.5 : w / (ny - 1);
-  if (shape == 1) {
-    // Kept: a single point along sits at the rear edge, not at the centre.
+  if (shape == k_plate) {
+    // Kept: a single point along sits at the plate's rear edge, not at its centre.
     const double dx = nx == 1 ? a * 0.5 : a / (nx - 1);
     set(Si_prime, i * dx - 0.5 * a, j * dy - 0.5 * w, 0.0);
   } else {

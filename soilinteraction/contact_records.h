@@ -12,107 +12,117 @@
 /// a converged step; the rest is rewritten at every evaluation.
 namespace qvsoilinteraction {
 
-/// A power that is often asked for with the arguments of the time before.
+constexpr int k_plate = 1;  ///< shape of a body; any other value is a wheel
+
+/// A power that is mostly asked for with the same arguments as the last time: it is then not computed again.
 class remembered_power {
 public:
   double of(double base, double exponent) {
-    if (base != base_ || exponent != exponent_) {
-      base_ = base;
-      exponent_ = exponent;
-      value_ = std::pow(base, exponent);
+    if (base != m_base || exponent != m_exponent) {
+      m_base = base;
+      m_exponent = exponent;
+      m_value = std::pow(base, exponent);
     }
-    return value_;
+    return m_value;
   }
 
 private:
-  double base_ = 1.0;
-  double exponent_ = 1.0;
-  double value_ = 1.0;
+  double m_base = 1.0;
+  double m_exponent = 1.0;
+  double m_value = 1.0;
 };
 
-/// Geometry and history of one grid point. What a point out of contact needs comes first, in two cache lines.
+/// Geometry and history of one grid point. The fields that a point out of contact needs come first, in two cache lines.
+/// Lengths, forces and times are in the model's units. For the points of a track, read "marker R" for "ground reference
+/// marker" and for "ground axes".
 class alignas(64) Croad_contact {
 public:
   double Si_prime[3];  ///< place on the body, in its marker's axes; set at set-up
 
   // At the last evaluation.
-  double lever[3];              ///< of the point from the body marker, ground axes
-  double position[3];           ///< of the point, ground axes
-  double relative_position[3];  ///< of the point from the road base marker, ground axes
-  double sinkage;               ///< signed height over the surface, negative below
-  double contact_state;         ///< history: 0 before contact, 1 after its first step, 2 later
-  double normal[3];             ///< contact frame, ground axes
-  double tangent_1[3];
-  double tangent_2[3];
-  std::int32_t facet_number;  ///< of the triangle found, from 1; 0 when none was
-  double facet_normal[3];     ///< its normal, road axes; zero when none was
-  double facet_d;             ///< its plane constant (of a single search); not a number when none was
-  double facet_point[3];      ///< the point projected onto its plane, road axes
-  double area_ratio;          ///< factor on the point's share of the area
-  double normal_velocity;
-  double slip_velocity[2];
-  double shear_disp[2];
-  double secant_stiffness;  ///< pressure over sinkage
-  double pressure;          ///< of Bekker's law, negative in compression
-  double damping;
+  double lever[3];              ///< from the body marker to the point, ground axes [length]
+  double position[3];           ///< from the ground reference marker to the point, ground axes [length]
+  double relative_position[3];  ///< from the road base marker to the point, ground axes [length]
+  double sinkage;               ///< signed height over the surface, negative below [length]
+  double contact_state;         ///< history: 0 without contact, 1 after the first step in contact, 2 after later ones
+  double normal[3];             ///< road normal at the point, ground axes; with the tangents the contact frame
+  double tangent_1[3];          ///< body y axis x normal: the rolling direction of a wheel
+  double tangent_2[3];          ///< normal x tangent_1
+  std::int32_t facet_number;    ///< number of the triangle under the point, from 1; 0: there is none
+  double facet_normal[3];       ///< the triangle's normal, road axes; zero: there is no triangle
+  double facet_point[3];        ///< the point projected onto the triangle's plane, road axes [length]
+  double area_ratio;            ///< factor on the point's share of the contact area [-]
+  double normal_velocity;       ///< velocity against the road along the normal [length/time]
+  double slip_velocity[2];      ///< velocity against the road along each tangent [length/time]
+  double shear_disp[2];         ///< shear displacement along each tangent [length]
+  double pressure;              ///< pressure of Bekker's law, negative in compression [force/length^2]
+  double damping;               ///< damping coefficient of the pressure [force time/length^3]
 
   // History.
-  double max_sinkage;
-  double first_contact_position[3];
-  double first_contact_tangent_1[3];
-  double first_contact_tangent_2[3];
-  double last_pressure;
-  remembered_power last_pressure_power;  ///< of the dynamic sinkage law; changes with last_pressure only
-  double last_static_sinkage;
-  double last_shear_disp[2];
+  double max_sinkage;                    ///< largest depth in contact so far [length]
+  double first_contact_position[3];      ///< relative_position at touch-down
+  double first_contact_tangent_1[3];     ///< tangent_1 at touch-down
+  double first_contact_tangent_2[3];     ///< tangent_2 at touch-down
+  double last_pressure;                  ///< pressure on the body, positive in compression [force/length^2]
+  remembered_power last_pressure_power;  ///< power of the dynamic sinkage law; changes with last_pressure only
+  double last_shear_disp[2];             ///< shear_disp
 
-  double Si_prime_tilde[9];  ///< of Si_prime, set with it
-  double concrete_friction;  ///< shear over normal force on a hard road; 0 unless a record that extends this sets it
-  double last_update_time;   ///< with `update_time`: for records that extend this one
-  double update_time;        ///< kept: written by nothing
-  double spare;              ///< kept: 0.001, read by nothing here
+  double concrete_friction;  ///< shear force over normal force on a hard road [-]: 0 for a body, 1 for a track
+  double last_update_time;   ///< time of the last converged step; only a track's points have it
+  double update_time;        ///< kept: nothing writes it, it stays 0, and a track reads it
+
+  // Kept: no computation reads these fields. They belong to the documented record, and those with a meaning are filled.
+  double Si_prime_tilde[9];    ///< tilde matrix of Si_prime
+  double facet_d;              ///< plane constant of the triangle of a single search; NaN: there was no triangle
+  double secant_stiffness;     ///< pressure over sinkage, positive [force/length^3]
+  double last_static_sinkage;  ///< history: static sinkage [length]
+  double spare;                ///< 0.001
 
   Croad_contact() { Initialize(); }
 
   void Initialize();
 
-  /// Places the point of row i (along the plate, around the wheel) and column j (across) on the body.
-  /// @param shape  1 plate, else wheel     @param a  plate length or wheel radius     @param w  width
+  /// Places the point of row i (along the plate or around the wheel, from 0) and column j (across, from 0) on the body:
+  ///   plate  Si_prime = (i dx - a/2, j dy - w/2, 0)                        dx = a/(nx - 1), dy = w/(ny - 1)
+  ///   wheel  Si_prime = (a cos angle, j dy - w/2, a sin angle)             angle = 2 pi i/nx
+  /// A single point along or across sits at -a/2 or -w/2.
+  /// @param shape  k_plate, else a wheel     @param a  plate length or wheel radius     @param w  width
   void Calculation_Si_prime(int i, int j, int shape, double a, double w, int nx, int ny);
 
-  /// The contact is lost: nothing of it is kept.
+  /// Forgets a contact that is lost.
   void clear_history();
 };
 
 /// Loads of one grid point.
 class Csoil_contact {
 public:
-  double local_force[3];  ///< shear 1, shear 2, normal
-  double force[3];        ///< on the body, ground axes
-  double moment[3];       ///< about the body marker, ground axes
-  double shear_force_1;
-  double shear_force_2;
-  double pressure_force;
-  double damping_force;
-  double normal_force;  ///< max(0, pressure force + damping force)
-  double pressure;      ///< positive in compression
-  double shear_stress_1;
-  double shear_stress_2;
-  double effective_area;
-  double dynamic_sinkage;
-  double static_sinkage;
-  double spare;  ///< kept: 1.0, read by nothing here
-  std::string soil_type;
+  double local_force[3];   ///< force on the body along tangent 1, tangent 2 and normal
+  double force[3];         ///< force on the body, ground axes
+  double moment[3];        ///< moment of the force about the body marker, ground axes
+  double shear_force_1;    ///< along tangent 1
+  double shear_force_2;    ///< along tangent 2
+  double pressure_force;   ///< pressure times area
+  double damping_force;    ///< damping part of the normal force, against the normal velocity
+  double normal_force;     ///< max(0, pressure force + damping force)
+  double pressure;         ///< positive in compression [force/length^2]
+  double shear_stress_1;   ///< of Wong's law, along tangent 1 [force/length^2]
+  double shear_stress_2;   ///< of Wong's law, along tangent 2 [force/length^2]
+  double effective_area;   ///< the point's share of the contact area [length^2]
+  double dynamic_sinkage;  ///< sinkage that shearing adds, 0 or negative [length]
+  double static_sinkage;   ///< the sinkage that enters Bekker's law, 0 or negative [length]
+  std::string soil_type;   ///< the road's
+
+  double spare;  ///< kept: 1.0; it belongs to the documented record, and nothing reads it
 
   Csoil_contact() { Initialize(); }
 
   void Initialize();
 };
 
-/// What a converged step leaves behind in a point.
+/// Moves a point's history on after a converged step.
 inline void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
   if (!in_contact) {
-    if (rc.contact_state != 0.0) rc.clear_history();  // without contact before there is none
+    if (rc.contact_state != 0.0) rc.clear_history();  // a point that had no contact has no history
     return;
   }
   rc.last_pressure = sc.pressure;
@@ -134,10 +144,10 @@ inline void advance_history(bool in_contact, const Csoil_contact& sc, Croad_cont
 class CSoilInteraction {
 public:
   std::vector<std::vector<Croad_contact>> road_contacts;  ///< nx rows of ny points
-  std::vector<std::vector<Csoil_contact>> soil_contacts;
-  std::int32_t nx;
-  std::int32_t ny;
-  std::int32_t element_id;  ///< the element's index once it is set up
+  std::vector<std::vector<Csoil_contact>> soil_contacts;  ///< likewise
+  std::int32_t nx;                                        ///< points along the plate or around the wheel; -1 at first
+  std::int32_t ny;                                        ///< points across; -1 at first
+  std::int32_t element_id;                                ///< the element's index once it is set up
 
   CSoilInteraction() { Initialize(); }
 

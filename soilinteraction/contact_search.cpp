@@ -12,9 +12,9 @@ namespace {
 
 using qvsoilrdf::CRoad;
 
-/// Whether the point is higher than any triangle of its cell reaches, in road axes, so that it is out of contact
-/// whatever the search would find: by more than the way there rounds. Not taken for heights that overflow on the way:
-/// those become not-a-numbers in contact.
+/// Whether the point is higher than everything in its cell, by more than rounding: it is then out of contact, whatever
+/// triangle the search would find. Never true of heights that overflow in the search, because those become NaN, which
+/// is in contact.
 bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, const double* p) {
   constexpr double k_far = 1e100, k_rounding = 1e-13;
   const double slack = k_rounding * (std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(p[2]));
@@ -38,7 +38,7 @@ void set_velocities(const kinematics& k, Croad_contact& rc) {
   rc.slip_velocity[1] = at_rest_below_threshold(slip[1]);
 }
 
-/// Travel since touch-down, along the tangents of touch-down.
+/// The point's travel since touch-down, along the tangents that it had then.
 void set_shear_displacement(Croad_contact& rc) {
   if (rc.contact_state == 0.0) {
     rc.shear_disp[0] = rc.shear_disp[1] = 0.0;
@@ -50,35 +50,9 @@ void set_shear_displacement(Croad_contact& rc) {
   qv::vectrvec(rc.first_contact_tangent_2, g, rc.shear_disp[1]);
 }
 
-bool is_rotation(const double* A) {
-  constexpr double k_tolerance = 1e-14;  // what a rotation rounds to; far from the marker more would lift points
-  double product[9];
-  qv::mattrmat(A, A, product);
-  for (int c = 0; c < 9; ++c) {
-    if (!(std::fabs(product[c] - (c % 4 == 0 ? 1.0 : 0.0)) < k_tolerance)) return false;
-  }
-  double det;
-  qv::matdet3(A, det);
-  return det > 0.0;
-}
-
-}  // namespace
-
-void complete(kinematics& k) {
-  double W1t[9], W5t[9];
-  qv::mattr(k.A5, k.A5t);
-  qv::vectl(k.W1, W1t);
-  qv::vectl(k.W5, W5t);
-  qv::matmat(k.A1, W1t, k.AW1);
-  qv::matmat(k.A5, W5t, k.AW5);
-  k.road_is_rigidly_placed = is_rotation(k.A5);
-}
-
-namespace {
-
-/// Where the points of a block are: lever and position (ground axes), and from the road base marker.
+/// Where the points of a block are.
 struct places {
-  vectors lever, position;
+  vectors lever, position;  ///< from the body marker and from the ground reference marker, ground axes
   road_places on_road;
 };
 
@@ -99,17 +73,17 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const c
   find_road_places(road, k, at.position, block.count, at.on_road);
 }
 
-[[noreturn]] void refuse_place(const CRoad& road, const double* p, int& ierr, char** msg) {
+[[noreturn]] void refuse_place(const CRoad& road, const double* p, const qv::fault_channel& channel) {
   const bool x = std::isnan(p[0]);
   qv::fault(std::string("SOIL INTERACTION ERROR : The ") + (x ? "x" : "y") +
                 "-axis value of a contact point on the road is nan; it must be a number, on the road between " +
                 qv::number_text(x ? road.x_min : road.y_min) + " and " + qv::number_text(x ? road.x_max : road.y_max) +
                 ".",
-            ierr, msg);
+            channel.ierr, channel.msg);
 }
 
-/// Keeps the points over or in the road.
-void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, int& ierr, char** msg) {
+/// Stores the points' places in their records and keeps the points inside the road's extent.
+void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, const qv::fault_channel& channel) {
   for (int i = 0; i < block.count; ++i) {
     Croad_contact& rc = *block.points[i];
     take(at.position, i, rc.position);
@@ -118,13 +92,13 @@ void keep_points_on_road(const CRoad& road, const places& at, contact_block& blo
     block.in_contact[i] = false;
     double p[3];
     take(at.on_road.p, i, p);
-    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, ierr, msg);
+    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, channel);
     keep_near(road, at.on_road, i, block);
   }
 }
 
-/// Fetches the facets that the points' lists name; neighbours mostly share a cell.
-void fetch_facets(const CRoad& road, const search_point* points, int count) {
+/// Prefetches the facets that the lists of the points' cells name. Neighbouring points mostly share a cell.
+void prefetch_facets(const CRoad& road, const search_point* points, int count) {
   for (int i = 0; i < count; ++i) {
     if (i > 0 && points[i].cell == points[i - 1].cell) continue;
     for (const std::int32_t number : road.cells.list(points[i].cell)) {
@@ -133,20 +107,21 @@ void fetch_facets(const CRoad& road, const search_point* points, int count) {
   }
 }
 
-/// Finds the triangles under the points.
+/// Finds the triangles under the points. Kept: the branch that stops the analysis, which no search takes.
 void find_facets(void* handle, const CRoad& road, contact_block& block, const search_point* points, int count,
-                 char** msg) {
+                 const qv::fault_channel& channel) {
   for (int i = 0; i < count; ++i) {
     Croad_contact& rc = *block.points[points[i].index];
     if (find_facet(road, points[i].cell, points[i].p, rc) == k_search_failed) {
       int status = 0;
-      stop_solver(handle, 1, 0, 1, msg[0], &status);
+      stop_solver(handle, 1, 0, 1, channel.msg[0], &status);
     }
     if (rc.facet_number == 0) store_hole(rc);
   }
 }
 
-/// Gives each point the contact frame over its triangle and drops those over a hole or a triangle without normal.
+/// Gives each point the contact frame over its triangle. Drops the points over a hole or a triangle without a normal.
+/// @return  how many points are left
 int set_frames(contact_block& block, frame_maker& frames, search_point* points, int count) {
   Croad_contact* contacts[k_block] = {};
   bool flat[k_block];
@@ -161,16 +136,18 @@ int set_frames(contact_block& block, frame_maker& frames, search_point* points, 
   return kept;
 }
 
-/// Signed height of the point over the triangle's plane; negative is contact.
+/// Sets the signed height of the point over the triangle's plane; true if that is a contact.
 bool sinks_in(const kinematics& k, Croad_contact& rc) {
   double facet_point[3];
   qv::matvec(k.A5, rc.facet_point, facet_point);
   const double e[3] = {rc.relative_position[0] - facet_point[0], rc.relative_position[1] - facet_point[1],
                        rc.relative_position[2] - facet_point[2]};
   qv::vectrvec(rc.normal, e, rc.sinkage);
-  return !(rc.sinkage >= 0.0);  // a not-a-number is in contact and travels on
+  return !(rc.sinkage >= 0.0);  // a NaN is in contact, so that it shows in the result
 }
 
+/// Marks the points that are in contact and drops the others.
+/// @return  how many points are left
 int keep_sunk_points(const CRoad& road, const kinematics& k, contact_block& block, search_point* points, int count) {
   int kept = 0;
   for (int i = 0; i < count; ++i) {
@@ -184,8 +161,8 @@ int keep_sunk_points(const CRoad& road, const kinematics& k, contact_block& bloc
   return kept;
 }
 
-/// Cosines between the road's normals and the directions from the points to the wheel's centre in the x-z plane of the
-/// road's axes.
+/// Sets the area ratio of points on a wheel: the cosine between the road's normal and the direction from the point to
+/// the wheel's centre in the x-z plane of the road's axes.
 void set_wheel_ratios(const kinematics& k, contact_block& block, const search_point* points, int count) {
   vectors to_center;
   for (int i = 0; i < count; ++i) {
@@ -215,28 +192,28 @@ void drop_points_above(const CRoad& road, const kinematics& k, contact_block& bl
     ++kept;
   }
   block.near_count = kept;
-  fetch_facets(road, points, kept);
+  prefetch_facets(road, points, kept);
 }
 
 int find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames, contact_block& block,
-                  char** msg) {
-  find_facets(handle, road, block, block.near, block.near_count, msg);
+                  const qv::fault_channel& channel) {
+  find_facets(handle, road, block, block.near, block.near_count, channel);
   const int count = set_frames(block, frames, block.near, block.near_count);
   return keep_sunk_points(road, k, block, block.near, count);
 }
 
-void place_points(const CRoad& road, const kinematics& k, contact_block& block, int& ierr, char** msg) {
+void place_points(const CRoad& road, const kinematics& k, contact_block& block, const qv::fault_channel& channel) {
   places at;
   find_places(road, k, block, at);
-  keep_points_on_road(road, at, block, ierr, msg);
+  keep_points_on_road(road, at, block, channel);
   drop_points_above(road, k, block);
 }
 
 void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, char** msg) {
+                      contact_block& block, const qv::fault_channel& channel) {
   const search_point* points = block.near;
-  const int count = find_contacts(handle, road, k, frames, block, msg);
-  if (shape != 1) set_wheel_ratios(k, block, points, count);
+  const int count = find_contacts(handle, road, k, frames, block, channel);
+  if (shape != k_plate) set_wheel_ratios(k, block, points, count);
   for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
   for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);
 }

@@ -13,46 +13,46 @@ using qvsoilrdf::CRoad;
 
 /// Force, moment and area, as they stand at the head of the result array.
 struct totals {
-  double values[k_totals] = {};
+  double values[QV_SOIL_RESULT_LENGTH] = {};
 
   void add(const Csoil_contact& sc) {
     for (int c = 0; c < 3; ++c) {
-      values[c] += sc.force[c];
-      values[3 + c] += sc.moment[c];
+      values[QV_SOIL_RESULT_FORCE + c] += sc.force[c];
+      values[QV_SOIL_RESULT_MOMENT + c] += sc.moment[c];
     }
-    values[6] += sc.effective_area;
+    values[QV_SOIL_RESULT_AREA] += sc.effective_area;
   }
 };
 
+/// Fills a point's values but for its position, which is written out of contact too.
 void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point) {
-  qv::assgvec(sc.local_force, 3, point);
-  point[6] = rc.sinkage;
-  point[7] = sc.dynamic_sinkage;
+  qv::assgvec(sc.local_force, 3, point + QV_SOIL_POINT_LOCAL_FORCE);
+  point[QV_SOIL_POINT_SINKAGE] = rc.sinkage;
+  point[QV_SOIL_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
 }
 
-/// One call's way over the points of an element, in blocks.
+/// Takes the points of an element through one call, block by block.
 class evaluation {
 public:
   evaluation(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k, double* result,
-             int& ierr, char** msg)
-      : handle_(handle),
-        p_(p),
-        iflag_(iflag),
-        road_(road),
-        k_(k),
-        law_(road, p.bekker_width()),
-        frames_(road, k),
-        result_(result),
-        ierr_(ierr),
-        msg_(msg) {}
+             const qv::fault_channel& channel)
+      : m_handle(handle),
+        m_p(p),
+        m_iflag(iflag),
+        m_road(road),
+        m_k(k),
+        m_law(road, p.bekker_width()),
+        m_frames(road, k),
+        m_result(result),
+        m_channel(channel) {}
 
   void run(CSoilInteraction& element) {
-    work* now = &work_[0];
-    work* next = &work_[1];
-    for (int i = 0; i < p_.patch.nx; ++i) {
+    work* now = &m_work[0];
+    work* next = &m_work[1];
+    for (int i = 0; i < m_p.patch.nx; ++i) {
       Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
       Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
-      for (int j = 0; j < p_.patch.ny; ++j) {
+      for (int j = 0; j < m_p.patch.ny; ++j) {
         next->block.points[next->block.count] = &road_contacts[j];
         next->soil[next->block.count++] = &soil_contacts[j];
         if (next->block.count == k_block) advance(now, next);
@@ -68,33 +68,33 @@ private:
     Csoil_contact* soil[k_block];
   };
 
-  /// Places the next block, so that its triangles come from memory while the one before is finished.
+  /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
   void advance(work*& now, work*& next) {
-    place_points(road_, k_, next->block, ierr_, msg_);
+    place_points(m_road, m_k, next->block, m_channel);
     finish(*now);
     std::swap(now, next);
   }
 
   void finish(work& w) {
     contact_block& block = w.block;
-    get_contact_info(handle_, road_, p_.patch.shape, k_, frames_, block, msg_);
-    // A body without width is refused at its first point in contact; what comes before stands in the result.
-    const int end = law_.bekker.b == 0.0 ? first_in_contact(block) : block.count;
+    get_contact_info(m_handle, m_road, m_p.patch.shape, m_k, m_frames, block, m_channel);
+    // A body without width is refused at its first point in contact. The points before it are in the result already.
+    const int end = m_law.bekker.b == 0.0 ? first_in_contact(block) : block.count;
     load_points(w, 0, end);
     totals sum;
-    qv::assgvec(result_, k_totals, sum.values);
-    for (int b = 0; b < end; ++b, point_ += k_values_per_point) {
+    qv::assgvec(m_result, QV_SOIL_RESULT_LENGTH, sum.values);
+    for (int b = 0; b < end; ++b, m_point += QV_SOIL_POINT_LENGTH) {
       Croad_contact& rc = *block.points[b];
       Csoil_contact& sc = *w.soil[b];
-      qv::assgvec(rc.position, 3, point_ + 3);
+      qv::assgvec(rc.position, 3, m_point + QV_SOIL_POINT_POSITION);
       if (block.in_contact[b]) {
         genenralized_contact_force(rc, sc);
         sum.add(sc);
-        write_point(rc, sc, point_);
+        write_point(rc, sc, m_point);
       }
-      if (iflag_ == 2) advance_history(block.in_contact[b], sc, rc);
+      if (m_iflag == 2) advance_history(block.in_contact[b], sc, rc);
     }
-    qv::assgvec(sum.values, k_totals, result_);
+    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, m_result);
     if (end < block.count) load_points(w, end, end + 1);
     block.count = block.near_count = 0;
   }
@@ -103,7 +103,7 @@ private:
     return static_cast<int>(std::find(block.in_contact, block.in_contact + block.count, true) - block.in_contact);
   }
 
-  /// Loads of those points from `begin` to `end` that are in contact.
+  /// Sets the loads of the points in contact from `begin` up to `end`.
   void load_points(const work& w, int begin, int end) {
     Croad_contact* road_contacts[k_block];
     Csoil_contact* soil_contacts[k_block];
@@ -113,21 +113,20 @@ private:
       road_contacts[count] = w.block.points[b];
       soil_contacts[count++] = w.soil[b];
     }
-    get_soil_force(law_, p_.patch, road_contacts, soil_contacts, count, ierr_, msg_);
+    get_soil_force(m_law, m_p.patch, road_contacts, soil_contacts, count, m_channel);
   }
 
-  void* handle_;
-  const parameters& p_;
-  int iflag_;
-  const CRoad& road_;
-  const kinematics& k_;
-  soil_law law_;
-  frame_maker frames_;
-  double* result_;
-  double* point_ = result_ + k_totals;  ///< where the next point's values go
-  int& ierr_;
-  char** msg_;
-  work work_[2];
+  void* m_handle;
+  const parameters& m_p;
+  int m_iflag;
+  const CRoad& m_road;
+  const kinematics& m_k;
+  soil_law m_law;
+  frame_maker m_frames;
+  double* m_result;
+  double* m_point = m_result + QV_SOIL_RESULT_LENGTH;  ///< next point's place in the result array
+  qv::fault_channel m_channel;
+  work m_work[2];
 };
 
 }  // namespace
@@ -153,14 +152,14 @@ void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteracti
     for (int j = 0; j < patch.ny; ++j) {
       const auto row = static_cast<std::size_t>(i), column = static_cast<std::size_t>(j);
       element.road_contacts[row][column].Calculation_Si_prime(i, j, patch.shape, patch.a, patch.w, patch.nx, patch.ny);
-      element.soil_contacts[row][column].soil_type = road.soil_type;  // constant from here on: a road is read once
+      element.soil_contacts[row][column].soil_type = road.soil_type;  // never changes: a road is read once
     }
   }
 }
 
 void evaluate_points(void* handle, const parameters& p, int iflag, const CRoad& road, const kinematics& k,
-                     CSoilInteraction& element, double* result, int& ierr, char** msg) {
-  evaluation(handle, p, iflag, road, k, result, ierr, msg).run(element);
+                     CSoilInteraction& element, double* result, const qv::fault_channel& channel) {
+  evaluation(handle, p, iflag, road, k, result, channel).run(element);
 }
 
 }  // namespace qvsoilinteraction

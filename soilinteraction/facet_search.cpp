@@ -16,9 +16,10 @@ using qvsoilrdf::CRoad;
 constexpr double k_first_edge_tolerance = 0.000153;
 constexpr double k_edge_tolerance = 0.0001;
 constexpr double k_angle_tolerance = 0.0001;  // [deg]
-constexpr double k_clear_of_edges = 1e-5;     // barycentric; more than the gradients' floats round to
+// Barycentric coordinates beyond this are certain: the gradients are floats, whose rounding is smaller.
+constexpr double k_clear_of_edges = 1e-5;
 
-/// Unit vectors from the point to the triangle's corners in the plan; false when the point is on a corner.
+/// Unit vectors from the point to the triangle's corners in the plan; false if the point is on a corner.
 bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
   for (int c = 0; c < 3; ++c) {
     const CNode& node = road.nodes[static_cast<std::size_t>(element.node[c] - 1)];
@@ -32,9 +33,9 @@ bool directions_to_corners(const CRoad& road, const CElement& element, const dou
   return true;
 }
 
-/// The definition: is the point in the triangle, by the angles under which its edges appear?
-/// @param clearly_outside  the point is outside by more than rounding: then it may still be "on" an edge, but the
-///                         angles cannot sum up to a full turn
+/// Whether the point is in the triangle by the angles under which it sees the edges; this is the definition.
+/// @param clearly_outside  the point is outside by more than rounding: it may still count as on an edge, but the angles
+///                         cannot add up to a full turn
 bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance,
                     bool clearly_outside) {
   double direction[3][3], cosine[3];
@@ -49,6 +50,7 @@ bool appears_inside(const CRoad& road, const CElement& element, const double* p,
   return 360.0 - k_angle_tolerance <= sum && sum <= 360.0 + k_angle_tolerance;
 }
 
+/// The same answer as appears_inside, from the barycentric coordinates l, m, 1 - l - m if these are certain of it.
 bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_tolerance) {
   const CFacet& facet = road.facets[static_cast<std::size_t>(number - 1)];
   const double x = p[0] - facet.corner[0];
@@ -80,13 +82,13 @@ int find_facet(const CRoad& road, std::size_t cell, const double* p, Croad_conta
 void store_hole(Croad_contact& rc) {
   rc.facet_number = 0;
   rc.facet_normal[0] = rc.facet_normal[1] = rc.facet_normal[2] = 0.0;
-  rc.facet_d = std::nan("");  // 0 triangles: a sum of 0 over a count of 0
+  rc.facet_d = std::nan("");  // the mean over no triangles, 0/0
 }
 
 int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) {
   if (out_of_extent(road, p)) return k_out_of_extent;
   rc.facet_number = 0;
-  // A road whose reading broke off before its grid stood has no cells.
+  // The reading of a road may break off before its grid is built; it then has no cells.
   const int status = road.cells.empty() ? k_in_extent : find_facet(road, cell_of(road, p), p, rc);
   if (rc.facet_number == 0) {
     store_hole(rc);

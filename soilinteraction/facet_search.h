@@ -8,32 +8,39 @@
 namespace qvsoilinteraction {
 
 enum search_status {
-  k_search_failed = 0,  ///< kept: callers have a branch for it, no search returns it
-  k_in_extent = 1,      ///< a triangle found (facet normal not zero) or a hole in the mesh (facet normal zero)
-  k_out_of_extent = 2   ///< beyond the road, silently
+  k_search_failed = 0,  ///< kept: no search returns it, but the contact search has its documented branch for it
+  k_in_extent = 1,  ///< inside: over a triangle (facet normal not zero) or over a hole in the mesh (facet normal zero)
+  k_out_of_extent = 2  ///< beyond the road, which is no fault
 };
 
-/// Finds the first triangle of the point's cell that holds it, in list order, and stores its normal, plane constant,
-/// height over it (as `sinkage`) and the projection onto its plane in the record.
+/// Finds the first triangle, in list order, of the cell under the point that holds the point. Stores in the record the
+/// triangle's number, normal n and plane constant d, the height over its plane (as `sinkage`) and the projection onto
+/// it
+/// (`facet_point`):
 ///
-/// A point holds to be in a triangle when it is a corner, when an edge appears from it under an angle whose cosine
-/// lies within the edge tolerance of -1, or when the three edges appear under angles that sum up to 360 degrees.
+///   sinkage = n . (p - K)        facet_point = p - sinkage n        K: the triangle's first corner
+///
+/// A point counts as inside if it coincides with a corner; or lies on an edge (the edge's ends are seen 180 degrees
+/// apart, within the tolerance on the cosine); or the three edges are seen under angles that add up to 360 degrees. All
+/// of this is seen in the plan, from above.
 /// Kept: the edge tolerance is 0.000153 for the first triangle of a search and 0.0001 for the others.
-/// Arc cosines are taken only where the answer is not certain without them.
+/// Arc cosines are only taken if the answer is not certain without them.
 ///
-/// @param p  the point in the road base marker's axes; x and y must not be not-a-number
+/// Over a hole the facet normal is zero, the plane constant NaN, and sinkage and facet point stay as they were. Beyond
+/// the road nothing is stored.
+///
+/// @param p  the point in the road base marker's axes [length]; x and y must not be NaN
 int search_contact_facet(const qvsoilrdf::CRoad& road, const double* p, Croad_contact& rc);
 
 // The steps of the search.
 
-/// Kept: the texts "The analysis is stopped because of exceeding the ... value" were never handed on; a point beyond
-/// the road is out of contact and nothing stops, so they are not even built here.
+/// Kept: the search has no message for a point beyond the road. Such a point is out of contact and nothing stops.
 inline bool out_of_extent(const qvsoilrdf::CRoad& road, const double* p) {
   return p[0] > road.x_max || p[0] < road.x_min || p[1] > road.y_max || p[1] < road.y_min;
 }
 
-/// The cell at a column and row with fractions. The extent is closed: a point on its upper border, or rounded there,
-/// is in the last cell.
+/// The cell at a column and row that are not truncated yet. The extent is closed: a point on its upper border, or
+/// rounded to it, is in the last cell.
 inline std::size_t cell_at(const qvsoilrdf::CRoad& road, double column, double row) {
   return road.cells.index(std::min(static_cast<std::int32_t>(column), road.nx - 1),
                           std::min(static_cast<std::int32_t>(row), road.ny - 1));
@@ -43,14 +50,15 @@ inline std::size_t cell_of(const qvsoilrdf::CRoad& road, const double* p) {
   return cell_at(road, (p[0] + road.x_offset) / road.cell_dx, (p[1] + road.y_offset) / road.cell_dy);
 }
 
-/// Sets the number of the first triangle of the cell's list that holds the point, 0 when none does.
-/// @return k_in_extent, always
+/// Sets the number of the first triangle in the cell's list that holds the point; 0: none does.
+/// @return  k_in_extent. Kept: the status is here for the branch that callers have for k_search_failed.
 int find_facet(const qvsoilrdf::CRoad& road, std::size_t cell, const double* p, Croad_contact& rc);
 
-/// What a point over no triangle keeps: a zero facet normal.
+/// Stores what a point over no triangle gets: a zero facet normal and a plane constant of NaN.
 void store_hole(Croad_contact& rc);
 
-/// Height over the plane of the triangle found, and the projection onto it. The facet normal stands already.
+/// Stores the height over the plane of the triangle found, and the projection onto it.
+/// Precondition: the record has the triangle's number and unit normal.
 inline void project(const qvsoilrdf::CRoad& road, const double* p, Croad_contact& rc) {
   const double* corner = road.facets[static_cast<std::size_t>(rc.facet_number - 1)].corner;
   const double w[3] = {p[0] - corner[0], p[1] - corner[1], p[2] - corner[2]};

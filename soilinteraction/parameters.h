@@ -5,14 +5,19 @@
 #include <string>
 
 #include "common/call/parameters.h"
+#include "qvbrisk/layouts.h"
 #include "soilinteraction/soil_laws.h"
 
 /// The parameter list and the result array of a soil element.
 namespace qvsoilinteraction {
 
 constexpr const char* k_prefix = "SOILINTERACTION ERROR : ";
-constexpr int k_totals = 7;  ///< result entries before the points: force, moment, area
-constexpr int k_values_per_point = 8;
+
+// The entries that guards name in more than one place.
+constexpr qv::parameter k_element_index{QV_SOIL_ELEMENT, "element index"};
+constexpr qv::parameter k_road_index{QV_SOIL_ROAD, "road index"};
+constexpr qv::parameter k_count_along{QV_SOIL_POINTS_ALONG, "grid count along or around"};
+constexpr qv::parameter k_count_across{QV_SOIL_POINTS_ACROSS, "grid count across"};
 
 /// The parameter list, decoded.
 struct parameters {
@@ -20,27 +25,28 @@ struct parameters {
   contact_patch patch;
 
   parameters(const double* par, const qv::fault_channel& channel)
-      : element(qv::to_int(par[0], "element index (parameter 0)", channel)),
-        body_marker(qv::to_int(par[1], "body marker id (parameter 1)", channel)),
-        road(qv::to_int(par[3], "road index (parameter 3)", channel)),
-        file_name(qv::to_int(par[4], "string id of the RDF file (parameter 4)", channel)),
-        road_marker(qv::to_int(par[5], "road base marker id (parameter 5)", channel)),
-        elements(qv::to_count(par[7], "number of soil elements (parameter 7)", channel)),
-        roads(qv::to_count(par[8], "number of roads (parameter 8)", channel)),
-        ground_marker(qv::to_int(par[14], "ground reference marker id (parameter 14)", channel)),
-        patch{qv::to_int(par[9], "body shape (parameter 9)", channel), par[10], par[11],
-              qv::to_count(par[12], "grid count along or around (parameter 12)", channel),
-              qv::to_count(par[13], "grid count across (parameter 13)", channel)} {
-    // The result array is counted in ints.
-    if (points() > (2147483647U - k_totals) / k_values_per_point) {
-      qv::fault(std::string(channel.prefix) + "The number of grid points (parameter 12 times parameter 13) is " +
-                    std::to_string(points()) + "; it must not exceed 268435455.",
-                channel.ierr, channel.msg);
+      : element(qv::to_int(par, k_element_index, channel)),
+        body_marker(qv::to_int(par, {QV_SOIL_BODY_MARKER, "body marker id"}, channel)),
+        road(qv::to_int(par, k_road_index, channel)),
+        file_name(qv::to_int(par, {QV_SOIL_ROAD_STRING, "string id of the RDF file"}, channel)),
+        road_marker(qv::to_int(par, {QV_SOIL_ROAD_MARKER, "road base marker id"}, channel)),
+        elements(qv::to_count(par, {QV_SOIL_ELEMENTS_ON_ROAD, "number of soil elements"}, channel)),
+        roads(qv::to_count(par, {QV_SOIL_ROAD_COUNT, "number of roads"}, channel)),
+        ground_marker(qv::to_int(par, {QV_SOIL_GROUND_MARKER, "ground reference marker id"}, channel)),
+        patch{qv::to_int(par, {QV_SOIL_SHAPE, "body shape"}, channel), par[QV_SOIL_SIZE], par[QV_SOIL_WIDTH],
+              qv::to_count(par, k_count_along, channel), qv::to_count(par, k_count_across, channel)} {
+    // Hosts count the entries of the result array in ints.
+    constexpr std::size_t k_most = (2147483647U - QV_SOIL_RESULT_LENGTH) / QV_SOIL_POINT_LENGTH;
+    if (points() > k_most) {
+      qv::fault(channel, "The number of grid points (parameter " + std::to_string(k_count_along.position) +
+                             " times parameter " + std::to_string(k_count_across.position) + ") is " +
+                             std::to_string(points()) + "; it must not exceed " + std::to_string(k_most) + ".");
     }
   }
 
   std::size_t points() const { return static_cast<std::size_t>(patch.nx) * static_cast<std::size_t>(patch.ny); }
-  double bekker_width() const { return patch.shape == 1 ? std::min(patch.a, patch.w) : patch.w; }
+  /// The width b of Bekker's law: the smaller side of a plate, the width of a wheel.
+  double bekker_width() const { return patch.shape == k_plate ? std::min(patch.a, patch.w) : patch.w; }
 };
 
 }  // namespace qvsoilinteraction

@@ -7,8 +7,8 @@ namespace {
 
 constexpr double k_hump_scale = 0.6321205588285577;  // 1 - 1/e
 
-/// Damping coefficient of the pressure, ramped in linearly up to the boundary sinkage.
-/// @param power  z^(n - 1) at depth z
+/// The damping coefficient D of set_loads at depth z.
+/// @param power  z^(n - 1)
 double damping_coefficient(const soil_law& law, double z, double power) {
   const double scaled = z * law.bekker.s;
   const double a3 = scaled == z ? power : std::pow(scaled, law.bekker.n - 1.0);
@@ -77,10 +77,11 @@ void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* c
 }
 
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
-                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg) {
+                    Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel) {
   if (count > 0 && law.bekker.b == 0.0) {
     road_contacts[0]->damping = 0.0;
-    qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", ierr, msg);
+    qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", channel.ierr,
+                    channel.msg);
   }
   set_loads(law, patch, road_contacts, soil_contacts, count);
 }

@@ -2,11 +2,12 @@
 
 #include <cmath>
 
+#include "common/call/messages.h"
 #include "soilinteraction/contact_records.h"
 
 /// Pressure and shear of the soil under one contact point, and the force they make. Lengths, forces and times in
-/// the model's units. Pure functions of their arguments and the point's records; what is constant over an element
-/// is worked out once per call (soil_law), with the same operations in the same order as point by point.
+/// the model's units. Pure functions of their arguments and the point's records. What is constant over an element is
+/// computed once per call (soil_law), with the same operations in the same order as if it were done for each point.
 namespace qvsoilinteraction {
 
 /// Bekker's parameters as an element uses them.
@@ -15,13 +16,13 @@ struct bekker_parameters {
   double kphi;  ///< frictional modulus [force / length^(n+2)]
   double n;     ///< sinkage exponent [-]
   double b;     ///< plate width [length]: the element's, not the road file's
-  double s;     ///< first scale factor
+  double s;     ///< first pressure scale factor [-]; 1 in every road that is read
   double zeta;  ///< damping ratio [time]
   double zb;    ///< boundary sinkage [length]
-  double t;     ///< second scale factor
+  double t;     ///< second pressure scale factor [-]; likewise
 };
 
-/// The parameters of a road for an element of width b, with everything that no point changes.
+/// The parameters of a road for an element of width b, and what follows from them alone.
 struct soil_law {
   soil_law(const qvsoilrdf::CRoad& road, double width);
 
@@ -29,33 +30,36 @@ struct soil_law {
   bekker_parameters bekker;
   qvsoilrdf::CWong wong;
   bool hard;             ///< a "CONCRETE" road
-  double stiffness;      ///< kc / b + kphi
-  double damping_scale;  ///< (kphi a2 + kc a1 / (b s)) zeta
-  double tan_phi;
-  double hump;  ///< S / (1 - 1/e) - 1 of the shear curve
+  double stiffness;      ///< kc / b + kphi [force / length^(n+2)]
+  double damping_scale;  ///< (kphi (1/s)^(n+2) + kc (1/s)^(n+1) / (b s)) zeta
+  double tan_phi;        ///< tangent of the friction angle [-]
+  double hump;           ///< S / (1 - 1/e) - 1 of the shear curve [-]
 };
 
 /// Shape of a body and its grid, from which a point's share of the contact area follows.
 struct contact_patch {
-  int shape;  ///< 1 plate, else wheel
-  double a;   ///< plate length or wheel radius
-  double w;   ///< width
-  int nx;
-  int ny;
+  int shape;  ///< k_plate, else a wheel
+  double a;   ///< plate length or wheel radius [length]
+  double w;   ///< width [length]
+  int nx;     ///< points along the plate or around the wheel
+  int ny;     ///< points across
 };
 
-/// The point's share of the contact area: of the plate, or of the whole rim 2 pi a w [length^2].
+/// The point's share of the contact area [length^2]: area_ratio a w / (nx ny) of a plate, area_ratio 2 pi a w / (nx ny)
+/// of a wheel, which is a share of its whole rim.
 inline double get_effective_area(const contact_patch& patch, double area_ratio) {
   constexpr double k_pi = 3.141592653589793;
   const double points = static_cast<double>(patch.nx) * static_cast<double>(patch.ny);
-  const double length = patch.shape == 1 ? area_ratio * patch.a : area_ratio * (2.0 * patch.a) * k_pi;
+  const double length = patch.shape == k_plate ? area_ratio * patch.a : area_ratio * (2.0 * patch.a) * k_pi;
   return length * patch.w / points;
 }
 
 /// Sinkage that shearing adds (slip sinkage): -c (p_last / p_critical)^e1 (j1^2 + j2^2)^e2, or 0 without a critical
 /// pressure. The pressure is that of the last converged step, so the correction lags one step behind. A negative
-/// ratio under a fractional exponent gives not-a-number, which travels on.
+/// ratio under a fractional exponent gives NaN, which shows in the result.
+/// @param last_pressure  of the last converged step, positive in compression    @param shear_disp  j1, j2 [length]
 /// @param power  remembers the pressure's power, which stays the same between converged steps
+/// @return       0 or negative [length]
 inline double get_dynamic_sinkage(const qvsoilrdf::CDynamicSinkage& dynamic, double last_pressure,
                                   const double* shear_disp, remembered_power& power) {
   if (dynamic.critical_pressure == 0.0) return 0.0;
@@ -64,16 +68,18 @@ inline double get_dynamic_sinkage(const qvsoilrdf::CDynamicSinkage& dynamic, dou
   return -dynamic.coefficient_ds * power.of(last_pressure / dynamic.critical_pressure, dynamic.exponent_pr) * h;
 }
 
-/// The sinkage that enters Bekker's law; 0 above the surface.
+/// The sinkage that enters Bekker's law: the whole less the dynamic one, and 0 above the surface.
 inline double get_static_sinkage(double dynamic_sinkage, double sinkage) {
   const double z = sinkage - dynamic_sinkage;
   return z > 0.0 ? 0.0 : z;
 }
 
 /// Pressure of Bekker's law, p = -(kc / b + kphi) |z|^n, negative in compression.
-/// Source: M. G. Bekker, Theory of Land Locomotion (1956), pressure-sinkage equation.
+/// Source: M. G. Bekker, Theory of Land Locomotion (1956) and Introduction to Terrain-Vehicle Systems (1969),
+/// pressure-sinkage equation.
+/// @param z      static sinkage [length]; only |z| counts. The pressure is 0 if z or b is exactly 0.
 /// @param power  receives |z|^(n - 1), which the damping needs too
-/// @param secant_stiffness  receives (kc / b + kphi) |z|^(n - 1); kept as it was when z or b is 0
+/// @param secant_stiffness  receives (kc / b + kphi) |z|^(n - 1); unchanged if z or b is 0
 inline double get_bekker_normal_pressure(const soil_law& law, double z, double& power, double& secant_stiffness) {
   const double depth = std::fabs(z);
   if (depth == 0.0 || law.bekker.b == 0.0) return 0.0;
@@ -89,27 +95,38 @@ inline double shear_strength(const soil_law& law, double pressure) {
 
 /// Shear stress along one tangent:
 ///   tau = -sign(v) strength [ (S / (1 - 1/e) - 1) e^(1 - r) + 1 ] (1 - e^-r),   r = |j| / K (0 for K of exactly 0)
+/// with the sensitivity S and the shear displacement K [length] at which the soil has its full strength.
 /// Source: J. Y. Wong, Theory of Ground Vehicles, shear curve with a hump and a residual strength.
-/// @param strength  of shear_strength    @param j  shear displacement    @param v  slip velocity; its sign counts
-/// @return  against v; 0 at rest
+/// @param strength  result of shear_strength [force / length^2]    @param j  shear displacement [length]
+/// @param v         slip velocity; only its sign counts
+/// @return          stress on the body, against v; 0 at rest
 inline double get_wong_shear_pressure(const soil_law& law, double strength, double j, double v) {
   const double r = law.wong.max_shear_disp == 0.0 ? 0.0 : std::fabs(j) / law.wong.max_shear_disp;
   return -qv::fsign(v) * strength * (law.hump * std::exp(1.0 - r) + 1.0) * (1.0 - std::exp(-r));
 }
 
-/// Loads of `count` points in contact: areas, sinkages, pressure, damping, shear. Each step is done for all points
-/// before the next, so that the powers and exponentials of one point need not wait for those of another.
-/// Kept: when the pressure is 0, the pressure, damping and normal force of the point's last evaluation stand on.
+/// Loads of `count` points in contact: area A, sinkages, pressure p, damping, shear.
+///
+///   pressure force = A p
+///   damping force  = -sign(v) |v s / t| A D s^2        v: normal velocity, z: depth of the static sinkage
+///   D = (kphi (1/s)^(n+2) + kc (1/s)^(n+1) / (b s)) zeta (z s)^(n-1), times z / zb if z < zb
+///   normal force   = max(0, pressure force + damping force)
+///   shear force    = tau A along each tangent; on a hard road the normal force times `concrete_friction`
+///
+/// Each step is done for all points before the next, so that the powers and exponentials of one point need not wait for
+/// those of another.
+/// Kept: if the pressure is 0, the pressure, damping and normal force of the point's last evaluation remain.
 /// Over a width of exactly 0 there is no pressure.
 void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                Csoil_contact* const* soil_contacts, int count);
 
-/// set_loads of a plate or wheel, for which a width of exactly 0 is a fault.
+/// set_loads for a plate or wheel: a width of exactly 0 is a fault if any point is in contact.
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
-                    Csoil_contact* const* soil_contacts, int count, int& ierr, char** msg);
+                    Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel);
 
-/// Turns the loads into a force on the body and a moment about its marker, both in ground axes.
-/// The misspelt name is the one other code calls.
+/// Turns the loads into a force on the body and a moment about its marker, both in ground axes:
+///   force = t1 F1 + t2 F2 + n Fn        moment = lever x force
+/// Kept: the misspelt name is the documented one.
 void genenralized_contact_force(const Croad_contact& road_contact, Csoil_contact& soil_contact);
 
 }  // namespace qvsoilinteraction

@@ -4,7 +4,7 @@
 
 namespace qvsoilinteraction {
 
-using qv::k_block;  ///< points that are worked on together
+using qv::k_block;
 using qv::vectors;
 
 }  // namespace qvsoilinteraction

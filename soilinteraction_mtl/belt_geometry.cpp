@@ -20,7 +20,7 @@ double distance(const double* from, const double* to) {
   return std::sqrt(squared);
 }
 
-/// frame = (u, a, w) turned about a, so that u runs along the tangent of circles of different radii
+/// frame = level Q: (u, a, w) turned about a by theta, so that u runs along the tangent of circles of different radii.
 void turn_into_tangent(double theta, const double* level, double* frame) {
   const double c = std::cos(theta), s = std::sin(theta);
   const double Q[9] = {c, 0.0, -s, 0.0, 1.0, 0.0, s, 0.0, c};  // column by column

@@ -8,44 +8,45 @@ namespace qvsoilinteractionmtl {
 
 void qvsoil_shearforce_mtl(void* /*handle*/, double /*time*/, double* par, int /*npar*/, int /*difflag*/, int iflag,
                            double* result, int& ierr, char** msg) {
-  std::fill_n(result, 6, 0.0);
+  std::fill_n(result, QV_TRACK_SHARE_LENGTH, 0.0);
   if (iflag == 1) return;
   const qv::fault_channel channel{k_prefix, ierr, msg};
-  const int track = qv::to_int(par[0], "track index (parameter 0)", channel);
-  const int road = qv::to_int(par[1], "road index (parameter 1)", channel);
-  const node_sum* sum = entry_or_null(s_MTLsoil_shear_forces_Sum, road, "road index (parameter 1)", track,
-                                      "track index (parameter 0)", channel);
+  constexpr qv::parameter k_track{QV_TRACK_SHEAR_TRACK, "track index"}, k_road{QV_TRACK_SHEAR_ROAD, "road index"};
+  const int track = qv::to_int(par, k_track, channel);
+  const int road = qv::to_int(par, k_road, channel);
+  const node_sum* sum = entry_or_null(s_MTLsoil_shear_forces_Sum, road, k_road, track, k_track, channel);
   if (sum != nullptr) std::copy(sum->begin(), sum->end(), result);
 }
 
 void qvsoil_normalforce_mtl(void* /*handle*/, double /*time*/, double* par, int /*npar*/, int /*difflag*/, int iflag,
                             double* result, int& ierr, char** msg) {
-  std::fill_n(result, 6, 0.0);
+  std::fill_n(result, QV_TRACK_SHARE_LENGTH, 0.0);
   if (iflag == 1) return;
   const qv::fault_channel channel{k_prefix, ierr, msg};
-  const int track = qv::to_int(par[0], "track index (parameter 0)", channel);
-  const int node = qv::to_int(par[1], "node (parameter 1)", channel);
-  const int road = qv::to_int(par[2], "road index (parameter 2)", channel);
-  const std::vector<node_sum>* sums = entry_or_null(s_MTLsoil_normal_forces_Sum, road, "road index (parameter 2)",
-                                                    track, "track index (parameter 0)", channel);
+  constexpr qv::parameter k_track{QV_TRACK_NORMAL_TRACK, "track index"}, k_node{QV_TRACK_NORMAL_NODE, "node"},
+      k_road{QV_TRACK_NORMAL_ROAD, "road index"};
+  const int track = qv::to_int(par, k_track, channel);
+  const int node = qv::to_int(par, k_node, channel);
+  const int road = qv::to_int(par, k_road, channel);
+  const std::vector<node_sum>* sums = entry_or_null(s_MTLsoil_normal_forces_Sum, road, k_road, track, k_track, channel);
   if (sums == nullptr) return;
-  qv::check_index(node, sums->size(), "node (parameter 1)", channel);
+  qv::check_index(node, sums->size(), k_node, channel);
   const node_sum& sum = (*sums)[static_cast<std::size_t>(node)];
   std::copy(sum.begin(), sum.end(), result);
 }
 
 void qvsoil_interaction_mtl_sum(void* /*handle*/, double /*time*/, double* par, int /*npar*/, int /*difflag*/,
                                 int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, 4, 0.0);
+  std::fill_n(result, QV_TRACK_SUM_RESULT_LENGTH, 0.0);
   if (iflag != 2) return;
   const qv::fault_channel channel{k_prefix, ierr, msg};
-  const int road = qv::to_int(par[0], "road index (parameter 0)", channel);
-  const int track = qv::to_int(par[1], "track index (parameter 1)", channel);
-  contact_sum* sum = entry_or_null(s_MTLsoil_contact_forces_Sum, road, "road index (parameter 0)", track,
-                                   "track index (parameter 1)", channel);
+  constexpr qv::parameter k_road{QV_TRACK_SUM_ROAD, "road index"}, k_track{QV_TRACK_SUM_TRACK, "track index"};
+  const int road = qv::to_int(par, k_road, channel);
+  const int track = qv::to_int(par, k_track, channel);
+  contact_sum* sum = entry_or_null(s_MTLsoil_contact_forces_Sum, road, k_road, track, k_track, channel);
   if (sum == nullptr) return;
   std::copy(sum->begin(), sum->end(), result);
-  sum->fill(0.0);  // kept: handed out once
+  sum->fill(0.0);  // kept: the values are handed out once
 }
 
 }  // namespace qvsoilinteractionmtl

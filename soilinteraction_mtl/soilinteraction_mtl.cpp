@@ -4,15 +4,15 @@
 #include <exception>
 
 #include "common/call/entry_frame.h"
-#include "soilinteraction_mtl/evaluation_mtl.h"
-#include "soilinteraction_mtl/set_up_mtl.h"
+#include "soilinteraction_mtl/evaluation.h"
+#include "soilinteraction_mtl/set_up.h"
 
 namespace qvsoilinteractionmtl {
 namespace {
 
-track_state s_state;  ///< of the call under way; grows at set-up only
+track_state s_state;  ///< what the current call works with; it grows at set-up only
 
-/// For a track that is set up, so that the containers hold its road and its index.
+/// Clears the track's sums. Precondition: the track is set up, so the containers hold its road and its index.
 track_sums clear_sums(const parameters& p) {
   const auto road = static_cast<std::size_t>(p.road), track = static_cast<std::size_t>(p.track);
   track_sums sums = {s_MTLsoil_contact_forces_Sum[road][track], s_MTLsoil_shear_forces_Sum[road][track],
@@ -29,24 +29,23 @@ void grow_state(const parameters& p) {
   s_state.nodes.resize(nodes);
 }
 
-void interaction(void* handle, double time, double* par, int iflag, double* result, int& ierr, char** msg) {
-  std::fill_n(result, k_totals, 0.0);
-  const qv::fault_channel channel{k_prefix, ierr, msg};
+void interaction(void* handle, double time, double* par, int iflag, double* result, const qv::fault_channel& channel) {
+  std::fill_n(result, QV_TRACK_RESULT_LENGTH, 0.0);
   const parameters p(par, channel);
   track_records* track = find_track(p, channel);
-  std::fill_n(result, k_totals + k_values_per_point * p.points(), 0.0);
+  std::fill_n(result, QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_LENGTH * p.points(), 0.0);
   if (iflag == 1) {
     grow_state(p);
     set_up(handle, p, channel);
     track = find_track(p, channel);
   }
-  if (track == nullptr) return;  // asked before its set-up a track has no points and exerts nothing
+  if (track == nullptr) return;  // before its set-up a track has no points and exerts nothing
   read_nodes(par, p, s_state, channel);
   const track_sums sums = clear_sums(p);
   fetch_motion(handle, p, s_state);
   const double L = lay_belt(s_state, p.nodes, *track);
   evaluate_track(handle, time, p, iflag, s_3Dsoil_roads[static_cast<std::size_t>(p.road)], s_state, L, *track, sums,
-                 result, ierr, msg);
+                 result, channel);
 }
 
 }  // namespace
@@ -54,9 +53,9 @@ void interaction(void* handle, double time, double* par, int iflag, double* resu
 void qvsoil_interaction_mtl(void* handle, double time, double* par, int /*npar*/, int /*difflag*/, int iflag,
                             double* result, int& ierr, char** msg) {
   try {
-    interaction(handle, time, par, iflag, result, ierr, msg);
+    interaction(handle, time, par, iflag, result, {k_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_prefix) + error.what(), ierr, msg);
+    qv::fault({k_prefix, ierr, msg}, error.what());
   }
 }
 

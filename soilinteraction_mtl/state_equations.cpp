@@ -11,11 +11,12 @@ namespace {
 
 constexpr const char* k_eom_prefix = "SOILINTERACTION MTL(EOM) ERROR : ";
 constexpr const char* k_velocity_prefix = "SOILINTERACTION MTL(VELOCITY) ERROR : ";
+constexpr qv::parameter k_track_index{QV_TRACK_EOM_TRACK, "track index"};
+constexpr qv::parameter k_road_index{QV_TRACK_EOM_ROAD, "road index"};
 
 /// The x component of the track's shear as the force subroutine last summed it; 0 before its first set-up.
 double summed_shear(int road, int track, const qv::fault_channel& channel) {
-  const node_sum* sum = entry_or_null(s_MTLsoil_shear_forces_Sum, road, "road index (parameter 5)", track,
-                                      "track index (parameter 0)", channel);
+  const node_sum* sum = entry_or_null(s_MTLsoil_shear_forces_Sum, road, k_road_index, track, k_track_index, channel);
   return sum == nullptr ? 0.0 : (*sum)[0];
 }
 
@@ -27,38 +28,43 @@ struct eom_parameters {
   double soil_factor, resistance_factor;
 
   eom_parameters(const double* par, const qv::fault_channel& channel)
-      : track(qv::to_int(par[0], "track index (parameter 0)", channel)),
-        drive(qv::to_int(par[2], "variable id (parameter 2)", channel)),
-        road(qv::to_int(par[5], "road index (parameter 5)", channel)),
-        inertia(par[3]),
-        ratio(par[4]),
-        force_ids{qv::to_int(par[6], "first id of the first force (parameter 6)", channel),
-                  qv::to_int(par[7], "second id of the first force (parameter 7)", channel),
-                  qv::to_int(par[8], "first id of the second force (parameter 8)", channel),
-                  qv::to_int(par[9], "second id of the second force (parameter 9)", channel)},
-        soil_factor(par[10]),
-        resistance_factor(par[11]) {}
+      : track(qv::to_int(par, k_track_index, channel)),
+        drive(qv::to_int(par, {QV_TRACK_EOM_DRIVE, "variable id"}, channel)),
+        road(qv::to_int(par, k_road_index, channel)),
+        inertia(par[QV_TRACK_EOM_INERTIA]),
+        ratio(par[QV_TRACK_EOM_RATIO]),
+        force_ids{qv::to_int(par, {QV_TRACK_EOM_FIRST_FORCE, "first id of the first force"}, channel),
+                  qv::to_int(par, {QV_TRACK_EOM_FIRST_FORCE_REACTION, "second id of the first force"}, channel),
+                  qv::to_int(par, {QV_TRACK_EOM_SECOND_FORCE, "first id of the second force"}, channel),
+                  qv::to_int(par, {QV_TRACK_EOM_SECOND_FORCE_REACTION, "second id of the second force"}, channel)},
+        soil_factor(par[QV_TRACK_EOM_SOIL_FACTOR]),
+        resistance_factor(par[QV_TRACK_EOM_RESISTANCE_FACTOR]) {}
 };
 
 void equation_of_motion(void* handle, const double* par, double* result, const qv::fault_channel& channel) {
-  std::fill_n(result, 6, 0.0);
+  std::fill_n(result, QV_TRACK_EOM_RESULT_LENGTH, 0.0);
   const eom_parameters p(par, channel);
   const double shear = summed_shear(p.road, p.track, channel);
-  result[2] = qv::fetch_scalar(handle, "VARVAL", {p.drive});
-  result[5] = qv::fetch_scalar(handle, "DIF21", {p.drive});
+  const double drive = qv::fetch_scalar(handle, "VARVAL", {p.drive});
+  result[QV_TRACK_EOM_RESULT_VARIABLE] = drive;
+  result[QV_TRACK_EOM_RESULT_DERIVATIVE] = qv::fetch_scalar(handle, "DIF21", {p.drive});
   const double force_1 = qv::fetch_scalar(handle, "FM", {p.force_ids[0], p.force_ids[1]});
   const double force_2 = qv::fetch_scalar(handle, "FM", {p.force_ids[2], p.force_ids[3]});
-  result[1] = force_1 + force_2;
-  result[3] = p.soil_factor * shear;
-  result[4] = result[1] * p.resistance_factor;
-  result[0] = (result[2] / p.ratio - result[3] - result[4]) / p.inertia;
+  const double force = force_1 + force_2;
+  const double soil = p.soil_factor * shear;
+  const double resistance = force * p.resistance_factor;
+  result[QV_TRACK_EOM_RESULT_STATE_RATE] = (drive / p.ratio - soil - resistance) / p.inertia;
+  result[QV_TRACK_EOM_RESULT_FORCE] = force;
+  result[QV_TRACK_EOM_RESULT_SOIL_SHEAR] = soil;
+  result[QV_TRACK_EOM_RESULT_RESISTANCE] = resistance;
 }
 
 void velocity(void* handle, const double* par, double* result, const qv::fault_channel& channel) {
-  result[0] = 0.0;
-  const int mode = qv::to_int(par[0], "mode (parameter 0)", channel);
-  const int id = qv::to_int(par[2], "variable id (parameter 2)", channel);
-  result[0] = par[1] * qv::fetch_scalar(handle, mode == 1 ? "VARVAL" : "DIF21", {id});
+  result[QV_TRACK_VELOCITY_RESULT_VALUE] = 0.0;
+  const int mode = qv::to_int(par, {QV_TRACK_VELOCITY_MODE, "mode"}, channel);
+  const int id = qv::to_int(par, {QV_TRACK_VELOCITY_SOURCE, "variable id"}, channel);
+  const double value = qv::fetch_scalar(handle, mode == 1 ? "VARVAL" : "DIF21", {id});
+  result[QV_TRACK_VELOCITY_RESULT_VALUE] = par[QV_TRACK_VELOCITY_FACTOR] * value;
 }
 
 }  // namespace
@@ -68,7 +74,7 @@ void qvsoil_mtl_eom(void* handle, double /*time*/, double* par, int /*npar*/, in
   try {
     equation_of_motion(handle, par, result, {k_eom_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_eom_prefix) + error.what(), ierr, msg);
+    qv::fault({k_eom_prefix, ierr, msg}, error.what());
   }
 }
 
@@ -77,7 +83,7 @@ void qvsoil_mtl_velocity(void* handle, double /*time*/, double* par, int /*npar*
   try {
     velocity(handle, par, result, {k_velocity_prefix, ierr, msg});
   } catch (const std::exception& error) {
-    qv::fault(std::string(k_velocity_prefix) + error.what(), ierr, msg);
+    qv::fault({k_velocity_prefix, ierr, msg}, error.what());
   }
 }
 

@@ -11,14 +11,15 @@ namespace qvsoilinteractionmtl {
 
 void read_nodes(const double* par, const parameters& p, track_state& state, const qv::fault_channel& channel) {
   for (int i = 0; i < p.nodes; ++i) {
-    const double* pair = par + k_first_node + 2 * static_cast<std::ptrdiff_t>(i);
-    if (!qv::fits_int(pair[0])) {
+    const std::ptrdiff_t at = QV_TRACK_LENGTH + QV_TRACK_NODE_LENGTH * static_cast<std::ptrdiff_t>(i);
+    const double marker = par[at + QV_TRACK_NODE_MARKER];
+    if (!qv::fits_int(marker)) {
       const std::string quantity =
-          "marker id of node " + std::to_string(i) + " (parameter " + std::to_string(k_first_node + 2LL * i) + ")";
-      qv::to_int(pair[0], quantity.c_str(), channel);
+          "marker id of node " + std::to_string(i) + " (parameter " + std::to_string(at + QV_TRACK_NODE_MARKER) + ")";
+      qv::to_int(marker, quantity.c_str(), channel);
     }
-    state.nodes[static_cast<std::size_t>(i)].marker = static_cast<int>(pair[0]);
-    state.radii[static_cast<std::size_t>(i)] = pair[1] + p.thickness;
+    state.nodes[static_cast<std::size_t>(i)].marker = static_cast<int>(marker);
+    state.radii[static_cast<std::size_t>(i)] = par[at + QV_TRACK_NODE_RADIUS] + p.thickness;
   }
 }
 

@@ -8,69 +8,67 @@
 
 namespace qvsoilrdf {
 
-/// One bucket of the plan grid: the numbers (from 1) of the elements that meet it, in element order.
+/// One cell of the plan grid.
 class CCell {
 public:
-  std::vector<std::int32_t> elements;
-  std::int32_t i = 0;  ///< column along x, from 0
-  std::int32_t j = 0;  ///< row along y, from 0
-  double x_lo = 0.0;
+  std::vector<std::int32_t> elements;  ///< numbers (from 1) of the elements that meet the cell, in element order
+  std::int32_t i = 0;                  ///< column along x, from 0
+  std::int32_t j = 0;                  ///< row along y, from 0
+  double x_lo = 0.0;                   ///< bounds [file length]
   double y_lo = 0.0;
   double x_hi = 0.0;
   double y_hi = 0.0;
 };
 
-/// The element numbers of one cell, in place.
+/// A view of the element numbers of one cell.
 class element_list {
 public:
-  element_list(const std::int32_t* begin, const std::int32_t* end) : begin_(begin), end_(end) {}
-  const std::int32_t* begin() const { return begin_; }
-  const std::int32_t* end() const { return end_; }
+  element_list(const std::int32_t* begin, const std::int32_t* end) : m_begin(begin), m_end(end) {}
+  const std::int32_t* begin() const { return m_begin; }
+  const std::int32_t* end() const { return m_end; }
 
 private:
-  const std::int32_t* begin_;
-  const std::int32_t* end_;
+  const std::int32_t* m_begin;
+  const std::int32_t* m_end;
 };
 
-/// The lists of all cells behind each other in one array. A heap list per cell would cost several
-/// times the memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
-class CellGrid {
+/// The element lists of all cells, one behind the other in one array. A heap list per cell would take several times the
+/// memory and the time to build: cells are half a triangle wide, so 10^6 triangles make 2 10^6 cells.
+class cell_grid {
 public:
-  /// Where a cell's list ends (it begins where the list of the cell before ends) and a height that no facet of the
-  /// list reaches over or near its triangle.
   struct cell_data {
-    std::uint32_t end = 0;
-    float top = 0.0F;
+    std::uint32_t end = 0;  ///< where the cell's list ends; it begins where the list of the cell before ends
+    float top = 0.0F;       ///< a height above every point that the search can find in a facet of the list
   };
 
-  bool empty() const { return data_.size() < 2; }
+  bool empty() const { return m_data.size() < 2; }
   /// Cells are stored in tiles of 8 x 8, so that a body's neighbourhood lies on few pages of memory.
   std::size_t index(std::int32_t i, std::int32_t j) const {
     const auto column = static_cast<std::size_t>(i), row = static_cast<std::size_t>(j);
-    const std::size_t tile = column / k_tile * tile_rows_ + row / k_tile;
+    const std::size_t tile = column / k_tile * m_tile_rows + row / k_tile;
     return tile * (k_tile * k_tile) + column % k_tile * k_tile + row % k_tile;
   }
   element_list list(std::size_t cell) const {
-    return {numbers_.data() + data_[cell].end, numbers_.data() + data_[cell + 1].end};
+    return {m_numbers.data() + m_data[cell].end, m_numbers.data() + m_data[cell + 1].end};
   }
-  float top(std::size_t cell) const { return data_[cell + 1].top; }
-  const cell_data* data(std::size_t cell) const { return data_.data() + cell; }
-  const std::int32_t* numbers(std::uint32_t first) const { return numbers_.data() + first; }
-  std::size_t number_of_entries() const { return numbers_.size(); }
+  float top(std::size_t cell) const { return m_data[cell + 1].top; }
+  const cell_data* data(std::size_t cell) const { return m_data.data() + cell; }
+  const std::int32_t* numbers(std::uint32_t first) const { return m_numbers.data() + first; }
+  std::size_t number_of_entries() const { return m_numbers.size(); }
 
 private:
   friend class cell_grid_builder;
   static constexpr std::size_t k_tile = 8;
-  qv::large_vector<cell_data> data_;  ///< [0] is a sentinel, cell c is at c + 1
-  qv::large_vector<std::int32_t> numbers_;
-  std::size_t tile_rows_ = 0;
+  qv::large_vector<cell_data> m_data;  ///< [0] is a sentinel, cell c is at c + 1
+  qv::large_vector<std::int32_t> m_numbers;
+  std::size_t m_tile_rows = 0;
 };
 
 class CRoad;
 
-/// Builds the grid of a road whose nodes, elements, facets, bounds and cell counts stand: one pass over the
-/// triangles, each looking only at the cells its bounds touch. The lists are those that FindElementsBelongtoCell
-/// defines, in the same order. Throws std::length_error for more entries than 32 bits can count.
+/// Builds the grid of a road that has its nodes, elements, facets, bounds and cell counts. Looks, for each triangle,
+/// only at the cells that its bounds touch. The lists are those that FindElementsBelongtoCell defines, in the same
+/// order. Throws std::length_error for more entries than 32 bits can count.
 void build_cell_grid(CRoad& road);
 
 }  // namespace qvsoilrdf

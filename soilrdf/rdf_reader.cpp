@@ -18,17 +18,17 @@
 namespace qvsoilrdf {
 namespace {
 
-constexpr std::size_t k_line_limit = 640;        // of the lines outside the node and element blocks
-constexpr double k_smallest_coordinate = 1e-08;  // anything nearer to 0 is 0
+constexpr std::size_t k_line_limit = 640;        // outside the node and element blocks a line must be shorter than this
+constexpr double k_smallest_coordinate = 1e-08;  // in file units: a coordinate nearer to 0 becomes 0
 
 class rdf_reader {
 public:
-  rdf_reader(CRoad& road, qv::data_file& file, int& ierr, char** msg)
-      : road_(road), lines_(file), ierr_(ierr), msg_(msg) {}
+  rdf_reader(CRoad& road, qv::data_file& file, const qv::fault_channel& channel)
+      : m_road(road), m_lines(file), m_channel(channel) {}
 
   void read() {
     qv::text_line current;
-    while (lines_.next(current)) {
+    while (m_lines.next(current)) {
       const std::string text(current.begin, current.end);
       if (text.size() >= k_line_limit) {
         refuse("READ RDF ERROR : Line " + std::to_string(current.number) + " has " + std::to_string(text.size()) +
@@ -45,29 +45,29 @@ public:
   }
 
 private:
-  [[noreturn]] void refuse(const std::string& message) { qv::first_fault(message, ierr_, msg_); }
+  [[noreturn]] void refuse(const std::string& message) { qv::first_fault(message, m_channel.ierr, m_channel.msg); }
 
   static bool holds(const std::string& text, const char* key) { return text.find(key) != std::string::npos; }
 
-  // KEY = 'TEXT'. Any other key is ignored: a soil type or a law's name in quotes has no effect.
+  // KEY = 'TEXT'. Kept: any other key is ignored, so a soil type or a law's name in quotes has no effect.
   void read_quoted(const std::string& text, const std::string& field) {
     const std::vector<std::string> pieces = splitStr(field, '\'');
     std::string value = pieces.size() > 1 ? pieces[1] : std::string();
     for (char& c : value) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     if (holds(text, "FILE_TYPE")) {
-      if (value != road_.file_type) refuse(" READ RDF ERROR : " + value + " is an unsupported file type. \n");
+      if (value != m_road.file_type) refuse(" READ RDF ERROR : " + value + " is an unsupported file type. \n");
     } else if (holds(text, "LENGTH")) {
-      read_unit(unit_kind::length, value, " is an unsupported LENGTH UNIT. \n", road_.length_factor);
+      read_unit(unit_kind::length, value, " is an unsupported LENGTH UNIT. \n", m_road.length_factor);
     } else if (holds(text, "FORCE")) {
-      read_unit(unit_kind::force, value, " is an unsupported FORCE UNIT. \n", road_.force_factor);
+      read_unit(unit_kind::force, value, " is an unsupported FORCE UNIT. \n", m_road.force_factor);
     } else if (holds(text, "ANGLE")) {
       read_angle_unit(value);
     } else if (holds(text, "MASS")) {
-      read_unit(unit_kind::mass, value, " is an unsupported MASS UNIT. \n", road_.mass_factor);
+      read_unit(unit_kind::mass, value, " is an unsupported MASS UNIT. \n", m_road.mass_factor);
     } else if (holds(text, "TIME")) {
-      read_unit(unit_kind::time, value, nullptr, road_.time_factor);
+      read_unit(unit_kind::time, value, nullptr, m_road.time_factor);
     } else if (holds(text, "METHOD")) {
-      if (value != road_.method) refuse(" READ RDF ERROR : " + value + " is an unsupported METHOD. \n");
+      if (value != m_road.method) refuse(" READ RDF ERROR : " + value + " is an unsupported METHOD. \n");
     }
   }
 
@@ -77,58 +77,58 @@ private:
     } else if (unsupported != nullptr) {
       refuse(" READ RDF ERROR : " + value + unsupported);
     } else {
-      // Kept: the one message without a leading blank and a closing line end; post-processors match it.
+      // Kept: unlike the others this message has no leading blank and no closing line end; post-processors match it.
       refuse("READ RDF ERROR : " + value + " is an unsupported TIME UNIT.");
     }
   }
 
   void read_angle_unit(const std::string& value) {
     if (value == "DEGREE" || value == "DEG") {
-      road_.angle_factor = DTOR;
-      road_.angle_unit = "DEGREE";
+      m_road.angle_factor = DTOR;
+      m_road.angle_unit = "DEGREE";
     } else if (value == "RADIAN" || value == "RAD") {
-      road_.angle_factor = 1.0;  // kept: angle_unit stays as it is
+      m_road.angle_factor = 1.0;  // kept: angle_unit is not set back
     } else {
       refuse(" READ RDF ERROR : " + value + " is an unsupported ANGLE UNIT. \n");
     }
   }
 
-  // KEY = number or KEY = TEXT, the text exactly as written (a blank behind "=" belongs to it). The first key found
-  // in the line decides, so FILE_VERSION stands before VERSION.
+  // KEY = number or KEY = TEXT, the text exactly as written (a blank after "=" belongs to it). The first key that is
+  // found in the line decides, so FILE_VERSION is tried before VERSION.
   void read_unquoted(const std::string& text, const std::string& field, long line_number) {
-    if (read_number(text, field, "FILE_VERSION", road_.file_version)) return;
-    if (read_number(text, field, "VERSION", road_.version)) return;
+    if (read_number(text, field, "FILE_VERSION", m_road.file_version)) return;
+    if (read_number(text, field, "VERSION", m_road.version)) return;
     if (holds(text, "SOIL_TYPE")) {
-      road_.soil_type = field;
+      m_road.soil_type = field;
       return;
     }
-    if (read_number(text, field, "COEFFICIENT_DS", road_.dynamic_sinkage.coefficient_ds)) return;
-    if (read_number(text, field, "CRITICAL_PRESSUR", road_.dynamic_sinkage.critical_pressure)) return;
-    if (read_number(text, field, "EXPONENT_PR", road_.dynamic_sinkage.exponent_pr)) return;
-    if (read_number(text, field, "EXPONENT_SD", road_.dynamic_sinkage.exponent_sd)) return;
+    if (read_number(text, field, "COEFFICIENT_DS", m_road.dynamic_sinkage.coefficient_ds)) return;
+    if (read_number(text, field, "CRITICAL_PRESSUR", m_road.dynamic_sinkage.critical_pressure)) return;
+    if (read_number(text, field, "EXPONENT_PR", m_road.dynamic_sinkage.exponent_pr)) return;
+    if (read_number(text, field, "EXPONENT_SD", m_road.dynamic_sinkage.exponent_sd)) return;
     if (holds(text, "NORMAL_PRESSURE")) {
-      if (field != road_.normal_pressure) {
+      if (field != m_road.normal_pressure) {
         refuse(" READ RDF ERROR : " + field + " is an unsupported NORMAL PRESSURE. \n");
       }
       return;
     }
-    if (read_number(text, field, "COHESIVE_COEFF", road_.bekker.cohesive_coeff)) return;
-    if (read_number(text, field, "FRICTIONAL_COEFF", road_.bekker.frictional_coeff)) return;
-    if (read_number(text, field, "SINKAGE_EXPONENT", road_.bekker.sinkage_exponent)) return;
-    if (read_number(text, field, "WIDTH", road_.bekker.width)) return;
-    if (read_number(text, field, "DAMP_RATIO", road_.bekker.damp_ratio)) return;
-    if (read_number(text, field, "BOUNDARY_SINKAGE", road_.bekker.boundary_sinkage)) return;
+    if (read_number(text, field, "COHESIVE_COEFF", m_road.bekker.cohesive_coeff)) return;
+    if (read_number(text, field, "FRICTIONAL_COEFF", m_road.bekker.frictional_coeff)) return;
+    if (read_number(text, field, "SINKAGE_EXPONENT", m_road.bekker.sinkage_exponent)) return;
+    if (read_number(text, field, "WIDTH", m_road.bekker.width)) return;
+    if (read_number(text, field, "DAMP_RATIO", m_road.bekker.damp_ratio)) return;
+    if (read_number(text, field, "BOUNDARY_SINKAGE", m_road.bekker.boundary_sinkage)) return;
     if (holds(text, "SHEAR_PRESSURE")) {
-      if (field != road_.shear_pressure) {
+      if (field != m_road.shear_pressure) {
         refuse(" READ RDF ERROR : " + field + " is an unsupported SHEAR PRESSURE. \n");
       }
       return;
     }
-    if (read_number(text, field, "COHESION", road_.wong.cohesion)) return;
-    if (read_number(text, field, "SENSITIVITY", road_.wong.sensitivity)) return;
-    if (read_number(text, field, "MAX_SHEAR_DISP", road_.wong.max_shear_disp)) return;
-    if (read_number(text, field, "FRICTION_ANGLE", road_.wong.friction_angle)) {
-      road_.wong.friction_angle *= DTOR;  // degrees in the file, whatever its ANGLE line says
+    if (read_number(text, field, "COHESION", m_road.wong.cohesion)) return;
+    if (read_number(text, field, "SENSITIVITY", m_road.wong.sensitivity)) return;
+    if (read_number(text, field, "MAX_SHEAR_DISP", m_road.wong.max_shear_disp)) return;
+    if (read_number(text, field, "FRICTION_ANGLE", m_road.wong.friction_angle)) {
+      m_road.wong.friction_angle *= DTOR;  // degrees in the file, whatever its ANGLE line says
       return;
     }
     if (holds(text, "NUMBER_OF_NODES")) {
@@ -152,24 +152,24 @@ private:
   }
 
   /// Calls record(line) for each of `count` lines of a block. Lines that begin with "{" are skipped.
-  /// Kept: the first line behind the last record is consumed unread; files place a spacer there.
+  /// Kept: the first line after the last record is consumed unread; files have a spacer there.
   template <class Record>
   void read_block(std::int32_t count, Record&& record) {
     qv::text_line current;
     std::int32_t k = 0;
-    while (lines_.next(current)) {
+    while (m_lines.next(current)) {
       if (current.begin != current.end && *current.begin == '{') continue;
       if (k == count) return;
       record(++k, current);
     }
   }
 
-  /// Room for `count` records, but never for more than the rest of the file can hold.
+  /// Reserves room for `count` records, but never for more than the rest of the file can hold.
   template <class Records>
   void reserve(Records& records, std::int32_t count) {
     constexpr std::size_t k_shortest_record = 8;  // four digits, each with a blank or a line end
     records.clear();
-    records.reserve(std::min(static_cast<std::size_t>(count), lines_.bytes_left() / k_shortest_record + 1));
+    records.reserve(std::min(static_cast<std::size_t>(count), m_lines.bytes_left() / k_shortest_record + 1));
   }
 
   template <std::size_t N>
@@ -185,8 +185,8 @@ private:
   static double coordinate(double value) { return std::fabs(value) < k_smallest_coordinate ? 0.0 : value; }
 
   void read_nodes(std::int32_t count) {
-    road_.number_of_nodes = count;
-    reserve(road_.nodes, count);
+    m_road.number_of_nodes = count;
+    reserve(m_road.nodes, count);
     read_block(count, [this](std::int32_t k, const qv::text_line& from) {
       double numbers[4];  // the file's own node number, x, y, z
       read_numbers(from, "a node", numbers);
@@ -195,26 +195,26 @@ private:
       node.y = coordinate(numbers[2]);
       node.z = coordinate(numbers[3]);
       node.id = k;
-      road_.nodes.push_back(node);
+      m_road.nodes.push_back(node);
       widen_bounds(node);
     });
   }
 
   void widen_bounds(const CNode& node) {
     if (node.id == 1) {
-      road_.x_min = road_.x_max = node.x;
-      road_.y_min = road_.y_max = node.y;
+      m_road.x_min = m_road.x_max = node.x;
+      m_road.y_min = m_road.y_max = node.y;
       return;
     }
-    if (node.x < road_.x_min) road_.x_min = node.x;
-    if (node.x > road_.x_max) road_.x_max = node.x;
-    if (node.y < road_.y_min) road_.y_min = node.y;
-    if (node.y > road_.y_max) road_.y_max = node.y;
+    if (node.x < m_road.x_min) m_road.x_min = node.x;
+    if (node.x > m_road.x_max) m_road.x_max = node.x;
+    if (node.y < m_road.y_min) m_road.y_min = node.y;
+    if (node.y > m_road.y_max) m_road.y_max = node.y;
   }
 
   void read_elements(std::int32_t count) {
-    road_.number_of_elements = count;
-    reserve(road_.elements, count);
+    m_road.number_of_elements = count;
+    reserve(m_road.elements, count);
     read_block(count, [this](std::int32_t k, const qv::text_line& from) {
       double numbers[4];
       read_numbers(from, "an element", numbers);
@@ -222,7 +222,7 @@ private:
       for (int c = 0; c < 3; ++c) element.node[c] = node_number(numbers[c], from.number);
       element.value = numbers[3];
       element.id = k;
-      road_.elements.push_back(element);
+      m_road.elements.push_back(element);
     });
   }
 
@@ -232,37 +232,37 @@ private:
            "; it must lie between 1 and the number of nodes.");
   }
 
-  CRoad& road_;
-  qv::line_source lines_;
-  int& ierr_;
-  char** msg_;
+  CRoad& m_road;
+  qv::line_source m_lines;
+  qv::fault_channel m_channel;
 };
 
-void read_file(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg) {
+void read_file(void* handle, const std::wstring& path, CRoad& road, const qv::fault_channel& channel) {
   qv::data_file file;
   int path_length = 0;
   switch (qv::open_data_file(handle, path, file, path_length)) {
     case qv::file_outcome::opened:
       break;
     case qv::file_outcome::not_found:
-      qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", ierr, msg);
+      qv::first_fault("READ RDF ERROR : FAILED TO OPEN RDF FILE. ", channel.ierr, channel.msg);
     case qv::file_outcome::path_too_long:
       qv::first_fault("READ RDF ERROR : The length of the model file's path is " + std::to_string(path_length) +
                           "; it must lie between 0 and 1024.",
-                      ierr, msg);
+                      channel.ierr, channel.msg);
   }
-  rdf_reader(road, file, ierr, msg).read();
+  rdf_reader(road, file, channel).read();
 }
 
 }  // namespace
 
 bool read_rdf(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg) {
+  const qv::fault_channel channel{"READ RDF ERROR : ", ierr, msg};
   try {
-    read_file(handle, path, road, ierr, msg);
-    derive_road(road, ierr, msg);
+    read_file(handle, path, road, channel);
+    derive_road(road, channel);
     return true;
   } catch (const std::exception&) {
-    return false;  // the caller stops the analysis
+    return false;  // no message here: the caller stops the analysis
   }
 }
 

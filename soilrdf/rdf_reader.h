@@ -13,7 +13,7 @@ namespace qvsoilrdf {
 /// @param road    filled; normally freshly constructed
 /// @param ierr, msg  message channel. A file that cannot be opened and every format error sets the count to 1,
 ///                stores one message in the first slot and throws the integer 1; the road keeps what it has so far.
-/// @return        true when the road is ready, false when a standard exception (an allocation that failed) ended
+/// @return        true if the road is ready, false if a standard exception (an allocation that failed) ended
 ///                the reader; that leaves the channel as it was.
 bool read_rdf(void* handle, const std::wstring& path, CRoad& road, int& ierr, char** msg);
 

@@ -10,8 +10,8 @@ struct unit {
   double factor;
 };
 
-// Kept: the prefixes are spelled with one L ("MILIMETER"); the correct spellings are not known. The values are those
-// that existing road files were made with, rounded as they stand.
+// Kept: the prefixes are spelled with one L ("MILIMETER"), and the correct spellings are refused. The values keep the
+// digits that they have here: existing road files were made with them.
 constexpr unit k_lengths[] = {{"MILIMETER", 0.001},  {"MM", 0.001},  {"MICROMETER", 1e-06}, {"UM", 1e-06},
                               {"KILOMETER", 1000.0}, {"KM", 1000.0}, {"METER", 1.0},        {"M", 1.0},
                               {"CM", 0.01},          {"IN", 0.0254}, {"FT", 0.3048},        {"MI", 1609.3}};

@@ -11,7 +11,7 @@
 namespace qvsoilrdf {
 namespace {
 
-void check_node_numbers(const CRoad& road, int& ierr, char** msg) {
+void check_node_numbers(const CRoad& road, const qv::fault_channel& channel) {
   const auto count = static_cast<std::int64_t>(road.nodes.size());
   for (const CElement& element : road.elements) {
     for (const std::int32_t number : element.node) {
@@ -19,16 +19,16 @@ void check_node_numbers(const CRoad& road, int& ierr, char** msg) {
       qv::first_fault("READ RDF ERROR : Element " + std::to_string(element.id) + " names node " +
                           std::to_string(number) + "; node numbers must lie between 1 and " + std::to_string(count) +
                           ".",
-                      ierr, msg);
+                      channel.ierr, channel.msg);
     }
   }
 }
 
-/// Unit normal with z not negative, centroid and plane constant.
+/// Sets the triangle's unit normal (z not negative), centroid and plane constant.
 void set_plane(CElement& element, const CNode& K, const CNode& L, const CNode& M) {
   const double kl[3] = {L.x - K.x, L.y - K.y, L.z - K.z};
   const double lm[3] = {M.x - L.x, M.y - L.y, M.z - L.z};
-  int degenerate;  // a triangle without area keeps the normal (0, 0, 0): no point finds it
+  int degenerate;  // a triangle without area keeps the normal (0, 0, 0), and no point over it is in contact
   qv::vectlvec(kl, lm, element.normal);
   qv::normalization_vec(element.normal, degenerate);
   if (element.normal[2] < 0.0) {
@@ -40,14 +40,16 @@ void set_plane(CElement& element, const CNode& K, const CNode& L, const CNode& M
   element.equation_plane();
 }
 
-// Kept: signed cyclic differences, not extents. For corners at 2, 1, 0 this is 1; the cell size follows from it.
+// Kept: the differences are cyclic and signed, no extents. For corners at 2, 1, 0 the result is 1. The cell size
+// follows from it.
 double largest_cyclic_difference(double so_far, double k, double l, double m) {
   return std::max(std::max(so_far, k - l), std::max(l - m, m - k));
 }
 
-/// How far a triangle's edges reach, in its barycentric coordinates; 0 for one that is thin (a corner below about 3
-/// degrees). An edge is "touched" from at most 0.0044 of its length away: that is the height of the arc from which it
-/// appears under the widest tolerance's angle. A point farther out than 0.0045 of the longest edge touches none.
+/// How far outside a triangle, in its barycentric coordinates, a point may still count as on an edge; 0 for a thin
+/// triangle (a corner below about 3 degrees). Such a point is at most 0.0044 of the edge's length away: this is the
+/// height of the arc from which the edge is seen under the angle of the widest tolerance. A point farther out than
+/// 0.0045 of the longest edge is on none.
 double edge_reach(double twice_area, double longest_squared) {
   constexpr double k_reach = 0.0045;
   constexpr double k_thin = 0.05;
@@ -58,13 +60,13 @@ double edge_reach(double twice_area, double longest_squared) {
 CFacet make_facet(const CElement& element, const CNode& K, const CNode& L, const CNode& M, double& reach) {
   CFacet facet;
   facet.corner[0] = K.x, facet.corner[1] = K.y, facet.corner[2] = K.z;
-  for (int c = 0; c < 3; ++c) facet.normal[c] = 0.0 + element.normal[c];  // as a sum from 0: no -0
+  for (int c = 0; c < 3; ++c) facet.normal[c] = 0.0 + element.normal[c];  // adding 0 turns -0 into 0
   const double ax = L.x - K.x, ay = L.y - K.y, bx = M.x - K.x, by = M.y - K.y;
   const double cx = bx - ax, cy = by - ay;
   const double twice_area = ax * by - ay * bx;
   const double longest = std::max(std::max(ax * ax + ay * ay, bx * bx + by * by), cx * cx + cy * cy);
   const double own_reach = edge_reach(twice_area, longest);
-  constexpr double k_float_range = 1e30;  // where a float has all its digits
+  constexpr double k_float_range = 1e30;  // up to here a float has all its digits
   const bool judged_by_angles = own_reach == 0.0 || !(longest < k_float_range && longest > 1.0 / k_float_range);
   const double scale = judged_by_angles ? std::numeric_limits<double>::quiet_NaN() : 1.0 / twice_area;
   facet.gradient[0] = static_cast<float>(by * scale);
@@ -90,13 +92,13 @@ void derive_triangles(CRoad& road) {
   }
 }
 
-/// How many cells of at least `smallest` fit into `extent`.
-std::int32_t cell_count(double extent, double smallest, const char* axis, int& ierr, char** msg) {
+/// The number of cells of at least `smallest` that fit into `extent`, 1 at least.
+std::int32_t cell_count(double extent, double smallest, const char* axis, const qv::fault_channel& channel) {
   const double quotient = extent / smallest;
   if (!qv::fits_int(quotient)) {
     qv::first_fault("READ RDF ERROR : The number of grid cells along " + std::string(axis) + " is " +
                         qv::number_text(quotient) + "; it must lie between 0 and 2147483647.",
-                    ierr, msg);
+                    channel.ierr, channel.msg);
   }
   const auto c = static_cast<std::int32_t>(quotient);
   const double rest = extent - c * smallest;
@@ -104,7 +106,7 @@ std::int32_t cell_count(double extent, double smallest, const char* axis, int& i
   return count == 0 ? 1 : count;
 }
 
-void size_grid(CRoad& road, int& ierr, char** msg) {
+void size_grid(CRoad& road, const qv::fault_channel& channel) {
   const double lx = road.x_max - road.x_min;
   const double ly = road.y_max - road.y_min;
   const double hx = 0.5 * road.max_dx;
@@ -113,28 +115,28 @@ void size_grid(CRoad& road, int& ierr, char** msg) {
     qv::first_fault(
         " READ RDF ERROR : THE LONGITUDINAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE "
         "CONFIRM IT! \n",
-        ierr, msg);
+        channel.ierr, channel.msg);
   }
-  road.nx = cell_count(lx, hx, "x", ierr, msg);
+  road.nx = cell_count(lx, hx, "x", channel);
   if (hy == 0.0) {
     qv::first_fault(
         " READ RDF ERROR : THE VERTICAL DIRECTION OR FACESET OF THE BASE ENTITY IS SET INCORRECTLY. PLEASE CONFIRM "
         "IT! \n",
-        ierr, msg);
+        channel.ierr, channel.msg);
   }
-  road.ny = cell_count(ly, hy, "y", ierr, msg);
+  road.ny = cell_count(ly, hy, "y", channel);
   road.cell_dx = lx / road.nx;
   road.cell_dy = ly / road.ny;
 }
 
 }  // namespace
 
-void derive_road(CRoad& road, int& ierr, char** msg) {
+void derive_road(CRoad& road, const qv::fault_channel& channel) {
   road.x_offset = -road.x_min;
   road.y_offset = -road.y_min;
-  check_node_numbers(road, ierr, msg);
+  check_node_numbers(road, channel);
   derive_triangles(road);
-  size_grid(road, ierr, msg);
+  size_grid(road, channel);
   build_cell_grid(road);
 }
 

@@ -8,7 +8,7 @@
 
 namespace qv {
 
-constexpr int k_message_slots = 5;  ///< a module stores one message per fault and stops at the first
+constexpr int k_message_slots = 5;  ///< enough: a module stores one message per fault and stops at the first fault
 
 /// A module function: the seven arguments of a user subroutine, the message count and the message slots.
 using module_function = void (*)(void* handle, double time, double* par, int npar, int difflag, int iflag,
@@ -22,7 +22,7 @@ inline void run_user_subroutine(module_function module, void* handle, double tim
   char* msg[k_message_slots] = {};
   try {
     module(handle, time, par, npar, difflag, iflag, result, ierr, msg);
-  } catch (...) {  // C on the other side
+  } catch (...) {  // the caller is C: no exception may reach it
     THROW_ERROR(handle, "USUB ERROR", ierr, msg);
   }
 }

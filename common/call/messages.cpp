@@ -18,7 +18,7 @@ char* copy_text(const std::string& text) {
 void add_message(const std::string& text, int& ierr, char** msg) {
   if (ierr >= k_message_slots) return;
   msg[ierr] = copy_text(text);
-  ++ierr;  // only now: the count never covers an empty slot
+  ++ierr;  // after the copy, which may throw: the count never covers an empty slot
 }
 
 void set_first_message(const std::string& text, int& ierr, char** msg) {
@@ -29,6 +29,10 @@ void set_first_message(const std::string& text, int& ierr, char** msg) {
 void fault(const std::string& text, int& ierr, char** msg) {
   add_message(text, ierr, msg);
   throw 1;
+}
+
+void fault(const fault_channel& channel, const std::string& detail) {
+  fault(channel.prefix + detail, channel.ierr, channel.msg);
 }
 
 void first_fault(const std::string& text, int& ierr, char** msg) {

@@ -2,8 +2,8 @@
 
 namespace {
 
-// One reference to every service the library may call, so that all ten are bound while the host loads the library:
-// a host that lacks one is told so then, by name, and not in the middle of a run.
+// One reference to every service that the library may call, so that all ten are bound while the host loads the library:
+// a host that lacks one learns its name then and not in the middle of a run.
 [[gnu::used]] const void* const k_bound_services[] = {
     reinterpret_cast<const void*>(&sysary),       reinterpret_cast<const void*>(&sysfnc),
     reinterpret_cast<const void*>(&get_string_s), reinterpret_cast<const void*>(&GET_QVSPATH_S),

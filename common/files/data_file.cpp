@@ -15,7 +15,7 @@ std::size_t size_hint(std::FILE* file) {
   if (std::fseek(file, 0, SEEK_END) != 0) return 0;
   const long size = std::ftell(file);
   std::rewind(file);
-  constexpr long k_beyond_any_file = 1L << 40;  // what a folder answers
+  constexpr long k_beyond_any_file = 1L << 40;  // a folder answers with a size beyond this
   return size > 0 && size < k_beyond_any_file ? static_cast<std::size_t>(size) : 0;
 }
 
@@ -29,16 +29,16 @@ std::wstring text_of(const wchar_t (&buffer)[QV_TEXT_CAPACITY]) {
 }  // namespace
 
 bool data_file::open(const std::string& name) {
-  file_.reset(std::fopen(name.c_str(), "r"));
-  if (!file_) return false;
-  std::setvbuf(file_.get(), nullptr, _IONBF, 0);  // straight into the reader's own buffer
-  bytes_left_ = size_hint(file_.get());
+  m_file.reset(std::fopen(name.c_str(), "r"));
+  if (!m_file) return false;
+  std::setvbuf(m_file.get(), nullptr, _IONBF, 0);  // straight into the reader's own buffer
+  m_bytes_left = size_hint(m_file.get());
   return true;
 }
 
 std::size_t data_file::read(char* buffer, std::size_t size) {
-  const std::size_t got = std::fread(buffer, 1, size, file_.get());
-  bytes_left_ -= std::min(got, bytes_left_);
+  const std::size_t got = std::fread(buffer, 1, size, m_file.get());
+  m_bytes_left -= std::min(got, m_bytes_left);
   return got;
 }
 
@@ -67,33 +67,33 @@ file_outcome open_data_file(void* handle, const std::wstring& name, data_file& f
 }
 
 bool line_source::next(text_line& line) {
-  const char* searched = at_;  // no line end before
+  const char* searched = m_at;  // there is no line end before this
   for (;;) {
     const auto* stop = static_cast<const char*>(
-        searched == end_ ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(end_ - searched)));
+        searched == m_end ? nullptr : std::memchr(searched, '\n', static_cast<std::size_t>(m_end - searched)));
     if (stop != nullptr) {
-      line = {at_, stop, ++number_};
-      at_ = stop + 1;
+      line = {m_at, stop, ++m_number};
+      m_at = stop + 1;
       return true;
     }
-    const std::ptrdiff_t without_end = end_ - at_;
+    const std::ptrdiff_t without_end = m_end - m_at;
     if (!refill()) break;
-    searched = at_ + without_end;
+    searched = m_at + without_end;
   }
-  if (at_ == end_) return false;
-  line = {at_, end_, ++number_};
-  at_ = end_;
+  if (m_at == m_end) return false;
+  line = {m_at, m_end, ++m_number};
+  m_at = m_end;
   return true;
 }
 
 bool file_window::refill() {
   constexpr std::size_t k_chunk = 1 << 18;
-  const auto kept = static_cast<std::size_t>(end_ - at_);
-  if (kept > 0) std::memmove(buffer_.data(), at_, kept);
-  if (buffer_.size() < kept + k_chunk) buffer_.resize(std::max(2 * buffer_.size(), kept + k_chunk));
-  const std::size_t got = file_.read(buffer_.data() + kept, buffer_.size() - kept);
-  at_ = buffer_.data();
-  end_ = at_ + kept + got;
+  const auto kept = static_cast<std::size_t>(m_end - m_at);
+  if (kept > 0) std::memmove(m_buffer.data(), m_at, kept);
+  if (m_buffer.size() < kept + k_chunk) m_buffer.resize(std::max(2 * m_buffer.size(), kept + k_chunk));
+  const std::size_t got = m_file.read(m_buffer.data() + kept, m_buffer.size() - kept);
+  m_at = m_buffer.data();
+  m_end = m_at + kept + got;
   return got > 0;
 }
 

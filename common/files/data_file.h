@@ -12,50 +12,55 @@ namespace qv {
 /// A file that is read once, from its beginning to its end.
 class data_file {
 public:
-  /// False when the file cannot be opened.
+  /// Opens the file; false if it cannot be opened.
   bool open(const std::string& name);
-  /// Fills `buffer` as far as the file goes; 0 at its end, and for what opens but cannot be read (a folder).
+  /// Fills `buffer` as far as the file goes and returns the number of bytes; 0 at the end of the file, and for
+  /// something that opens but cannot be read (a folder).
   std::size_t read(char* buffer, std::size_t size);
-  /// Bytes that are still to come; 0 also where that cannot be known (a pipe).
-  std::size_t bytes_left() const { return bytes_left_; }
+  /// Bytes that are still to come; also 0 if that cannot be known (a pipe).
+  std::size_t bytes_left() const { return m_bytes_left; }
 
 private:
   struct closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
-  std::unique_ptr<std::FILE, closer> file_;
-  std::size_t bytes_left_ = 0;
+  std::unique_ptr<std::FILE, closer> m_file;
+  std::size_t m_bytes_left = 0;
 };
 
-/// Path of the model file (GET_QVSPATH_S). A length beyond the buffer gives none: false.
+/// Fetches the path of the model file (GET_QVSPATH_S). False if the host's length is beyond the buffer.
 bool fetch_model_path(void* handle, std::wstring& path, int& length);
 
-/// `name` in the folder of the model file. Empty, so no second attempt, for a path without "/" or ending in it.
+/// The path of `name` in the folder of the model file. Empty, which means no second attempt, for a model path without
+/// "/" or with "/" at its end.
 std::wstring beside_model(const std::wstring& model_path, const std::wstring& name);
 
-/// Opens the file by the name given or, failing that, by that name in the model file's folder (GET_QVSPATH_S).
-/// Throws the integer 1 when a name has no narrow form. `path_length` is what the host says of its path's length.
 enum class file_outcome { opened, not_found, path_too_long };
+
+/// Opens the file by the name given or, if that fails, by that name in the model file's folder (GET_QVSPATH_S).
+/// Throws the integer 1 if a name has no narrow form.
+/// @param path_length  receives the length that the host gives for the model file's path
 file_outcome open_data_file(void* handle, const std::wstring& name, data_file& file, int& path_length);
 
-/// The part of a file that is being read, in a buffer that stays in the cache.
+/// The part of a file that is being read. Its buffer is small enough to stay in the processor's cache.
 class file_window {
 public:
-  explicit file_window(data_file& file) : file_(file) {}
+  explicit file_window(data_file& file) : m_file(file) {}
 
-  /// Bytes behind what was taken last, as far as known.
-  std::size_t bytes_left() const { return static_cast<std::size_t>(end_ - at_) + file_.bytes_left(); }
+  /// Bytes of the file that nobody has taken yet, as far as known.
+  std::size_t bytes_left() const { return static_cast<std::size_t>(m_end - m_at) + m_file.bytes_left(); }
 
 protected:
-  /// Moves what is left to the front and reads on behind it; false at the end of the file.
+  /// Moves the bytes that are not taken yet to the front of the buffer and reads on behind them; false at the end of
+  /// the file.
   bool refill();
 
-  const char* at_ = nullptr;  ///< not taken yet, up to `end_`
-  const char* end_ = nullptr;
+  const char* m_at = nullptr;   ///< the first byte that is not taken yet
+  const char* m_end = nullptr;  ///< the end of the bytes in the buffer
 
 private:
-  data_file& file_;
-  large_vector<char> buffer_;
+  data_file& m_file;
+  large_vector<char> m_buffer;
 };
 
 /// One line of a file, without its end.
@@ -74,10 +79,10 @@ public:
   bool next(text_line& line);
 
 private:
-  long number_ = 0;
+  long m_number = 0;
 };
 
-/// The text of a string entity of the model (get_string_s). A length beyond the buffer gives no text: false.
+/// Fetches the text of a string entity of the model (get_string_s). False if the host's length is beyond the buffer.
 bool fetch_string(void* handle, int id, std::wstring& text, int& length);
 
 }  // namespace qv

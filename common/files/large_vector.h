@@ -8,8 +8,8 @@
 
 namespace qv {
 
-/// Allocator of tables that may reach hundreds of megabytes: they begin on a cache line, and elements without an
-/// initial value of their own are not zeroed on a resize, since whoever resizes writes them next.
+/// Allocator of tables that may reach hundreds of megabytes. They begin on a cache line, and a resize does not zero
+/// elements that have no initial value of their own, because whoever resizes writes them next.
 template <class T>
 class large_allocator {
 public:

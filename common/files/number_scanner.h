@@ -5,14 +5,15 @@
 #include <cstdlib>
 #include <string>
 
-/// Numbers of a data line, with the grammar of formatted stream input: white space between them, an optional sign,
-/// digits, fraction and exponent; no "inf", no "nan", no hexadecimal; a number too large for a double is none.
+/// Reads the numbers of a data line, with the grammar of formatted stream input: white space between them, an optional
+/// sign, digits, fraction and exponent. There is no "inf", no "nan" and no hexadecimal, and a number too large for a
+/// double cannot be read.
 namespace qv {
 
 inline bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-/// Reads the next number of [at, end), slow and complete.
+/// Reads the number that begins at `at`, of any form. False, with `at` unchanged, if there is none.
 inline bool scan_any_number(const char*& at, const char* end, double& value) {
   const char* begin = at;
   const char* digits = begin;
@@ -32,8 +33,9 @@ inline bool scan_any_number(const char*& at, const char* end, double& value) {
   return true;
 }
 
-/// Reads the next number of [at, end). Plain decimals of up to 15 digits, which is all that most files hold, are
-/// exact integers over an exact power of ten: one division rounds them as the general reader would.
+/// Reads the next number of [at, end) after white space. False if there is none. Most files hold only plain decimals of
+/// up to 15 digits. These are exact integers over an exact power of ten, so that one division rounds them as the
+/// general reader would, only faster.
 inline bool scan_number(const char*& at, const char* end, double& value) {
   static constexpr double k_powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};

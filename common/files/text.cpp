@@ -32,7 +32,8 @@ std::wstring mbs_to_wcs(const std::string& text, const std::locale& locale) {
   wchar_t* to_next = nullptr;
   const auto outcome = facet.in(state, text.data(), text.data() + text.size(), from_next, wide.data(),
                                 wide.data() + wide.size(), to_next);
-  if (outcome != facet_type::ok || std::mbsinit(&state) == 0) throw 1;  // also a character that is cut short
+  const bool is_cut_short = std::mbsinit(&state) == 0;  // the last character is not complete
+  if (outcome != facet_type::ok || is_cut_short) throw 1;
   wide.resize(static_cast<size_t>(to_next - wide.data()));
   return wide;
 }

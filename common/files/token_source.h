@@ -5,16 +5,16 @@
 namespace qv {
 
 /// The tokens of a file of numbers, with the grammar of formatted stream input. After the first token that cannot be
-/// read nothing more is: every further request fails and writes nothing.
+/// read, every further request fails and writes nothing.
 class token_source : public file_window {
 public:
   using file_window::file_window;
 
-  /// The next integer.
+  /// Reads the next integer; false if there is none.
   bool integer(int& value);
-  /// The next real number.
+  /// Reads the next real number; false if there is none.
   bool real(double& value);
-  /// One character that is no white space, whichever it is.
+  /// Reads one character that is not white space, whichever it is; false at the end of the file.
   bool separator();
 
 private:
@@ -23,8 +23,8 @@ private:
   bool read_on();
   bool fail();
 
-  bool more_ = true;  ///< the file has not ended yet
-  bool good_ = true;
+  bool m_more = true;  ///< the file has not ended yet
+  bool m_good = true;  ///< every token so far could be read
 };
 
 }  // namespace qv

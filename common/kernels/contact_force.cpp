@@ -1,4 +1,4 @@
-#include "common/kernels/kernels.h"
+#include "common/kernels/kernels_kept.h"
 #include "qvbrisk/services.h"
 
 namespace qv {

@@ -4,28 +4,29 @@
 
 namespace qv {
 
-// Loops over a block also get a version for processors with 256-bit vectors. Both round every operation alike (no
-// fused multiply-add), so the numbers are the same. Sanitizers do not get along with the choice at load time.
+// Marks functions that loop over a block: they are also compiled for processors with 256-bit vectors. Both versions
+// round every operation alike (no fused multiply-add), so the numbers are the same. Sanitizers and clang cannot handle
+// the choice between them at load time.
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
 #define QV_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
 #else
 #define QV_WIDE_VECTORS
 #endif
 
-/// For functions of one point that such loops call: outside of them they are not vectorised.
+/// Marks functions of one point that such loops call. They have to be inlined, or the loop is not vectorised.
 #define QV_IN_LOOPS [[gnu::always_inline]] inline
 
-constexpr int k_block = 64;  ///< vectors that are worked on together
+constexpr int k_block = 64;  ///< how many vectors one loop works on
 
-/// The vectors of a block side by side, component by component, for loops that run several at a time. The same
-/// operations in the same order as the kernels of one vector.
+/// The vectors of a block, component by component, so that a loop can work on several of them at a time. The functions
+/// below do the same operations in the same order as the kernels of one vector.
 struct vectors {
   double x[k_block];
   double y[k_block];
   double z[k_block];
 };
 
-/// qv::normalization_vec on all of them; a vector of length 0 stays as it is.
+/// qv::normalization_vec of each vector; a vector of length 0 stays as it is.
 inline void normalise(vectors& v, int count) {
   for (int i = 0; i < count; ++i) {
     const double length = std::sqrt(v.x[i] * v.x[i] + v.y[i] * v.y[i] + v.z[i] * v.z[i]);
@@ -36,7 +37,7 @@ inline void normalise(vectors& v, int count) {
   }
 }
 
-/// qv::matvec on all of them
+/// qv::matvec of each vector: b = A a
 inline void rotate(const double* A, const vectors& a, vectors& b, int count) {
   for (int i = 0; i < count; ++i) {
     b.x[i] = A[0] * a.x[i] + A[3] * a.y[i] + A[6] * a.z[i];
@@ -45,7 +46,7 @@ inline void rotate(const double* A, const vectors& a, vectors& b, int count) {
   }
 }
 
-/// One of them, out of the row.
+/// Copies vector i to `to`.
 inline void take(const vectors& v, int i, double* to) {
   to[0] = v.x[i];
   to[1] = v.y[i];

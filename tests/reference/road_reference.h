@@ -15,7 +15,7 @@ struct triangle {
   double d = 0.0;
 };
 
-/// Soil parameters as a road file holds them, but for the friction angle, which is in radians here.
+/// Soil parameters as a road file gives them, except the friction angle, which is in radians here.
 struct soil {
   std::string type = "SOIL";
   double coefficient_ds = 0.0, critical_pressure = 0.0, exponent_pr = 0.0, exponent_sd = 0.0;
@@ -48,14 +48,14 @@ enum class found { outside_extent, hole, corner, edge, inside };
 
 struct facet_search {
   found how = found::hole;
-  int number = 0;  ///< of the triangle, from 1; 0 when none
-  v3 normal{};     ///< unit normal, zero when none
-  double d = 0.0;  ///< plane constant, not a number when none
-  v3 point{};      ///< projection onto the triangle's plane, only when one was found
+  int number = 0;  ///< of the triangle, from 1; 0 if there is none
+  v3 normal{};     ///< the triangle's unit normal; zero if there is none
+  double d = 0.0;  ///< the triangle's plane constant; NaN if there is none
+  v3 point{};      ///< projection onto the triangle's plane; set only if there is one
 };
 
-/// Is the plan point in this triangle, by the angles of its corners? `edge_tolerance` is the caller's and becomes
-/// 0.0001 once three angles were taken.
+/// Whether the plan point is in this triangle, by the angles between its corners. `edge_tolerance` is the caller's and
+/// becomes 0.0001 after three angles.
 found look_at_triangle(const road& road, int number, const v3& p, double& edge_tolerance);
 
 /// First triangle of the point's cell, in list order, that holds the point.

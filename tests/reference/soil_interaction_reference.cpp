@@ -105,34 +105,34 @@ void advance_history(bool in_contact, contact_point& point) {
 }
 
 soil_element::soil_element(const road& road, const body& body)
-    : road_(road),
-      body_(body),
-      points_(static_cast<std::size_t>(body.nx), std::vector<contact_point>(static_cast<std::size_t>(body.ny))) {}
+    : m_road(road),
+      m_body(body),
+      m_points(static_cast<std::size_t>(body.nx), std::vector<contact_point>(static_cast<std::size_t>(body.ny))) {}
 
 void soil_element::call(const marker_kinematics& k, int iflag, std::vector<double>& result) {
-  result.assign(7 + 8 * static_cast<std::size_t>(body_.nx) * static_cast<std::size_t>(body_.ny), 0.0);
-  sums_ = {};
-  points_in_contact_ = 0;
-  const road copy = road_;
+  result.assign(7 + 8 * static_cast<std::size_t>(m_body.nx) * static_cast<std::size_t>(m_body.ny), 0.0);
+  m_sums = {};
+  m_points_in_contact = 0;
+  const road copy = m_road;
   std::size_t slot = 7;
-  for (int i = 0; i < body_.nx; ++i) {
-    for (int j = 0; j < body_.ny; ++j, slot += 8) {
-      contact_point& point = points_[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
-      if (iflag == 1) point.Si_prime = grid_point(body_, i, j);
-      const bool in_contact = measure_contact(copy, body_, k, point);
+  for (int i = 0; i < m_body.nx; ++i) {
+    for (int j = 0; j < m_body.ny; ++j, slot += 8) {
+      contact_point& point = m_points[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
+      if (iflag == 1) point.Si_prime = grid_point(m_body, i, j);
+      const bool in_contact = measure_contact(copy, m_body, k, point);
       for (std::size_t c = 0; c < 3; ++c) result[slot + 3 + c] = point.position[c];
       if (in_contact) {
-        ++points_in_contact_;
-        soil_force(copy.parameters, body_, point);
+        ++m_points_in_contact;
+        soil_force(copy.parameters, m_body, point);
         generalised_force(k.A1, point);
         for (std::size_t c = 0; c < 3; ++c) {
           result[c] += point.force[c];
-          sums_[c] += point.force[c];
+          m_sums[c] += point.force[c];
           result[3 + c] += point.moment[c];
           result[slot + c] = point.local_force[c];
         }
         result[6] += point.effective_area;
-        sums_[3] += point.effective_area;
+        m_sums[3] += point.effective_area;
         result[slot + 6] = point.sinkage;
         result[slot + 7] = point.dynamic_sinkage;
       }

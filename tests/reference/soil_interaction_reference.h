@@ -2,7 +2,8 @@
 
 #include "tests/reference/soil_laws_reference.h"
 
-/// The whole 3D soil call for one element, literal: everything per point, the road copied wherever it is handed on.
+/// The whole 3D soil call for one element, slow and literal: everything is done per point, and the road is copied
+/// wherever it is passed on.
 namespace qvref {
 
 /// What an element asks its host for. Matrices marker -> ground, column by column.
@@ -22,21 +23,21 @@ public:
   void call(const marker_kinematics& k, int iflag, std::vector<double>& result);
 
   /// Force and area over the points, of the last call.
-  const std::array<double, 4>& sums() const { return sums_; }
-  int points_in_contact() const { return points_in_contact_; }
+  const std::array<double, 4>& sums() const { return m_sums; }
+  int points_in_contact() const { return m_points_in_contact; }
   const contact_point& point(int i, int j) const {
-    return points_[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
+    return m_points[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
   }
 
 private:
-  road road_;
-  body body_;
-  std::vector<std::vector<contact_point>> points_;
-  std::array<double, 4> sums_{};
-  int points_in_contact_ = 0;
+  road m_road;
+  body m_body;
+  std::vector<std::vector<contact_point>> m_points;
+  std::array<double, 4> m_sums{};
+  int m_points_in_contact = 0;
 };
 
-/// Geometry of one point: true in contact. By value: it cannot touch the caller's road.
+/// Measures the geometry of one point; true if it is in contact. The road is a copy, so the caller's cannot change.
 bool measure_contact(road road, const body& body, const marker_kinematics& k, contact_point& point);
 
 void advance_history(bool in_contact, contact_point& point);

@@ -76,7 +76,7 @@ void soil_force(const soil& soil, const body& body, contact_point& point) {
                           -sign(point.normal_velocity) * point.damping * (s * s);
     point.normal_force = std::fmax(0.0, point.damping_force + point.pressure_force);
   } else {
-    point.pressure = 0.0;  // and the three forces stay as they were
+    point.pressure = 0.0;  // the three forces keep their last values
   }
   for (std::size_t k = 0; k < 2; ++k) {
     point.shear_stress[k] = wong_shear(soil, point.shear_disp[k], point.slip_velocity[k], point.pressure);

@@ -2,7 +2,7 @@
 
 #include "tests/reference/road_reference.h"
 
-/// One contact point of the reference and its laws, per point, with nothing worked out in advance.
+/// One contact point of the reference and its laws, per point, with nothing computed in advance.
 namespace qvref {
 
 struct contact_point {
@@ -41,7 +41,7 @@ double dynamic_sinkage(const soil& soil, double last_pressure, const std::array<
 double bekker_pressure(const soil& soil, double width, double static_sinkage);  ///< negative in compression
 double wong_shear(const soil& soil, double j, double v, double pressure);
 
-/// Loads of a point whose geometry stands. Precondition: the width of the law is not 0.
+/// Sets the loads of a point. Precondition: its geometry is set, and the width of the law is not 0.
 void soil_force(const soil& soil, const body& body, contact_point& point);
 
 /// Force and moment on the body; A1 is the body marker's orientation.

@@ -82,20 +82,20 @@ void split_to_nodes(track_point& first, track_point& second) {
   share(soil, second);
 }
 
-track::track(const road& road, const track_layout& set_up) : road_(road), normal_(set_up.markers.size()) {
+track::track(const road& road, const track_layout& set_up) : m_road(road), m_normal(set_up.markers.size()) {
   const std::vector<track_point> row(static_cast<std::size_t>(set_up.n_lat));
   for (std::size_t node = 0; node < set_up.markers.size(); ++node) {
     std::array<belt_record, 2> ends;
     ends[1].side = 1;
     for (belt_record& end : ends) end.points.assign(static_cast<std::size_t>(set_up.n_long), row);
-    records_.push_back(ends);
+    m_records.push_back(ends);
   }
 }
 
 void track::clear_sums() {
-  contact_ = {};
-  shear_ = {};
-  for (auto& sum : normal_) sum = {};
+  m_contact = {};
+  m_shear = {};
+  for (auto& sum : m_normal) sum = {};
 }
 
 void track::lay_belt(const track_kinematics& k, const track_layout& now, double& L) {
@@ -103,7 +103,7 @@ void track::lay_belt(const track_kinematics& k, const track_layout& now, double&
   for (const double radius : now.radii) radii.push_back(radius + now.thickness);
   const v3 axle = column(k.AI, 1);
   for (std::size_t i = 0; i + 1 < radii.size(); ++i) {
-    belt_record &A = records_[i][1], &B = records_[i + 1][0];
+    belt_record &A = m_records[i][1], &B = m_records[i + 1][0];
     lay_tangent(k.nodes[i].position, radii[i], k.nodes[i + 1].position, radii[i + 1], axle, L, A);
     B.along = A.along;
     B.axle = A.axle;
@@ -111,18 +111,18 @@ void track::lay_belt(const track_kinematics& k, const track_layout& now, double&
     B.P0 = A.P0;
     B.P1 = A.P1;
   }
-  if (radii.size() > 2) cut_corners(records_, radii);
+  if (radii.size() > 2) cut_corners(m_records, radii);
 }
 
 void track::sum_normals(std::size_t span, std::size_t nodes, const track_point& first, const track_point& second) {
   for (std::size_t c = 0; c < 6; ++c) {
     const double N = first.normal_share[c], N2 = second.normal_share[c];
     if (span == 0) {
-      normal_[0][c] += N;
-      if (nodes == 2) normal_[1][c] += N2;
+      m_normal[0][c] += N;
+      if (nodes == 2) m_normal[1][c] += N2;
     } else {
-      normal_[span][c] += N + N2;
-      if (span == nodes - 2) normal_[span + 1][c] += N2;
+      m_normal[span][c] += N + N2;
+      if (span == nodes - 2) m_normal[span + 1][c] += N2;
     }
   }
 }
@@ -133,14 +133,14 @@ void track::call(void* handle, double time, const track_layout& now, int iflag, 
       4 + 8 * ((nodes - 1) * (static_cast<std::size_t>(now.n_long) - 1) + 1) * static_cast<std::size_t>(now.n_lat),
       0.0);
   clear_sums();
-  points_in_contact_ = stale_points_ = 0;
+  m_points_in_contact = m_stale_points = 0;
   const track_kinematics k = fetch_track_kinematics(handle, now);
   double L = 0.0;
   lay_belt(k, now, L);
   const body plate = {1, L, now.width, now.n_long, now.n_lat};
   std::size_t number = 0;
   for (std::size_t i = 0; i + 1 < nodes; ++i) {
-    belt_record &A = records_[i][1], &B = records_[i + 1][0];
+    belt_record &A = m_records[i][1], &B = m_records[i + 1][0];
     place_grid(now.width, k.dI, k.nodes[i].position, A);
     place_grid(now.width, k.dI, k.nodes[i + 1].position, B);
     for (std::size_t j = 0; j < A.points.size(); ++j) {
@@ -149,24 +149,24 @@ void track::call(void* handle, double time, const track_layout& now, int iflag, 
         if (shared_row && c == 0) number -= A.points[j].size();
         track_point &point = A.points[j][c], &other = B.points[j][c];
         const std::size_t block = 4 + 8 * number;
-        const bool in_contact = measure_track_contact(road_, k, A.normal, k.nodes[i], point);
+        const bool in_contact = measure_track_contact(m_road, k, A.normal, k.nodes[i], point);
         point.soil.local_force = point.soil.force = {};
         point.shear_share = point.normal_share = other.shear_share = other.normal_share = {};
         for (std::size_t x = 0; x < 3; ++x) result[block + 3 + x] = point.position[x];
         if (in_contact) {
-          ++points_in_contact_;
-          soil_force(road_.parameters, plate, point.soil);
-          if (!(point.soil.pressure > 0.0) && point.soil.normal_force > 0.0) ++stale_points_;
+          ++m_points_in_contact;
+          soil_force(m_road.parameters, plate, point.soil);
+          if (!(point.soil.pressure > 0.0) && point.soil.normal_force > 0.0) ++m_stale_points;
           split_to_nodes(point, other);
           for (std::size_t x = 0; x < 3; ++x) {
             result[x] += point.soil.local_force[x];
             result[block + x] = (shared_row ? result[block + x] : 0.0) + point.soil.force[x];
-            contact_[x] += point.soil.force[x];
+            m_contact[x] += point.soil.force[x];
           }
-          for (std::size_t x = 0; x < 6; ++x) shear_[x] += other.shear_share[x] + point.shear_share[x];
+          for (std::size_t x = 0; x < 6; ++x) m_shear[x] += other.shear_share[x] + point.shear_share[x];
           sum_normals(i, nodes, point, other);
           result[4] += point.soil.effective_area;
-          contact_[3] += point.soil.effective_area;
+          m_contact[3] += point.soil.effective_area;
           result[block + 6] = point.soil.sinkage;
           result[block + 7] = point.soil.dynamic_sinkage;
         }

@@ -2,8 +2,8 @@
 
 #include "tests/reference/soil_laws_reference.h"
 
-/// A track on a soil road once more, slow and literal: every point by itself, every quantity asked of the host at every
-/// call.
+/// A track on a soil road, slow and literal: every point is evaluated by itself, and every quantity is asked of the
+/// host in every call.
 namespace qvref {
 
 /// Marker ids, sizes and grid of a track. Radii are without the belt's thickness.
@@ -34,9 +34,9 @@ struct belt_record {
   std::vector<std::vector<track_point>> points;  ///< [along][across]
 };
 
-/// Common outer tangent of two circles; leaves everything as it is when they have one centre.
+/// Lays the span along the common outer tangent of two circles; leaves everything as it is if they have one centre.
 void lay_tangent(const v3& c1, double r1, const v3& c2, double r2, const v3& axle, double& L, belt_record& span);
-/// Corners over the inner nodes of records by [node][side].
+/// Replaces the arcs around the inner nodes by corners. The records are [node][side].
 void cut_corners(std::vector<std::array<belt_record, 2>>& track, std::vector<double> radii);
 /// Places the grid and gives it its weights.
 void place_grid(double width, const v3& marker, const v3& node, belt_record& span);
@@ -55,11 +55,12 @@ struct track_kinematics {
 };
 track_kinematics fetch_track_kinematics(void* handle, const track_layout& layout);
 
-/// Geometry and slip of one point: true in contact.
+/// Measures the geometry and slip of one point; true if it is in contact.
 bool measure_track_contact(const road& road, const track_kinematics& k, const v3& span_normal, const node_state& node,
                            track_point& point);
 
-/// Shares of the loads of `first`, the point on the span's start record, for that record and the one at the end.
+/// Splits the loads of `first`, the point on the span's start record, between it and `second`, the point on the end
+/// record.
 void split_to_nodes(track_point& first, track_point& second);
 
 class track {
@@ -71,24 +72,24 @@ public:
   void call(void* handle, double time, const track_layout& now, int iflag, std::vector<double>& result);
 
   /// Force and area; first shear; normal and second shear per node: of the last call.
-  const std::array<double, 4>& contact_sum() const { return contact_; }
-  const std::array<double, 6>& shear_sum() const { return shear_; }
-  const std::vector<std::array<double, 6>>& normal_sums() const { return normal_; }
-  const belt_record& record(std::size_t node, std::size_t side) const { return records_[node][side]; }
-  int points_in_contact() const { return points_in_contact_; }
-  int stale_points() const { return stale_points_; }
+  const std::array<double, 4>& contact_sum() const { return m_contact; }
+  const std::array<double, 6>& shear_sum() const { return m_shear; }
+  const std::vector<std::array<double, 6>>& normal_sums() const { return m_normal; }
+  const belt_record& record(std::size_t node, std::size_t side) const { return m_records[node][side]; }
+  int points_in_contact() const { return m_points_in_contact; }
+  int stale_points() const { return m_stale_points; }
 
 private:
   void clear_sums();
   void lay_belt(const track_kinematics& k, const track_layout& now, double& L);
   void sum_normals(std::size_t span, std::size_t nodes, const track_point& first, const track_point& second);
 
-  road road_;
-  std::vector<std::array<belt_record, 2>> records_;
-  std::array<double, 4> contact_{};
-  std::array<double, 6> shear_{};
-  std::vector<std::array<double, 6>> normal_;
-  int points_in_contact_ = 0, stale_points_ = 0;
+  road m_road;
+  std::vector<std::array<belt_record, 2>> m_records;
+  std::array<double, 4> m_contact{};
+  std::array<double, 6> m_shear{};
+  std::vector<std::array<double, 6>> m_normal;
+  int m_points_in_contact = 0, m_stale_points = 0;
 };
 
 }  // namespace qvref

@@ -4,7 +4,7 @@
 
 // The exported subroutine against the literal reference: random roads, bodies, motions and call sequences. Both form
 // the same sums in the same order, so results are equal bit for bit (zeros of either sign count as equal, and a
-// not-a-number equals another). Contact decisions are part of that: a point out of contact has zeros in its slots.
+// NaN equals another). Contact decisions are part of that: a point out of contact has zeros in its slots.
 
 namespace qvtest {
 namespace {
@@ -75,7 +75,7 @@ void count(const qvref::soil_element& reference, const std::vector<double>& resu
   for (const double value : result) seen.not_numbers += std::isnan(value) ? 1 : 0;
 }
 
-/// The moment of a force that overflowed: by the tilde matrix 0 times infinity is not a number, by the cross product
+/// The moment of a force that overflowed: by the tilde matrix 0 times infinity is NaN, by the cross product
 /// the moment stays infinite. Neither is a number, and that has to do.
 bool overflowed_moment(std::size_t entry, double a, double b) {
   return entry >= 3 && entry <= 5 && !std::isfinite(a) && !std::isfinite(b);

@@ -43,8 +43,9 @@ inline said_fault load(const qvref::soil& soil, const qvref::body& body, loaded_
   point.sc.soil_type = soil.type;
   qvsoilinteraction::Croad_contact* rc = &point.rc;
   qvsoilinteraction::Csoil_contact* sc = &point.sc;
-  return fault_of(
-      [&](int& ierr, char** msg) { qvsoilinteraction::get_soil_force(law, patch, &rc, &sc, 1, ierr, msg); });
+  return fault_of([&](int& ierr, char** msg) {
+    qvsoilinteraction::get_soil_force(law, patch, &rc, &sc, 1, {"", ierr, msg});
+  });
 }
 
 inline double shear_stress_of(const qvref::soil& soil, double j, double v, double pressure) {

@@ -198,7 +198,7 @@ TEST(StateThatIsInfinite, IsBeyondTheRoad) {
     scene.body().position = {far, 2.0, -0.05};
     scene.road().axes = {1, 0, 0, 0, 1, 0, 0, 0, 1};
     scene.call(0);
-    // Against an infinite place the other axes may come out as not-a-number: 0 times infinity.
+    // Against an infinite place the other axes may come out as NaN: 0 times infinity.
     const std::string report = scene.take_report();
     EXPECT_TRUE(report.empty() || !std::isfinite(far)) << report;
     EXPECT_EQ(scene.area(), 0.0);

@@ -34,7 +34,7 @@ TEST(ShearStress, FollowsWongsCurve) {
   }
 }
 
-TEST(ShearStress, HasItsHumpAtTheShearModulus) {
+TEST(ShearStress, HasItsHumpAtTheShearDisplacementK) {
   double last = 0.0;
   for (int i = 1; i <= 400; ++i) {
     const double j = k_j * i / 100.0;
@@ -54,7 +54,7 @@ TEST(ShearStress, IsNoneForASensitivityOfZero) {
   EXPECT_EQ(shear_stress_of(soil, k_j, 1.0, k_pressure), 0.0);
 }
 
-TEST(ShearStress, IsNoneForAShearModulusOfZero) {
+TEST(ShearStress, IsNoneForAShearDisplacementKOfZero) {
   qvref::soil soil = loam();
   soil.max_shear_disp = 0.0;
   EXPECT_EQ(shear_stress_of(soil, k_j, 1.0, k_pressure), 0.0) << "r is 0, so 1 - exp(-r) is";

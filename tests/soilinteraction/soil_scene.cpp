@@ -142,14 +142,14 @@ SoilScene::SoilScene(const SoilScene& on, int element, const qvref::body& body)
 const std::vector<double>& SoilScene::call(int iflag) {
   const std::size_t size =
       7 + 8 * static_cast<std::size_t>(parameters.body.nx) * static_cast<std::size_t>(parameters.body.ny);
-  result_.assign(size + 1, k_poison);
+  m_result.assign(size + 1, k_poison);
   std::vector<double> par = parameters.list();
   const std::vector<double> before = par;
-  qvsoil_interaction(host.handle(), 0.25, par.data(), static_cast<int>(par.size()), 0, iflag, result_.data());
+  qvsoil_interaction(host.handle(), 0.25, par.data(), static_cast<int>(par.size()), 0, iflag, m_result.data());
   EXPECT_EQ(par, before) << "the parameter list is the host's";
-  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
-  result_.pop_back();
-  return result_;
+  EXPECT_EQ(m_result.back(), k_poison) << "written behind the result";
+  m_result.pop_back();
+  return m_result;
 }
 
 std::string SoilScene::take_report() {
@@ -164,7 +164,7 @@ std::string SoilScene::take_report() {
 }
 
 double SoilScene::point(int i, int j, std::size_t entry) const {
-  return result_.at(
+  return m_result.at(
       7 +
       8 * (static_cast<std::size_t>(i) * static_cast<std::size_t>(parameters.body.ny) + static_cast<std::size_t>(j)) +
       entry);

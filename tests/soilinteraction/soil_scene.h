@@ -67,19 +67,19 @@ public:
   /// Calls the subroutine with a poisoned result array and returns what it left there. Writing behind the end fails
   /// the test.
   const std::vector<double>& call(int iflag);
-  const std::vector<double>& result() const { return result_; }
+  const std::vector<double>& result() const { return m_result; }
   /// The only report since the last look, "" when there was none; several are joined.
   std::string take_report();
 
-  double total(std::size_t entry) const { return result_[entry]; }
-  vec3 force() const { return {result_[0], result_[1], result_[2]}; }
-  vec3 moment() const { return {result_[3], result_[4], result_[5]}; }
-  double area() const { return result_[6]; }
+  double total(std::size_t entry) const { return m_result[entry]; }
+  vec3 force() const { return {m_result[0], m_result[1], m_result[2]}; }
+  vec3 moment() const { return {m_result[3], m_result[4], m_result[5]}; }
+  double area() const { return m_result[6]; }
   /// Entry 0-2 local force, 3-5 position, 6 sinkage, 7 dynamic sinkage of point (i, j).
   double point(int i, int j, std::size_t entry) const;
 
 private:
-  std::vector<double> result_;
+  std::vector<double> m_result;
 };
 
 /// The running sums of a road.

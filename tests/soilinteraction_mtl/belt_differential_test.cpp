@@ -4,7 +4,7 @@
 
 // The exported subroutines against the literal reference: random roads, chains of nodes, motions and call sequences.
 // Both form the same sums in the same order, so results are equal bit for bit (zeros of either sign count as equal, and
-// a not-a-number equals another). Contact decisions are part of that: a point out of contact has zeros in its slots.
+// a NaN equals another). Contact decisions are part of that: a point out of contact has zeros in its slots.
 
 namespace qvtest {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "soilinteraction_mtl/recorded_fault.h"
-#include "soilinteraction_mtl/soil_force_mtl.h"
+#include "soilinteraction_mtl/soil_force.h"
 #include "tests/soilinteraction/law_probe.h"
 
 // The laws of one belt point against their formulas written out here, the split to the nodes, the records.
@@ -32,7 +32,7 @@ said_fault load(const qvref::soil& soil, const span_size& span, belt_point& poin
   qvsoilinteraction::Csoil_contact* sc = &point.sc;
   said_fault said;
   char* msg[5] = {};
-  get_soil_force_mtl(law, patch, &rc, &sc, 1, said.count, msg);
+  get_soil_force_mtl(law, patch, &rc, &sc, 1, {"", said.count, msg});
   return said;
 }
 
@@ -168,11 +168,11 @@ TEST(BeltShear, FollowsTheHumpedCurve) {
   }
 }
 
-TEST(BeltShear, IsNoneForASensitivityOrAShearModulusOfZero) {
-  qvref::soil no_sensitivity = loam(), no_modulus = loam();
+TEST(BeltShear, IsNoneForASensitivityOrAShearDisplacementKOfZero) {
+  qvref::soil no_sensitivity = loam(), no_displacement = loam();
   no_sensitivity.sensitivity = 0.0;
-  no_modulus.max_shear_disp = 0.0;
-  for (const qvref::soil& soil : {no_sensitivity, no_modulus}) {
+  no_displacement.max_shear_disp = 0.0;
+  for (const qvref::soil& soil : {no_sensitivity, no_displacement}) {
     EXPECT_EQ(get_wong_shear_pressure_mtl(soil_law(soil_road(soil), 0.5), 0.025, -0.4, 2e4), 0.0);
   }
 }
@@ -301,7 +301,7 @@ TEST(TrackRecords, OfASpanAreMarkedUnsetUntilTheSetUp) {
 TEST(RecordedFault, IsAMessageBehindTheBannerAndGoesNoFarther) {
   int ierr = 1;
   char* msg[5] = {};
-  EXPECT_FALSE(run_recorded([] { throw std::runtime_error("abc"); }, ierr, msg));
+  EXPECT_FALSE(run_recorded([] { throw std::runtime_error("abc"); }, {"", ierr, msg}));
   EXPECT_EQ(ierr, 2);
   EXPECT_EQ(msg[0], nullptr) << "the next slot, not the first";
   ASSERT_NE(msg[1], nullptr);
@@ -312,14 +312,14 @@ TEST(RecordedFault, IsAMessageBehindTheBannerAndGoesNoFarther) {
 TEST(RecordedFault, LetsTheIntegerOfAFaultThatIsStoredAlreadyPass) {
   int ierr = 0;
   char* msg[5] = {};
-  EXPECT_THROW(run_recorded([] { throw 1; }, ierr, msg), int);
+  EXPECT_THROW(run_recorded([] { throw 1; }, {"", ierr, msg}), int);
   EXPECT_EQ(ierr, 0);
 }
 
 TEST(RecordedFault, SaysNothingOfAStepThatCameToItsEnd) {
   int ierr = 0;
   char* msg[5] = {};
-  EXPECT_TRUE(run_recorded([] {}, ierr, msg));
+  EXPECT_TRUE(run_recorded([] {}, {"", ierr, msg}));
   EXPECT_EQ(ierr, 0);
 }
 

@@ -95,14 +95,14 @@ void BeltScene::move(const vec3& velocity) {
 
 const std::vector<double>& BeltScene::call(int iflag, double time) {
   a_set_up_was_called = a_set_up_was_called || iflag == 1;
-  result_.assign(parameters.results() + 1, k_poison);
+  m_result.assign(parameters.results() + 1, k_poison);
   std::vector<double> par = parameters.list();
   const std::vector<double> before = par;
-  qvsoil_interaction_mtl(host.handle(), time, par.data(), -99, -99, iflag, result_.data());
+  qvsoil_interaction_mtl(host.handle(), time, par.data(), -99, -99, iflag, m_result.data());
   EXPECT_EQ(par, before) << "the parameter list is the host's";
-  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
-  result_.pop_back();
-  return result_;
+  EXPECT_EQ(m_result.back(), k_poison) << "written behind the result";
+  m_result.pop_back();
+  return m_result;
 }
 
 std::string BeltScene::report_with(std::size_t parameter, double value, int iflag, std::size_t extra) {
@@ -119,7 +119,7 @@ std::string BeltScene::take_report() { return report_of(host); }
 
 double BeltScene::point(int row, int column, std::size_t entry) const {
   const int number = row * parameters.n_lat + column;
-  return result_.at(4 + 8 * static_cast<std::size_t>(number) + entry);
+  return m_result.at(4 + 8 * static_cast<std::size_t>(number) + entry);
 }
 
 std::vector<double> BeltScene::shear_sum(int iflag) {

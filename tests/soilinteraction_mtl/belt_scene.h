@@ -59,13 +59,13 @@ public:
   /// Calls the subroutine with a poisoned result array and returns what it left there. Writing behind the end fails
   /// the test.
   const std::vector<double>& call(int iflag, double time = 0.25);
-  const std::vector<double>& result() const { return result_; }
+  const std::vector<double>& result() const { return m_result; }
   /// A call with one parameter replaced and room for `extra` more results; what was reported.
   std::string report_with(std::size_t parameter, double value, int iflag, std::size_t extra = 0);
   /// The only report since the last look, "" when there was none; several are joined.
   std::string take_report();
 
-  double total(std::size_t entry) const { return result_.at(entry); }
+  double total(std::size_t entry) const { return m_result.at(entry); }
   /// Entry 0-2 force, 3-5 position, 6 sinkage, 7 dynamic sinkage of the point in a row along the belt and a column.
   double point(int row, int column, std::size_t entry) const;
   int rows() const { return static_cast<int>(parameters.radii.size() - 1) * (parameters.n_long - 1) + 1; }
@@ -75,7 +75,7 @@ public:
   std::vector<double> contact_sum(int iflag = 2);  ///< consumes it when iflag is 2
 
 private:
-  std::vector<double> result_;
+  std::vector<double> m_result;
 };
 
 /// Whether a set-up call of this process may have sized the module's containers.

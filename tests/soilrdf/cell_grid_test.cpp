@@ -99,7 +99,7 @@ TEST(CellGrid, CellsWithoutATriangleAreEmpty) {
 }
 
 TEST(CellGrid, KnowsThatItIsEmptyBeforeItIsBuilt) {
-  EXPECT_TRUE(CellGrid().empty());
+  EXPECT_TRUE(cell_grid().empty());
   EXPECT_FALSE(qvtest::road_of(qvtest::regular_mesh(1, 1, 1, 1)).cells.empty());
 }
 

@@ -44,7 +44,7 @@ qvsoilrdf::CRoad road_of(const mesh& m) {
   int count = 0;
   char* slots[5] = {};
   try {
-    qvsoilrdf::derive_road(road, count, slots);
+    qvsoilrdf::derive_road(road, {"", count, slots});
   } catch (int) {
     const std::string message = slots[0];
     delete[] slots[0];

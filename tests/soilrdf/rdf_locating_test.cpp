@@ -57,13 +57,13 @@ TEST(RdfLocating, AModelPathWithoutAFileNameGivesNoSecondAttempt) {
 /// The working folder of the process, put back afterwards.
 class working_folder {
 public:
-  explicit working_folder(const std::string& path) : before_(std::filesystem::current_path()) {
+  explicit working_folder(const std::string& path) : m_before(std::filesystem::current_path()) {
     std::filesystem::current_path(path);
   }
-  ~working_folder() { std::filesystem::current_path(before_); }
+  ~working_folder() { std::filesystem::current_path(m_before); }
 
 private:
-  std::filesystem::path before_;
+  std::filesystem::path m_before;
 };
 
 TEST(RdfLocating, AModelPathWithoutAFolderIsTheWorkingFolder) {

@@ -122,7 +122,7 @@ TEST(RoadRecords, ACopyIsEqualAndIndependent) {
     road->elements.clear();
     road->nodes[1].x = 0;
     road->soil_type += "!";
-    road->cells = CellGrid();
+    road->cells = cell_grid();
   }
   EXPECT_EQ(source.elements.size(), 1u);
   EXPECT_EQ(source.nodes[1].x, 10);

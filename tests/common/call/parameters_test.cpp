@@ -63,6 +63,26 @@ TEST(Parameters, IntegersAreTruncatedTowardZero) {
   EXPECT_EQ(qv::to_count(-0.5, "count", c), 0);
 }
 
+TEST(Parameters, AnEntryOfAListIsNamedWithItsPosition) {
+  const double par[] = {2.9, 3e9, -1.0};
+  EXPECT_EQ(refusal([&](const qv::fault_channel& c) { EXPECT_EQ(qv::to_int(par, {0, "marker id"}, c), 2); }), "");
+  EXPECT_EQ(refusal([&](const qv::fault_channel& c) { EXPECT_EQ(qv::to_count(par, {0, "count"}, c), 2); }), "");
+  EXPECT_EQ(
+      refusal([&](const qv::fault_channel& c) {
+        qv::to_int(par, {1, "marker id"}, c);
+      }),
+      "SOIL ERROR : The marker id (parameter 1) is 3e+09; it must be a number between -2147483648 and 2147483647.");
+  EXPECT_EQ(refusal([&](const qv::fault_channel& c) {
+              qv::to_count(par, {2, "number of rows"}, c);
+            }),
+            "SOIL ERROR : The number of rows (parameter 2) is -1; it must not be negative.");
+  EXPECT_EQ(refusal([&](const qv::fault_channel& c) {
+              qv::check_index(8, 8, qv::parameter{3, "road index"}, c);
+            }),
+            "SOIL ERROR : The road index (parameter 3) is 8; it must lie between 0 and 7.");
+  EXPECT_EQ(refusal([&](const qv::fault_channel& c) { qv::check_index(7, 8, qv::parameter{3, "road index"}, c); }), "");
+}
+
 TEST(Parameters, AValueThatNoIntHoldsIsRefusedByName) {
   const std::string tail = "; it must be a number between -2147483648 and 2147483647.";
   EXPECT_EQ(int_refusal(std::nan("")), "SOIL ERROR : The marker id is nan" + tail);

@@ -14,37 +14,37 @@ namespace {
 
 class Tokens {
 public:
-  explicit Tokens(const std::string& text) : stream_(text), source_(file_) {
-    memory_.write(text.data(), text.size());
-    const std::wstring path = memory_.path();
-    EXPECT_TRUE(file_.open(std::string(path.begin(), path.end())));
+  explicit Tokens(const std::string& text) : m_stream(text), m_source(m_file) {
+    m_memory.write(text.data(), text.size());
+    const std::wstring path = m_memory.path();
+    EXPECT_TRUE(m_file.open(std::string(path.begin(), path.end())));
   }
 
   /// Asks both for the next token of a kind; false when they differ.
   bool integer() {
     int value = 77, expected = 77, extracted = 0;
-    const bool got = source_.integer(value);
-    if (stream_ >> extracted) expected = extracted;
-    return got == static_cast<bool>(stream_) && value == expected;
+    const bool got = m_source.integer(value);
+    if (m_stream >> extracted) expected = extracted;
+    return got == static_cast<bool>(m_stream) && value == expected;
   }
   bool real() {
     double value = 77, expected = 77, extracted = 0;
-    const bool got = source_.real(value);
-    if (stream_ >> extracted) expected = extracted;
-    return got == static_cast<bool>(stream_) && value == expected && std::signbit(value) == std::signbit(expected);
+    const bool got = m_source.real(value);
+    if (m_stream >> extracted) expected = extracted;
+    return got == static_cast<bool>(m_stream) && value == expected && std::signbit(value) == std::signbit(expected);
   }
   bool separator() {
     char unused;
-    const bool got = source_.separator();
-    return got == static_cast<bool>(stream_ >> unused);
+    const bool got = m_source.separator();
+    return got == static_cast<bool>(m_stream >> unused);
   }
-  qv::token_source& source() { return source_; }
+  qv::token_source& source() { return m_source; }
 
 private:
-  memory_file memory_;
-  qv::data_file file_;
-  std::istringstream stream_;
-  qv::token_source source_;
+  memory_file m_memory;
+  qv::data_file m_file;
+  std::istringstream m_stream;
+  qv::token_source m_source;
 };
 
 const char* const k_texts[] = {"",

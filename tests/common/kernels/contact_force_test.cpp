@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "common/kernels/kernels.h"
+#include "common/kernels/kernels_kept.h"
 #include "qvbrisk/services.h"
 
 namespace {

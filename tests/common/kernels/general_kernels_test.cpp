@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "common/kernels/kernels.h"
+#include "common/kernels/kernels_kept.h"
 
 // The m-by-n kernels against element-wise sums on integers (exact), and the shortcut over zeros.
 namespace {

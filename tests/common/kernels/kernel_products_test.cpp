@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "common/kernels/kernels.h"
+#include "common/kernels/kernels_kept.h"
 
 // The 3x3 and 3-vector kernels are named by the product they compute. Here the name itself is read, token by token,
 // and the product formed by a general triple loop over dense matrices: nothing is shared with the kernels.

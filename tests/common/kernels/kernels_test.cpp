@@ -1,11 +1,11 @@
-#include "common/kernels/kernels.h"
-
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
 #include <cmath>
 #include <limits>
 #include <vector>
+
+#include "common/kernels/kernels_kept.h"
 
 namespace {
 

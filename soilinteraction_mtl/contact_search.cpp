@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/contact_search_mtl.h"
+#include "soilinteraction_mtl/contact_search.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,9 +31,9 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const qvsoilinteraction::kin
   find_road_places(road, k, position, count, places);
 }
 
-/// What the velocities of the points in contact follow from, side by side, and what they are.
+/// The velocities of the points in contact, and what they are computed from, side by side.
 struct contact_velocities {
-  vectors lever_marker, lever_node, facet_point, p, normal;
+  vectors lever_marker, lever_node, facet_point, p, normal;  ///< the input
   double area_ratio[k_block], normal_velocity[k_block], slip[2][k_block];
 };
 
@@ -55,7 +55,7 @@ void gather(const belt_block& at, const contact_block& block, int count, contact
   }
 }
 
-/// The belt point turns with the node, the ground point under it with the road.
+/// Sets area ratios and normal velocities. The belt point turns with the node, the ground point under it with the road.
 QV_WIDE_VECTORS void set_normal_velocities(const track_motion& motion, const span_motion& span, int count,
                                            contact_velocities& v) {
   vectors in_node, by_node, by_road;
@@ -71,8 +71,8 @@ QV_WIDE_VECTORS void set_normal_velocities(const track_motion& motion, const spa
   }
 }
 
-/// Velocity that a place moving with a marker has, seen in marker I's axes. Becomes part of either version of
-/// set_slips.
+/// Velocity of places that move with a marker, in marker I's axes. It has to be inlined, so that both versions of
+/// set_slips vectorise it.
 [[gnu::always_inline]] inline void velocities_in_marker(const double* A1t, const double* AW, const vectors& place,
                                                         const double* velocity, int count, vectors& seen) {
   vectors moving;
@@ -85,7 +85,7 @@ QV_WIDE_VECTORS void set_normal_velocities(const track_motion& motion, const spa
   rotate(A1t, moving, seen, count);
 }
 
-/// The belt as the vehicle carries it against the ground, which the circulating belt leaves behind.
+/// Sets the slips: the belt as the vehicle carries it against the ground, to whose velocity the belt's speed is added.
 QV_WIDE_VECTORS void set_slips(const track_motion& motion, int count, contact_velocities& v) {
   vectors in_marker, carried, ground;
   rotate(motion.A1t, v.lever_marker, in_marker, count);
@@ -102,7 +102,7 @@ void set_shear_displacement(double belt_speed, const double (&slip)[2], Croad_co
     rc.shear_disp[0] = rc.shear_disp[1] = 0.0;
     return;
   }
-  // Kept: update_time is 0 for ever, so this is minus the time of the last accepted step.
+  // Kept: nothing writes update_time, so it is 0 and dt is minus the time of the last converged step.
   const double dt = rc.update_time - rc.last_update_time;
   for (int c = 0; c < 2; ++c) {
     rc.slip_velocity[c] = slip[c];
@@ -111,8 +111,9 @@ void set_shear_displacement(double belt_speed, const double (&slip)[2], Croad_co
 }
 
 void measure(void* handle, const CRoad& road, const track_motion& motion, const span_motion& span,
-             qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block, char** msg) {
-  const int count = find_contacts(handle, road, motion.k, frames, block, msg);
+             qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block,
+             const qv::fault_channel& channel) {
+  const int count = find_contacts(handle, road, motion.k, frames, block, channel);
   contact_velocities v;
   gather(at, block, count, v);
   set_normal_velocities(motion, span, count, v);
@@ -157,9 +158,9 @@ void place_points_mtl(const CRoad& road, const track_motion& motion, const belt_
 }
 
 void get_contact_info_mtl(void* handle, const CRoad& road, const track_motion& motion, const span_motion& span,
-                          qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block, int& ierr,
-                          char** msg) {
-  const bool measured = run_recorded([&] { measure(handle, road, motion, span, frames, at, block, msg); }, ierr, msg);
+                          qvsoilinteraction::frame_maker& frames, const belt_block& at, contact_block& block,
+                          const qv::fault_channel& channel) {
+  const bool measured = run_recorded([&] { measure(handle, road, motion, span, frames, at, block, channel); }, channel);
   if (!measured) std::fill_n(block.in_contact, block.count, false);
 }
 

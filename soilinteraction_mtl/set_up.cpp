@@ -1,4 +1,4 @@
-#include "soilinteraction_mtl/set_up_mtl.h"
+#include "soilinteraction_mtl/set_up.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +13,7 @@ using qvsoilrdf::k_not_set;
 
 CRoad& set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
   if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
-  qv::check_index(p.road, s_3Dsoil_roads.size(), "road index (parameter 1)", channel);
+  qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, channel);
   CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
   if (road.road_id == k_not_set) qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
   return road;
@@ -24,12 +24,11 @@ by_road_and_track<Entry> sized(int roads, const Entry& entry) {
   return by_road_and_track<Entry>(static_cast<std::size_t>(roads), std::vector<Entry>(k_tracks_per_road, entry));
 }
 
-/// All or none: when memory runs out on the way, a later call begins anew.
+/// Sizes all containers or none: if memory runs out on the way, a later call begins anew.
 void size_containers(const parameters& p, const qv::fault_channel& channel) {
   if (!s_MTLsoil_forces.empty()) return;
   if (p.roads == 0) {
-    qv::fault(channel.prefix + std::string("The number of roads (parameter 6) is 0; it must be at least 1."),
-              channel.ierr, channel.msg);
+    qv::fault(channel, "The " + text_of(k_road_count) + " is 0; it must be at least 1.");
   }
   const auto nodes = static_cast<std::size_t>(p.nodes);
   auto forces = sized(p.roads, track_records(nodes, std::vector<CSoilInteractionMTL>(2)));
@@ -42,16 +41,14 @@ void size_containers(const parameters& p, const qv::fault_channel& channel) {
   s_MTLsoil_forces = std::move(forces);
 }
 
-[[noreturn]] void refuse(const std::string& quantity, std::size_t value, std::size_t most,
-                         const qv::fault_channel& channel) {
-  qv::fault(channel.prefix + ("The " + quantity + " is ") + std::to_string(value) + "; it must not exceed the " +
-                std::to_string(most) + " of the set-up.",
-            channel.ierr, channel.msg);
+[[noreturn]] void refuse_node_count(std::size_t nodes, std::size_t most, const qv::fault_channel& channel) {
+  qv::fault(channel, "The " + text_of(k_node_count) + " is " + std::to_string(nodes) + "; it must not exceed the " +
+                         std::to_string(most) + " of the set-up.");
 }
 
 void size_grids(const parameters& p, track_records& track, const qv::fault_channel& channel) {
   const auto nodes = static_cast<std::size_t>(p.nodes);
-  if (nodes > track.size()) refuse("number of nodes (parameter 12)", nodes, track.size(), channel);
+  if (nodes > track.size()) refuse_node_count(nodes, track.size(), channel);
   const auto rows = static_cast<std::size_t>(p.n_long), columns = static_cast<std::size_t>(p.n_lat);
   for (std::size_t node = 0; node < nodes; ++node) {
     for (std::size_t side = 0; side < 2; ++side) {
@@ -65,11 +62,12 @@ void size_grids(const parameters& p, track_records& track, const qv::fault_chann
     }
   }
   for (std::size_t node = 0; node < nodes; ++node) {
-    for (CSoilInteractionMTL& record : track[node]) record.track_id = p.track;  // last: records without grids have none
+    for (CSoilInteractionMTL& record : track[node])
+      record.track_id = p.track;  // last: records without grids are not set up
   }
 }
 
-/// Constant from here on: a road is read once.
+/// The soil type never changes afterwards, because a road is read once.
 void store_soil_type(const CRoad& road, track_records& track) {
   for (auto& node : track)
     for (CSoilInteractionMTL& record : node)
@@ -78,23 +76,24 @@ void store_soil_type(const CRoad& road, track_records& track) {
 }
 
 track_records* entry(const parameters& p, const qv::fault_channel& channel) {
-  return entry_or_null(s_MTLsoil_forces, p.road, "road index (parameter 1)", p.track, "track index (parameter 0)",
-                       channel);
+  return entry_or_null(s_MTLsoil_forces, p.road, k_road_index, p.track, k_track_index, channel);
 }
 
-/// The host's result array has room for the points of the parameters, the records for those of the set-up.
+/// Refuses more nodes than the records have, and fewer points than they have: the host's result array has room for the
+/// points of the parameters, but the points of the set-up are written to it.
 void check_counts(const parameters& p, const track_records& track, const qv::fault_channel& channel) {
   const auto is_set_up = [](const auto& node) { return node[0].track_id != k_not_set; };
   const auto nodes = static_cast<std::size_t>(std::count_if(track.begin(), track.end(), is_set_up));
   if (static_cast<std::size_t>(p.nodes) > nodes) {
-    refuse("number of nodes (parameter 12)", static_cast<std::size_t>(p.nodes), nodes, channel);
+    refuse_node_count(static_cast<std::size_t>(p.nodes), nodes, channel);
   }
   const CSoilInteractionMTL& record = track[0][0];
   const std::size_t points = belt_points(p.nodes, record.nLong, record.nLat);
   if (points <= p.points()) return;
-  qv::fault(std::string(channel.prefix) + "The number of grid points (parameters 9, 10 and 12) is " +
-                std::to_string(p.points()) + "; it must be at least the " + std::to_string(points) + " of the set-up.",
-            channel.ierr, channel.msg);
+  qv::fault(channel, "The number of grid points (parameters " + std::to_string(QV_TRACK_POINTS_ALONG) + ", " +
+                         std::to_string(QV_TRACK_POINTS_ACROSS) + " and " + std::to_string(QV_TRACK_NODE_COUNT) +
+                         ") is " + std::to_string(p.points()) + "; it must be at least the " + std::to_string(points) +
+                         " of the set-up.");
 }
 
 }  // namespace

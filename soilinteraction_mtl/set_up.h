@@ -1,18 +1,18 @@
 #pragma once
 
-#include "soilinteraction_mtl/parameters_mtl.h"
+#include "soilinteraction_mtl/parameters.h"
 
 /// The one-time set-up of a track: its road, its records, the module's containers.
 namespace qvsoilinteractionmtl {
 
 /// Reads the road if it is not read yet, sizes the module's containers if they are empty and the track's grids if they
-/// are not sized yet. What stands already, history included, stays.
+/// are not sized yet. Whatever exists already, history included, is kept.
 ///
-/// The first call of all sizes the containers: for its number of roads, and for its number of nodes in every track.
+/// The first call of all sizes the containers, for its number of roads and, in every track, for its number of nodes.
 void set_up(void* handle, const parameters& p, const qv::fault_channel& channel);
 
-/// The track's records when it is set up, else null. An index outside the containers is a fault, and so are more nodes
-/// or grid points than the records have.
+/// The track's records if it is set up, else null. Faults: an index outside the containers, more nodes than the track
+/// was set up with, fewer grid points.
 track_records* find_track(const parameters& p, const qv::fault_channel& channel);
 
 }  // namespace qvsoilinteractionmtl
