@@ -28,11 +28,11 @@ public:
   SoilScene(const body& what, int triangles);
 
   void place(double x, double y);
-  void call(int iflag) { qvsoil_interaction(host_.handle(), 0.0, par_.data(), 15, 0, iflag, result_.data()); }
+  void call(int iflag) { qvsoil_interaction(m_host.handle(), 0.0, m_par.data(), 15, 0, iflag, m_result.data()); }
 
   int points_in_contact() const;
-  double road_length() const { return road_.length; }
-  const std::string& complaint() const { return host_.complaint; }
+  double road_length() const { return m_road.length; }
+  const std::string& complaint() const { return m_host.complaint; }
 
 private:
   /// Throws when the vertical force at rest on fresh soil is not what Bekker's law over the terrain's own formula
@@ -40,11 +40,11 @@ private:
   void check_lift();
   double expected_lift() const;
 
-  body body_;
-  const road_file& road_;
-  BenchHost host_;
-  std::array<double, 15> par_;
-  std::vector<double> result_;
+  body m_body;
+  const road_file& m_road;
+  BenchHost m_host;
+  std::array<double, 15> m_par;
+  std::vector<double> m_result;
 };
 
 }  // namespace qvbench

@@ -117,36 +117,37 @@ int road_index(int triangles) {
 
 class TrackScene {
 public:
-  explicit TrackScene(int triangles) : road_(qvbench::make_road(triangles)), belt_(belt_of_spans()) {
-    host_.road_file.assign(road_.path.begin(), road_.path.end());
-    par_ = {0, double(road_index(triangles)), 1, 1, 2, 3, 8, 0.0, k_width, k_long, k_lat, 4, k_nodes, 0};
-    for (int i = 0; i < k_nodes; ++i) par_.insert(par_.end(), {double(k_first_node_marker + i), k_radius});
-    place(0.5 * road_.length, 0.5 * road_.length);
+  explicit TrackScene(int triangles) : m_road(qvbench::make_road(triangles)), m_belt(belt_of_spans()) {
+    m_host.road_file.assign(m_road.path.begin(), m_road.path.end());
+    m_par = {0, double(road_index(triangles)), 1, 1, 2, 3, 8, 0.0, k_width, k_long, k_lat, 4, k_nodes, 0};
+    for (int i = 0; i < k_nodes; ++i) m_par.insert(m_par.end(), {double(k_first_node_marker + i), k_radius});
+    place(0.5 * m_road.length, 0.5 * m_road.length);
     call(1);
-    if (!host_.complaint.empty()) throw std::runtime_error(host_.complaint);
+    if (!m_host.complaint.empty()) throw std::runtime_error(m_host.complaint);
     check_lift();
-    host_.speed[0] = 1.0;
-    host_.speed[2] = -0.05;
+    m_host.speed[0] = 1.0;
+    m_host.speed[2] = -0.05;
   }
 
   void place(double x, double y) {
-    host_.position[0] = x;
-    host_.position[1] = y;
-    host_.position[2] = terrain_height(x, y);
+    m_host.position[0] = x;
+    m_host.position[1] = y;
+    m_host.position[2] = terrain_height(x, y);
   }
 
   /// The belt slips to and fro, so that its shear displacement stays of the soil's size.
   void call(int iflag) {
-    qvsoil_interaction_mtl(host_.handle(), 0.02, par_.data(), static_cast<int>(par_.size()), 0, iflag, result_.data());
-    if (iflag == 2) host_.belt_speed = host_.speed[0] + (host_.belt_speed > host_.speed[0] ? -0.2 : 0.2);
+    qvsoil_interaction_mtl(m_host.handle(), 0.02, m_par.data(), static_cast<int>(m_par.size()), 0, iflag,
+                           m_result.data());
+    if (iflag == 2) m_host.belt_speed = m_host.speed[0] + (m_host.belt_speed > m_host.speed[0] ? -0.2 : 0.2);
   }
 
   double margin() const { return k_half + 2.0 * k_radius; }
-  double road_length() const { return road_.length; }
-  const std::string& complaint() const { return host_.complaint; }
+  double road_length() const { return m_road.length; }
+  const std::string& complaint() const { return m_host.complaint; }
   int blocks_in_contact() const {
     int count = 0;
-    for (std::size_t p = 0; p < k_blocks; ++p) count += result_[10 + 8 * p] < 0.0;
+    for (std::size_t p = 0; p < k_blocks; ++p) count += m_result[10 + 8 * p] < 0.0;
     return count;
   }
 
@@ -154,29 +155,29 @@ private:
   /// Throws when the normal force at rest on fresh soil is not what Bekker's law over the terrain's own formula says: a
   /// faster wrong answer must fail.
   void check_lift() {
-    host_.position[2] += 100.0;
+    m_host.position[2] += 100.0;
     call(2);  // out of contact: the points forget what an earlier scene left
-    host_.position[2] -= 100.0;
+    m_host.position[2] -= 100.0;
     call(0);
     const double length = std::hypot(k_spacing, k_raised);  // of the last span's tangent; every span counts with it
     const double stiffness = 5270.0 / std::min(length, k_width) + 1515040.0;
     double expected = 0.0;
-    for (const belt_point& at : belt_) {
+    for (const belt_point& at : m_belt) {
       const double depth =
-          terrain_height(host_.position[0] + at.x, host_.position[1] + at.y) - (host_.position[2] + at.z);
+          terrain_height(m_host.position[0] + at.x, m_host.position[1] + at.y) - (m_host.position[2] + at.z);
       if (depth > 0.0) expected += stiffness * std::pow(depth, 0.7) * at.upright * length * k_width / k_span_points;
     }
     constexpr double k_mesh_and_slope = 0.03;  // triangles instead of the formula, normals off the vertical
-    if (!(std::fabs(result_[2] - expected) < k_mesh_and_slope * expected)) {
-      throw std::runtime_error("lift " + std::to_string(result_[2]) + " instead of " + std::to_string(expected));
+    if (!(std::fabs(m_result[2] - expected) < k_mesh_and_slope * expected)) {
+      throw std::runtime_error("lift " + std::to_string(m_result[2]) + " instead of " + std::to_string(expected));
     }
   }
 
-  const qvbench::road_file& road_;
-  std::vector<belt_point> belt_;
-  TrackHost host_;
-  std::vector<double> par_;
-  std::array<double, 4 + 8 * k_blocks> result_{};
+  const qvbench::road_file& m_road;
+  std::vector<belt_point> m_belt;
+  TrackHost m_host;
+  std::vector<double> m_par;
+  std::array<double, 4 + 8 * k_blocks> m_result{};
 };
 
 void report(benchmark::State& state, const TrackScene& scene) {

@@ -37,11 +37,11 @@ constexpr std::size_t k_number_of_files = sizeof k_files / sizeof *k_files;
 /// Tame: bodies that stand in the waves at `place`. Wild: any answer, or none.
 class fuzzed_host : public water_host {
 public:
-  explicit fuzzed_host(FuzzedDataProvider& in) : in_(in) {}
+  explicit fuzzed_host(FuzzedDataProvider& in) : m_in(in) {}
   bool wild = false;
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
-    if (wild && in_.ConsumeIntegralInRange<int>(0, 15) == 0) return false;
+    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;
     water_host::vector_quantity(name, ids, nids, values, count);
     if (std::strcmp(name, "TVEL") == 0 || std::strcmp(name, "RVEL") == 0) values[0] = values[2] = 0.75;
     change(values, count);
@@ -73,10 +73,10 @@ private:
   void change(double* values, int count) {
     if (!wild) return;
     for (int c = 0; c < count; ++c)
-      if (in_.ConsumeBool()) values[c] = any_number(in_, -1.5, 6.5);
+      if (m_in.ConsumeBool()) values[c] = any_number(m_in, -1.5, 6.5);
   }
 
-  FuzzedDataProvider& in_;
+  FuzzedDataProvider& m_in;
 };
 
 /// A count that the arrays have room for, or one that no call accepts.

@@ -31,7 +31,7 @@ constexpr int k_largest_grid = 64;  // along and across: what the result array h
 
 class FuzzedHost : public qvslv::ServiceHost {
 public:
-  explicit FuzzedHost(FuzzedDataProvider& in) : in_(in) {}
+  explicit FuzzedHost(FuzzedDataProvider& in) : m_in(in) {}
 
   bool wild = false;  ///< states are anything; else a body in the ground of a road at rest
   double depth = 0.1;
@@ -39,13 +39,13 @@ public:
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
     QV_PROMISE(nids == 2 ? count == 9 : nids == 3 && count == 3);
-    if (wild && in_.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
+    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
     const bool matrix = std::strcmp(name, "AM") == 0;
     for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
     if (std::strcmp(name, "TDISP") == 0 && ids[0] != 5) values[0] = values[1] = 2.0, values[2] = -depth;
     if (wild) {
       for (int c = 0; c < count; ++c)
-        if (in_.ConsumeBool()) values[c] = any_number(in_, -0.5, 4.5);
+        if (m_in.ConsumeBool()) values[c] = any_number(m_in, -0.5, 4.5);
     }
     return true;
   }
@@ -69,7 +69,7 @@ public:
   }
 
 private:
-  FuzzedDataProvider& in_;
+  FuzzedDataProvider& m_in;
 };
 
 /// A grid count that the result array has room for, or one that no call accepts.

@@ -31,7 +31,7 @@ constexpr std::size_t k_first_node = 14, k_parameters = k_first_node + 2 * k_lar
 
 class FuzzedHost : public qvslv::ServiceHost {
 public:
-  explicit FuzzedHost(FuzzedDataProvider& in) : in_(in) {}
+  explicit FuzzedHost(FuzzedDataProvider& in) : m_in(in) {}
 
   bool wild = false;  ///< states are anything; else nodes half a length apart in the ground of a road at rest
   double depth = 0.1, belt_speed = 1.0;
@@ -39,7 +39,7 @@ public:
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
     QV_PROMISE(nids == 2 ? count == 9 : nids == 3 && count == 3);
-    if (wild && in_.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
+    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
     const bool matrix = std::strcmp(name, "AM") == 0;
     for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
     if (std::strcmp(name, "TDISP") == 0 && ids[0] >= 20 && ids[0] < 20 + k_largest_chain) {
@@ -49,14 +49,14 @@ public:
     }
     if (wild) {
       for (int c = 0; c < count; ++c)
-        if (in_.ConsumeBool()) values[c] = any_number(in_, -0.5, 4.5);
+        if (m_in.ConsumeBool()) values[c] = any_number(m_in, -0.5, 4.5);
     }
     return true;
   }
   bool scalar_quantity(const char* name, const int*, int nids, double& value) override {
     QV_PROMISE(nids == (std::strcmp(name, "FM") == 0 ? 2 : 1));
-    if (wild && in_.ConsumeBool()) return false;
-    value = wild ? any_number(in_, -0.5, 4.5) : belt_speed;
+    if (wild && m_in.ConsumeBool()) return false;
+    value = wild ? any_number(m_in, -0.5, 4.5) : belt_speed;
     return true;
   }
   bool string_entity(int id, std::wstring& text) override {
@@ -79,7 +79,7 @@ public:
   }
 
 private:
-  FuzzedDataProvider& in_;
+  FuzzedDataProvider& m_in;
 };
 
 void* handle_of(FuzzedHost& host) { return static_cast<qvslv::ServiceHost*>(&host); }

@@ -15,7 +15,7 @@ public:
   std::wstring path() const;
 
 private:
-  int file_;
+  int m_file;
 };
 
 /// Ends the fuzzer with a finding when the promise is broken.

@@ -36,7 +36,7 @@ public:
   /// @param facing           z component of the patch's outward normal, water frame
   /// @param level            water level for this patch [length], water frame z
   void add(double x_first, double x_last, const double* const q[3], double facing, double level);
-  bool full() const { return count_ == k_patches; }
+  bool full() const { return m_count == k_patches; }
   /// Adds all columns to the sums and empties the block.
   void finish(const buoyancy_factors& factors, displacement& sum);
 
@@ -52,11 +52,11 @@ private:
   void find_whole_columns();
   void find_cut_columns();
 
-  int count_ = 0, cut_count_ = 0;
-  bool nothing_somewhere_ = false;
-  row q_[3][3], sign_, level_;
-  row volume_, moment_[3];  ///< without sign
-  cut_patches cuts_;
+  int m_count = 0, m_cut_count = 0;
+  bool m_nothing_somewhere = false;
+  row q_[3][3], m_sign, m_level;
+  row m_volume, m_moment[3];  ///< without sign
+  cut_patches m_cuts;
 };
 
 }  // namespace qvhydro

@@ -57,7 +57,7 @@ public:
   /// @param corners  its three nodes
   /// @param reached  how many of them, from the first on, are wet: 1 to 3
   void add(const double* normal, double area, const node_state* const corners[3], int reached);
-  bool full() const { return count_ == k_patches; }
+  bool full() const { return m_count == k_patches; }
   /// Adds the loads of all patches to the sums and empties the block.
   /// @param A6  rotation body marker frame -> global axes
   void finish(const coefficients& k, const double* A6, drag_sums& sums);
@@ -71,16 +71,16 @@ private:
   void find_loads(const coefficients& k, int n);
   void add_to(drag_sums& sums) const;
 
-  int count_ = 0;
-  int reached_[k_patches];
-  row area_;
-  row normal_[3];       ///< body marker frame as added, then turned into global axes
-  row velocity_[3][3];  ///< by corner; relative to the water
-  row lever_[3][3];
-  row along_[3][3], speed_[3];                        ///< by corner: direction t / s and speed s along the patch
-  row normal_speed_[3];                               ///< by corner: vn, positive into the water
-  row power_[3];                                      ///< by corner: s^e
-  row pressure_[3][6], friction_[3][6], both_[3][6];  ///< by corner: force and torque; normal, tangential, sum
+  int m_count = 0;
+  int m_reached[k_patches];
+  row m_area;
+  row m_normal[3];       ///< body marker frame as added, then turned into global axes
+  row m_velocity[3][3];  ///< by corner; relative to the water
+  row m_lever[3][3];
+  row m_along[3][3], m_speed[3];                         ///< by corner: direction t / s and speed s along the patch
+  row m_normal_speed[3];                                 ///< by corner: vn, positive into the water
+  row m_power[3];                                        ///< by corner: s^e
+  row m_pressure[3][6], m_friction[3][6], m_both[3][6];  ///< by corner: force and torque; normal, tangential, sum
 };
 
 }  // namespace qvhydro

@@ -17,19 +17,19 @@ namespace {
 
 using qv::fault_channel;
 
-// The messages below name these positions.
-static_assert(QV_HULL_PART == 0 && QV_HULL_FORCE_ID == 2 && QV_HULL_FORCE_COUNT == 3);
+constexpr qv::parameter k_force_id{QV_HULL_FORCE_ID, "hydro force ID"};
+constexpr qv::parameter k_part{QV_HULL_PART, "sub-element index"};
 
 /// The element that the call is for. Its first call sets it up.
 Chydro_force& find_element(void* handle, const double* par, const fault_channel& channel) {
-  const int id = qv::to_int(par[QV_HULL_FORCE_ID], "hydro force ID (parameter 2)", channel);
+  const int id = qv::to_int(par, k_force_id, channel);
   if (gp_hydro_force.empty()) {
-    const auto count = static_cast<std::size_t>(
-        qv::to_count(par[QV_HULL_FORCE_COUNT], "number of hydro force elements (parameter 3)", channel));
+    const auto count =
+        static_cast<std::size_t>(qv::to_count(par, {QV_HULL_FORCE_COUNT, "number of hydro force elements"}, channel));
     s_HydroForce_Report.resize(count + 1);
     gp_hydro_force.resize(count + 1);
   }
-  qv::check_index(id, gp_hydro_force.size(), "hydro force ID (parameter 2)", channel);
+  qv::check_index(id, gp_hydro_force.size(), k_force_id, channel);
   Chydro_force& element = gp_hydro_force[static_cast<std::size_t>(id)];
   if (element.initialized != 1) {
     element.id = id;
@@ -45,8 +45,8 @@ Chydro_force& find_element(void* handle, const double* par, const fault_channel&
 
 /// The patch mesh of the element that the call is for. Its first call sets it up.
 Chydro_force_sub& find_mesh(Chydro_force& element, const double* par, const fault_channel& channel) {
-  const int index = qv::to_int(par[QV_HULL_PART], "sub-element index (parameter 0)", channel);
-  qv::check_index(index, element.subs.size(), "sub-element index (parameter 0)", channel);
+  const int index = qv::to_int(par, k_part, channel);
+  qv::check_index(index, element.subs.size(), k_part, channel);
   Chydro_force_sub& sub = element.subs[static_cast<std::size_t>(index)];
   if (sub.initialized != 1) {
     sub.initialized = 1;  // before the set-up, as for the element

@@ -14,20 +14,20 @@ namespace qvhydro {
 class interval_axis {
 public:
   /// Makes `count` zeros and the entry behind them.
-  void resize(int count) { values_.assign(static_cast<std::size_t>(count) + 1, 0.0); }
+  void resize(int count) { m_values.assign(static_cast<std::size_t>(count) + 1, 0.0); }
   /// Repeats the last entry behind itself. To be called once all entries are filled in.
   void close();
 
-  double operator[](int i) const { return values_[static_cast<std::size_t>(i)]; }
-  double& operator[](int i) { return values_[static_cast<std::size_t>(i)]; }
-  int count() const { return static_cast<int>(values_.size()) - 1; }
+  double operator[](int i) const { return m_values[static_cast<std::size_t>(i)]; }
+  double& operator[](int i) { return m_values[static_cast<std::size_t>(i)]; }
+  int count() const { return static_cast<int>(m_values.size()) - 1; }
   double last() const { return (*this)[count() - 1]; }
 
   bool holds(int j, double x) const { return (*this)[j] <= x && x < (*this)[j + 1]; }
   /// Finds the first interval that holds x, or -1.
   /// @param guess  interval that may hold x, between 0 and count() - 1; if it does, there is no search
   int find(double x, int guess) const {
-    if (!increasing_) return find_first(x);
+    if (!m_increasing) return find_first(x);
     if (holds(guess, x)) return guess;
     return search(x);
   }
@@ -36,8 +36,8 @@ private:
   int search(double x) const;
   int find_first(double x) const;
 
-  std::vector<double> values_;
-  bool increasing_ = false;  ///< strictly: then an interval that holds x is the only one
+  std::vector<double> m_values;
+  bool m_increasing = false;  ///< strictly: then an interval that holds x is the only one
 };
 
 }  // namespace qvhydro

@@ -88,63 +88,63 @@ QV_WIDE_VECTORS void find_velocities(const motion& m, wet_block& b) {
 class node_pass {
 public:
   node_pass(const Chydro_force& element, const time_blend& when, const motion& m)
-      : element_(element), elevation_(element.wave_elevation, when), rising_(element.wave_velocity, when), m_(m) {}
+      : m_element(element), m_elevation(element.wave_elevation, when), m_rising(element.wave_velocity, when), m_(m) {}
 
   void run(const Cnode* nodes, node_state* states, int count) {
-    nodes_.count = count;
+    m_nodes.count = count;
     for (int i = 0; i < count; ++i) {
-      nodes_.local.x[i] = nodes[i].x;
-      nodes_.local.y[i] = nodes[i].y;
-      nodes_.local.z[i] = nodes[i].z;
+      m_nodes.local.x[i] = nodes[i].x;
+      m_nodes.local.y[i] = nodes[i].y;
+      m_nodes.local.z[i] = nodes[i].z;
     }
-    find_positions(m_, nodes_);
-    wet_.count = 0;
+    find_positions(m_, m_nodes);
+    m_wet.count = 0;
     for (int i = 0; i < count; ++i) find_surface(i, states[i]);
-    find_velocities(m_, wet_);
-    for (int w = 0; w < wet_.count; ++w) {
-      node_state& s = states[wet_.index[w]];
-      take(wet_.velocity, w, s.velocity);
-      take(wet_.lever, w, s.lever);
+    find_velocities(m_, m_wet);
+    for (int w = 0; w < m_wet.count; ++w) {
+      node_state& s = states[m_wet.index[w]];
+      take(m_wet.velocity, w, s.velocity);
+      take(m_wet.lever, w, s.lever);
     }
   }
 
 private:
   /// Finds where node i is and how high the water stands there; a wet node joins the wet block with the water's flow.
   void find_surface(int i, node_state& s) {
-    take(nodes_.position, i, s.position);
+    take(m_nodes.position, i, s.position);
     const double x = s.position[0], y = s.position[1];
     s.elevation = 0.0;
     s.on_wave_col = false;
     s.where = node_state::off_table;
-    if (x < 0.0 || x >= element_.wave_x_last) return;
+    if (x < 0.0 || x >= m_element.wave_x_last) return;
     double rising = 0.0;
-    const int j = element_.wave_x.find(x, s.wave_col);
+    const int j = m_element.wave_x.find(x, s.wave_col);
     if (j >= 0) {
-      const interval_axis& axis = element_.wave_x;
+      const interval_axis& axis = m_element.wave_x;
       s.on_wave_col = true;
       s.wave_col = j;
       const double a = (axis[j + 1] - x) / (axis[j + 1] - axis[j]), b = 1.0 - a;
-      s.elevation = elevation_.at(j, a, b);
-      rising = rising_.at(j, a, b);
+      s.elevation = m_elevation.at(j, a, b);
+      rising = m_rising.at(j, a, b);
     }
     s.where = node_state::dry;
     if (s.elevation < s.position[2]) return;
     s.where = node_state::wet;
-    const int w = wet_.count++;
-    wet_.index[w] = i;
-    wet_.local.x[w] = nodes_.local.x[i];
-    wet_.local.y[w] = nodes_.local.y[i];
-    wet_.local.z[w] = nodes_.local.z[i];
-    wet_.water.x[w] = current_at(element_.current1, x, y, s.current1_row, s.on_current1_row);
-    wet_.water.y[w] = current_at(element_.current2, x, y, s.current2_row, s.on_current2_row);
-    wet_.water.z[w] = rising;
+    const int w = m_wet.count++;
+    m_wet.index[w] = i;
+    m_wet.local.x[w] = m_nodes.local.x[i];
+    m_wet.local.y[w] = m_nodes.local.y[i];
+    m_wet.local.z[w] = m_nodes.local.z[i];
+    m_wet.water.x[w] = current_at(m_element.current1, x, y, s.current1_row, s.on_current1_row);
+    m_wet.water.y[w] = current_at(m_element.current2, x, y, s.current2_row, s.on_current2_row);
+    m_wet.water.z[w] = rising;
   }
 
-  const Chydro_force& element_;
-  blended_rows elevation_, rising_;  ///< of the water: height of its surface, vertical velocity
+  const Chydro_force& m_element;
+  blended_rows m_elevation, m_rising;  ///< of the water: height of its surface, vertical velocity
   const motion& m_;
-  node_block nodes_;
-  wet_block wet_;
+  node_block m_nodes;
+  wet_block m_wet;
 };
 
 }  // namespace

@@ -12,13 +12,13 @@ void keep_interval(bool found, int interval, int& kept) {
 class patch_pass {
 public:
   patch_pass(const Chydro_force& element, const motion& m, const coefficients& k)
-      : element_(element), m_(m), k_(k), factors_{{m.A5[6], m.A5[7], m.A5[8]}, k.buoyancy, k.L3, k.force} {}
+      : m_element(element), m_(m), k_(k), m_factors{{m.A5[6], m.A5[7], m.A5[8]}, k.buoyancy, k.L3, k.force} {}
 
   patch_sums run(Chydro_force_sub& sub) {
     for (int i = 0; i < sub.patch_count; ++i) add(sub, sub.patches[static_cast<std::size_t>(i)]);
-    drags_.finish(k_, m_.A6, sums_.drag);
-    columns_.finish(factors_, sums_.displaced);
-    return sums_;
+    m_drags.finish(k_, m_.A6, m_sums.drag);
+    m_columns.finish(m_factors, m_sums.displaced);
+    return m_sums;
   }
 
 private:
@@ -26,13 +26,13 @@ private:
   void add_drag(const Cpatch& patch, const node_state* const corners[3], int reached);
   void add_column(const Cpatch& patch, const node_state* const corners[3], double level);
 
-  const Chydro_force& element_;
+  const Chydro_force& m_element;
   const motion& m_;
   const coefficients& k_;
-  buoyancy_factors factors_;
-  drag_block drags_;
-  column_block columns_;
-  patch_sums sums_;
+  buoyancy_factors m_factors;
+  drag_block m_drags;
+  column_block m_columns;
+  patch_sums m_sums;
 };
 
 void patch_pass::add(const Chydro_force_sub& sub, Cpatch& patch) {
@@ -55,15 +55,15 @@ void patch_pass::add(const Chydro_force_sub& sub, Cpatch& patch) {
 }
 
 void patch_pass::add_drag(const Cpatch& patch, const node_state* const corners[3], int reached) {
-  drags_.add(patch.normal, patch.area, corners, reached);
-  if (drags_.full()) drags_.finish(k_, m_.A6, sums_.drag);
+  m_drags.add(patch.normal, patch.area, corners, reached);
+  if (m_drags.full()) m_drags.finish(k_, m_.A6, m_sums.drag);
 }
 
 void patch_pass::add_column(const Cpatch& patch, const node_state* const corners[3], double level) {
   const double facing = m_.R[2] * patch.normal[0] + m_.R[5] * patch.normal[1] + m_.R[8] * patch.normal[2];
   const double* const q[3] = {corners[0]->position, corners[1]->position, corners[2]->position};
-  columns_.add(element_.wave_x_first, element_.wave_x_last, q, facing, level);
-  if (columns_.full()) columns_.finish(factors_, sums_.displaced);
+  m_columns.add(m_element.wave_x_first, m_element.wave_x_last, q, facing, level);
+  if (m_columns.full()) m_columns.finish(m_factors, m_sums.displaced);
 }
 
 }  // namespace

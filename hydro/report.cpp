@@ -12,10 +12,7 @@
 namespace qvhydro {
 namespace {
 
-// The messages below name these positions.
-static_assert(QV_HULL_REPORT_FORCE_ID == 1 && QV_HULL_REPORT_BODY_MARKER == 2 && QV_HULL_REPORT_WATER_MARKER == 3);
-static_assert(QV_HULL_REPORT_REPORTED_FORCE == 5 && QV_HULL_REPORT_REPORTED_FORCE_MARKER == 6);
-static_assert(QV_HULL_REPORT_POINT_COUNT == 11);
+constexpr qv::parameter k_force_id{QV_HULL_REPORT_FORCE_ID, "hydro force ID"};
 
 /// The parameter list of a report, read and checked in its order. The number of check points is checked before it.
 struct report_parameters {
@@ -24,12 +21,11 @@ struct report_parameters {
   qv::fault_channel channel;
 
   report_parameters(const double* par, int point_count, const qv::fault_channel& to)
-      : force(qv::to_int(par[QV_HULL_REPORT_FORCE_ID], "hydro force ID (parameter 1)", to)),
-        body_marker(qv::to_int(par[QV_HULL_REPORT_BODY_MARKER], "body marker (parameter 2)", to)),
-        water_marker(qv::to_int(par[QV_HULL_REPORT_WATER_MARKER], "water marker (parameter 3)", to)),
-        reported_force(qv::to_int(par[QV_HULL_REPORT_REPORTED_FORCE], "reported force (parameter 5)", to)),
-        reported_marker(
-            qv::to_int(par[QV_HULL_REPORT_REPORTED_FORCE_MARKER], "marker of the reported force (parameter 6)", to)),
+      : force(qv::to_int(par, k_force_id, to)),
+        body_marker(qv::to_int(par, {QV_HULL_REPORT_BODY_MARKER, "body marker"}, to)),
+        water_marker(qv::to_int(par, {QV_HULL_REPORT_WATER_MARKER, "water marker"}, to)),
+        reported_force(qv::to_int(par, {QV_HULL_REPORT_REPORTED_FORCE, "reported force"}, to)),
+        reported_marker(qv::to_int(par, {QV_HULL_REPORT_REPORTED_FORCE_MARKER, "marker of the reported force"}, to)),
         points(point_count),
         point_list(par + QV_HULL_REPORT_LENGTH),
         channel(to) {}
@@ -122,17 +118,17 @@ void write_results(const answers& a, const centres& c, double* result) {
 
 Chydro_force& find_element(const report_parameters& p) {
   if (gp_hydro_force.empty()) {
-    qv::fault(k_report_prefix + ("The hydro force ID (parameter 1) is " + std::to_string(p.force)) +
+    qv::fault(k_report_prefix + ("The " + text_of(k_force_id) + " is " + std::to_string(p.force)) +
                   "; no hydro force was evaluated before this report.",
               p.channel.ierr, p.channel.msg);
   }
-  qv::check_index(p.force, gp_hydro_force.size(), "hydro force ID (parameter 1)", p.channel);
+  qv::check_index(p.force, gp_hydro_force.size(), k_force_id, p.channel);
   return gp_hydro_force[static_cast<std::size_t>(p.force)];
 }
 
 void report(void* handle, const double* par, int iflag, double* result, const qv::fault_channel& channel) {
   std::fill_n(result, QV_HULL_REPORT_RESULT_LENGTH, 0.0);  // now: how many follow is only known behind the next guard
-  const int points = qv::to_count(par[QV_HULL_REPORT_POINT_COUNT], "number of check points (parameter 11)", channel);
+  const int points = qv::to_count(par, {QV_HULL_REPORT_POINT_COUNT, "number of check points"}, channel);
   double* const point_results = result + QV_HULL_REPORT_RESULT_LENGTH;
   const std::size_t point_slots = QV_HULL_REPORT_POINT_LENGTH * static_cast<std::size_t>(points);
   std::fill_n(point_results, point_slots, 0.0);

@@ -13,12 +13,6 @@ namespace {
 
 using qv::fault_channel;
 
-// The messages below name these positions.
-static_assert(QV_HULL_PART == 0 && QV_HULL_PART_COUNT == 1 && QV_HULL_FORCE_ID == 2);
-static_assert(QV_HULL_FORCE_MARKER == 4 && QV_HULL_WATER_MARKER == 5 && QV_HULL_BODY_MARKER == 6);
-static_assert(QV_HULL_WAVE_STRING == 7 && QV_HULL_CURRENT_STRING == 8);
-static_assert(QV_HULL_OPTION == 10 && QV_HULL_NODE_COUNT == 20);
-
 void fetch_units(void* handle, inverse_units& inverse) {
   double scale[5] = {};
   void* names[5] = {};
@@ -50,7 +44,7 @@ void read_files(void* handle, Chydro_force& element, const fault_channel& channe
 }
 
 void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& channel) {
-  sub.node_count = qv::to_count(par[QV_HULL_NODE_COUNT], "number of nodes (parameter 20)", channel);
+  sub.node_count = qv::to_count(par, {QV_HULL_NODE_COUNT, "number of nodes"}, channel);
   const auto count = static_cast<std::size_t>(sub.node_count);
   sub.node_states.assign(count + 1, node_state());
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // after the states: every node that exists has a state
@@ -147,7 +141,7 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
 void ini_hydro_force(void* handle, Chydro_force* element, const double* par, int& ierr, char** msg) {
   const fault_channel channel{k_prefix, ierr, msg};
   fetch_units(handle, element->inv_unit);
-  element->subelement_count = qv::to_count(par[QV_HULL_PART_COUNT], "number of sub-elements (parameter 1)", channel);
+  element->subelement_count = qv::to_count(par, {QV_HULL_PART_COUNT, "number of sub-elements"}, channel);
   element->subs.resize(static_cast<std::size_t>(element->subelement_count) + 1);
   for (int k = 0; k < 3; ++k) element->report_mass_moment[k] = element->report_buoyancy_moment[k] = 0.0;
   element->report_mass_sum = element->report_buoyancy_sum = 0.0;
@@ -155,22 +149,21 @@ void ini_hydro_force(void* handle, Chydro_force* element, const double* par, int
   element->gravity = par[QV_HULL_GRAVITY];
   element->drag_scale = par[QV_HULL_DRAG_SCALE];
   element->time_index = 0;
-  element->wave_string_id = qv::to_int(par[QV_HULL_WAVE_STRING], "string of the WAVE file (parameter 7)", channel);
-  element->current_string_id =
-      qv::to_int(par[QV_HULL_CURRENT_STRING], "string of the CURRENT file (parameter 8)", channel);
+  element->wave_string_id = qv::to_int(par, {QV_HULL_WAVE_STRING, "string of the WAVE file"}, channel);
+  element->current_string_id = qv::to_int(par, {QV_HULL_CURRENT_STRING, "string of the CURRENT file"}, channel);
   read_files(handle, *element, channel);
   element->files_read = true;
 }
 
 void ini_hydro_force_sub(Chydro_force_sub* sub, const double* par, int& ierr, char** msg, int force_id) {
   const fault_channel channel{k_prefix, ierr, msg};
-  sub->index = qv::to_int(par[QV_HULL_PART], "sub-element index (parameter 0)", channel);
-  sub->force_id = qv::to_int(par[QV_HULL_FORCE_ID], "hydro force ID (parameter 2)", channel);
-  sub->force_marker = qv::to_int(par[QV_HULL_FORCE_MARKER], "force marker (parameter 4)", channel);
-  sub->water_marker = qv::to_int(par[QV_HULL_WATER_MARKER], "water marker (parameter 5)", channel);
-  sub->body_marker = qv::to_int(par[QV_HULL_BODY_MARKER], "body marker (parameter 6)", channel);
+  sub->index = qv::to_int(par, {QV_HULL_PART, "sub-element index"}, channel);
+  sub->force_id = qv::to_int(par, {QV_HULL_FORCE_ID, "hydro force ID"}, channel);
+  sub->force_marker = qv::to_int(par, {QV_HULL_FORCE_MARKER, "force marker"}, channel);
+  sub->water_marker = qv::to_int(par, {QV_HULL_WATER_MARKER, "water marker"}, channel);
+  sub->body_marker = qv::to_int(par, {QV_HULL_BODY_MARKER, "body marker"}, channel);
   sub->mass = par[QV_HULL_MASS];
-  sub->option = qv::to_int(par[QV_HULL_OPTION], "option (parameter 10)", channel);
+  sub->option = qv::to_int(par, {QV_HULL_OPTION, "option"}, channel);
   sub->reserve = par[QV_HULL_RESERVE];
   sub->scale = par[QV_HULL_LOAD_SCALE];
   sub->t_start = par[QV_HULL_ACTIVE_FROM];

@@ -12,15 +12,15 @@ class number_table {
 public:
   /// Makes zeros: one row and one column more than `rows` and `columns`.
   void resize(int rows, int columns) {
-    columns_ = static_cast<std::size_t>(columns) + 1;
-    values_.assign((static_cast<std::size_t>(rows) + 1) * columns_, 0.0);
+    m_columns = static_cast<std::size_t>(columns) + 1;
+    m_values.assign((static_cast<std::size_t>(rows) + 1) * m_columns, 0.0);
   }
-  double* operator[](int row) { return values_.data() + static_cast<std::size_t>(row) * columns_; }
-  const double* operator[](int row) const { return values_.data() + static_cast<std::size_t>(row) * columns_; }
+  double* operator[](int row) { return m_values.data() + static_cast<std::size_t>(row) * m_columns; }
+  const double* operator[](int row) const { return m_values.data() + static_cast<std::size_t>(row) * m_columns; }
 
 private:
-  std::size_t columns_ = 0;
-  qv::large_vector<double> values_;
+  std::size_t m_columns = 0;
+  qv::large_vector<double> m_values;
 };
 
 /// Water surface over time and over the position along the water frame's x axis, as a WAVE file has it. Axes and tables
@@ -57,17 +57,17 @@ time_blend blend_at(wave_table& wave, double time, bool set_up_call);
 class blended_rows {
 public:
   blended_rows(const number_table& table, const time_blend& when)
-      : row_(table[when.row]), next_(table[when.row + 1]), w0_(when.w0), w1_(when.w1) {}
+      : m_row(table[when.row]), m_next(table[when.row + 1]), m_w0(when.w0), m_w1(when.w1) {}
 
   /// Value between the columns j and j + 1, whose shares are a and b = 1 - a. Rows are blended in time first.
   double at(int j, double a, double b) const { return b * blend(j + 1) + a * blend(j); }
 
 private:
-  double blend(int j) const { return row_[j] * w0_ + next_[j] * w1_; }
+  double blend(int j) const { return m_row[j] * m_w0 + m_next[j] * m_w1; }
 
-  const double* row_;
-  const double* next_;
-  double w0_, w1_;
+  const double* m_row;
+  const double* m_next;
+  double m_w0, m_w1;
 };
 
 }  // namespace qvhydro

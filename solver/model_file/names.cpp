@@ -14,29 +14,29 @@ std::string with_article(const std::string& kind) {
 }  // namespace
 
 void NameTable::add(const std::string& name, int index, const FilePosition& at) {
-  if (name.empty()) throw ModelError(at, with_article(kind_) + " needs a name that is not empty");
+  if (name.empty()) throw ModelError(at, with_article(m_kind) + " needs a name that is not empty");
   if (name.find_first_of(".:,;\"'\n\r") != std::string::npos)
     throw ModelError(at,
-                     "the name '" + name + "' of " + with_article(kind_) + " may hold none of . : , ; and no quotes");
+                     "the name '" + name + "' of " + with_article(m_kind) + " may hold none of . : , ; and no quotes");
   if (has(name)) {
-    const auto place = places_.find(name);
-    const bool known = place != places_.end() && place->second.line != 0;
-    throw ModelError(at, "the name '" + name + "' is taken: " + with_article(kind_) + " has it" +
+    const auto place = m_places.find(name);
+    const bool known = place != m_places.end() && place->second.line != 0;
+    throw ModelError(at, "the name '" + name + "' is taken: " + with_article(m_kind) + " has it" +
                              (known ? " (line " + std::to_string(place->second.line) + ")" : " already"));
   }
-  indices_[name] = index;
-  places_[name] = at;
+  m_indices[name] = index;
+  m_places[name] = at;
 }
 
 int NameTable::find(const std::string& name, const std::string& role, const FilePosition& at) const {
-  const auto found = indices_.find(name);
-  if (found != indices_.end()) return found->second;
-  throw ModelError(at, role + ": there is no " + kind_ + " '" + name + "'; " + name_hint(name, known()));
+  const auto found = m_indices.find(name);
+  if (found != m_indices.end()) return found->second;
+  throw ModelError(at, role + ": there is no " + m_kind + " '" + name + "'; " + name_hint(name, known()));
 }
 
 std::vector<std::string> NameTable::known() const {
   std::vector<std::string> names;
-  for (const auto& [candidate, index] : indices_)
+  for (const auto& [candidate, index] : m_indices)
     if (candidate.find('.') == std::string::npos) names.push_back(candidate);
   return names;
 }

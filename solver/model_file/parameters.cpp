@@ -57,31 +57,31 @@ void check_parameter_name(const Value::Entry& entry) {
 /// The entries in an order in which each one's expression names only earlier ones.
 class DependencyOrder {
 public:
-  explicit DependencyOrder(const Value& table) : table_(table) {
-    for (const Value::Entry& entry : table_.table) visit(entry);
+  explicit DependencyOrder(const Value& table) : m_table(table) {
+    for (const Value::Entry& entry : m_table.table) visit(entry);
   }
   std::vector<const Value::Entry*> order;
 
 private:
   void visit(const Value::Entry& entry) {
     if (std::find(order.begin(), order.end(), &entry) != order.end()) return;
-    if (contains(open_, entry.key))
-      throw ModelError(entry.value.at, "parameter '" + entry.key + "' depends on itself (" + listed(open_) + ")");
-    open_.push_back(entry.key);
+    if (contains(m_open, entry.key))
+      throw ModelError(entry.value.at, "parameter '" + entry.key + "' depends on itself (" + listed(m_open) + ")");
+    m_open.push_back(entry.key);
     for (const std::string& name : names_in(entry.value.text))
-      for (const Value::Entry& other : table_.table)
+      for (const Value::Entry& other : m_table.table)
         if (other.key == name) visit(other);
-    open_.pop_back();
+    m_open.pop_back();
     order.push_back(&entry);
   }
 
-  const Value& table_;
-  std::vector<std::string> open_;
+  const Value& m_table;
+  std::vector<std::string> m_open;
 };
 
 }  // namespace
 
-Parameters::Parameters() : values_(std::make_shared<std::map<std::string, double>>()) {}
+Parameters::Parameters() : m_values(std::make_shared<std::map<std::string, double>>()) {}
 
 Parameters::Parameters(const Value& table) : Parameters() {
   if (table.kind != Value::Kind::table)
@@ -89,7 +89,7 @@ Parameters::Parameters(const Value& table) : Parameters() {
   for (const Value::Entry* entry : DependencyOrder(table).order) {
     check_parameter_name(*entry);
     const Value& value = entry->value;
-    auto extended = std::make_shared<std::map<std::string, double>>(*values_);
+    auto extended = std::make_shared<std::map<std::string, double>>(*m_values);
     if (value.kind == Value::Kind::integer || value.kind == Value::Kind::real) {
       if (!std::isfinite(value.number))
         throw ModelError(value.at, "parameter '" + entry->key + "': a finite number is expected");
@@ -100,18 +100,18 @@ Parameters::Parameters(const Value& table) : Parameters() {
       throw ModelError(value.at, "parameter '" + entry->key +
                                      "': a number or an expression in quotes is expected, not " + described(value));
     }
-    values_ = std::move(extended);
+    m_values = std::move(extended);
   }
 }
 
 void Parameters::check_names(const std::string& text, const FilePosition& at) const {
   for (const std::string& name : names_in(text))
-    if (!contains(k_reserved, name) && values_->count(name) == 0) unknown_name(name, text, at);
+    if (!contains(k_reserved, name) && m_values->count(name) == 0) unknown_name(name, text, at);
 }
 
 void Parameters::unknown_name(const std::string& name, const std::string& text, const FilePosition& at) const {
   std::vector<std::string> parameters;
-  for (const auto& [parameter, value] : *values_) parameters.push_back(parameter);
+  for (const auto& [parameter, value] : *m_values) parameters.push_back(parameter);
   std::vector<std::string> known = parameters;
   known.insert(known.end(), k_reserved.begin(), k_reserved.end());
   const std::string nearest = nearest_name(name, known);
@@ -136,14 +136,14 @@ Expression Parameters::state_expression(const std::string& text, const FilePosit
   Expression expression;
   expression.text = text;
   expression.at = at;
-  expression.parameters = values_;
+  expression.parameters = m_values;
   return expression;
 }
 
 void Parameters::check_name_is_free(const std::string& name, const std::string& what, const FilePosition& at) const {
   if (contains(k_reserved, name))
     throw ModelError(at, what + " '" + name + "': expressions use this name already; choose another");
-  if (values_->count(name) != 0)
+  if (m_values->count(name) != 0)
     throw ModelError(at, what + " '" + name + "': a parameter has this name; choose another");
 }
 

@@ -37,7 +37,7 @@ private:
   void check_names(const std::string& text, const FilePosition& at) const;
   [[noreturn]] void unknown_name(const std::string& name, const std::string& text, const FilePosition& at) const;
 
-  std::shared_ptr<const std::map<std::string, double>> values_;
+  std::shared_ptr<const std::map<std::string, double>> m_values;
 };
 
 }  // namespace qvslv

@@ -19,28 +19,28 @@ const FilePosition& key_position(const Value::Entry& entry) { return entry.at.li
 
 TableReader::TableReader(const Value& table, std::string what, const Parameters& parameters,
                          std::vector<std::string> known)
-    : table_(&table), what_(std::move(what)), parameters_(&parameters), known_(std::move(known)) {
+    : m_table(&table), m_what(std::move(what)), m_parameters(&parameters), m_known(std::move(known)) {
   if (table.kind != Value::Kind::table)
-    throw ModelError(table.at, what_ + ": a table is expected, not " + described(table));
+    throw ModelError(table.at, m_what + ": a table is expected, not " + described(table));
   for (const Value::Entry& entry : table.table)
-    if (std::find(known_.begin(), known_.end(), entry.key) == known_.end())
+    if (std::find(m_known.begin(), m_known.end(), entry.key) == m_known.end())
       throw ModelError(key_position(entry),
-                       what_ + ": unknown key '" + entry.key + "'; " + name_hint(entry.key, known_));
+                       m_what + ": unknown key '" + entry.key + "'; " + name_hint(entry.key, m_known));
 }
 
 const Value& TableReader::value(const std::string& key) const {
-  const Value* found = table_->find(key);
+  const Value* found = m_table->find(key);
   if (found == nullptr) fail("the key '" + key + "' is missing");
   return *found;
 }
 
-void TableReader::fail(const std::string& text) const { throw ModelError(table_->at, what_ + ": " + text); }
+void TableReader::fail(const std::string& text) const { throw ModelError(m_table->at, m_what + ": " + text); }
 
 void TableReader::fail(const std::string& key, const std::string& text) const {
   throw ModelError(position(key), named(key) + ": " + text);
 }
 
-std::string TableReader::named(const std::string& key) const { return what_ == k_root ? key : what_ + ", " + key; }
+std::string TableReader::named(const std::string& key) const { return m_what == k_root ? key : m_what + ", " + key; }
 
 void TableReader::wrong(const Value& value, const std::string& key, const std::string& expected) const {
   throw ModelError(value.at, named(key) + ": " + expected + " is expected, not " + described(value));
@@ -67,7 +67,7 @@ double TableReader::number_of(const Value& found, const std::string& key) const 
   if (is_number && std::isfinite(found.number)) return found.number;
   if (is_number) throw ModelError(found.at, named(key) + ": a finite number is expected");
   if (found.kind != Value::Kind::text) wrong(found, key, "a number or an expression in quotes");
-  return parameters_->number(found.text, found.at);
+  return m_parameters->number(found.text, found.at);
 }
 
 double TableReader::number(const std::string& key) const { return number_of(value(key), key); }
@@ -137,21 +137,21 @@ std::string TableReader::choice(const std::string& key, const std::vector<std::s
 }
 
 Expression TableReader::expression_of(const Value& found, const std::string& key) const {
-  if (found.kind == Value::Kind::text) return parameters_->expression(found.text, found.at);
-  return parameters_->expression(number_text(number_of(found, key)), found.at);
+  if (found.kind == Value::Kind::text) return m_parameters->expression(found.text, found.at);
+  return m_parameters->expression(number_text(number_of(found, key)), found.at);
 }
 
 Expression TableReader::expression(const std::string& key) const { return expression_of(value(key), key); }
 
 Expression TableReader::state_expression_of(const Value& found, const std::string& key) const {
-  if (found.kind == Value::Kind::text) return parameters_->state_expression(found.text, found.at);
-  return parameters_->state_expression(number_text(number_of(found, key)), found.at);
+  if (found.kind == Value::Kind::text) return m_parameters->state_expression(found.text, found.at);
+  return m_parameters->state_expression(number_text(number_of(found, key)), found.at);
 }
 
 Expression TableReader::state_expression(const std::string& key) const { return state_expression_of(value(key), key); }
 
 TableReader TableReader::table(const std::string& key, std::vector<std::string> known) const {
-  return TableReader(value(key), named(key), *parameters_, std::move(known));
+  return TableReader(value(key), named(key), *m_parameters, std::move(known));
 }
 
 std::vector<TableReader> TableReader::tables(const std::string& key, const std::vector<std::string>& known) const {
@@ -160,7 +160,7 @@ std::vector<TableReader> TableReader::tables(const std::string& key, const std::
     const Value* name = item.find("name");
     const bool has_name = name != nullptr && name->kind == Value::Kind::text;
     const std::string label = has_name ? "'" + name->text + "'" : std::to_string(result.size() + 1);
-    result.emplace_back(item, named(key) + " " + label, *parameters_, known);
+    result.emplace_back(item, named(key) + " " + label, *m_parameters, known);
   }
   return result;
 }

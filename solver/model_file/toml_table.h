@@ -20,9 +20,9 @@ public:
   /// Complains at once about a key that is not in `known`. `what` names the table in messages ("body 'wheel'").
   TableReader(const Value& table, std::string what, const Parameters& parameters, std::vector<std::string> known);
 
-  const FilePosition& at() const { return table_->at; }
-  const std::string& what() const { return what_; }
-  bool has(const std::string& key) const { return table_->find(key) != nullptr; }
+  const FilePosition& at() const { return m_table->at; }
+  const std::string& what() const { return m_what; }
+  bool has(const std::string& key) const { return m_table->find(key) != nullptr; }
   /// Throws when the key is missing.
   const Value& value(const std::string& key) const;
   const FilePosition& position(const std::string& key) const { return value(key).at; }
@@ -63,10 +63,10 @@ private:
   const std::vector<Value>& list(const std::string& key, const std::string& expected) const;
   [[noreturn]] void wrong(const Value& value, const std::string& key, const std::string& expected) const;
 
-  const Value* table_;
-  std::string what_;
-  const Parameters* parameters_;
-  std::vector<std::string> known_;
+  const Value* m_table;
+  std::string m_what;
+  const Parameters* m_parameters;
+  std::vector<std::string> m_known;
 };
 
 /// Rotation that turns about x, then the new y, then the new z [rad].

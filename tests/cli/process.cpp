@@ -33,29 +33,29 @@ namespace {
 RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const fs::path& folder) {
   static int number = 0;
   const std::string base = "qvbrisk_" + std::to_string(getpid()) + "_" + std::to_string(++number);
-  out_ = fs::path(testing::TempDir()) / (base + ".out");
-  err_ = fs::path(testing::TempDir()) / (base + ".err");
-  pid_ = fork();
-  if (pid_ < 0) throw std::runtime_error("cannot fork");
-  if (pid_ == 0) become_command(arguments, folder, out_, err_);
+  m_out = fs::path(testing::TempDir()) / (base + ".out");
+  m_err = fs::path(testing::TempDir()) / (base + ".err");
+  m_pid = fork();
+  if (m_pid < 0) throw std::runtime_error("cannot fork");
+  if (m_pid == 0) become_command(arguments, folder, m_out, m_err);
 }
 
 bool RunningCommand::ended() {
-  if (!reaped_) reaped_ = waitpid(pid_, &status_, WNOHANG) == pid_;
-  return reaped_;
+  if (!m_reaped) m_reaped = waitpid(m_pid, &m_status, WNOHANG) == m_pid;
+  return m_reaped;
 }
 
-void RunningCommand::send(int signal) const { kill(pid_, signal); }
+void RunningCommand::send(int signal) const { kill(m_pid, signal); }
 
 CommandResult RunningCommand::wait() {
-  if (!reaped_ && waitpid(pid_, &status_, 0) != pid_) throw std::runtime_error("the command is gone");
-  reaped_ = true;
+  if (!m_reaped && waitpid(m_pid, &m_status, 0) != m_pid) throw std::runtime_error("the command is gone");
+  m_reaped = true;
   CommandResult result;
-  result.code = WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
-  result.out = file_text(out_);
-  result.err = file_text(err_);
-  fs::remove(out_);
-  fs::remove(err_);
+  result.code = WIFEXITED(m_status) ? WEXITSTATUS(m_status) : 128 + WTERMSIG(m_status);
+  result.out = file_text(m_out);
+  result.err = file_text(m_err);
+  fs::remove(m_out);
+  fs::remove(m_err);
   return result;
 }
 
@@ -85,11 +85,11 @@ ResultTable::ResultTable(const fs::path& csv) {
   std::istringstream stream(file_text(csv));
   std::string line, cell;
   std::getline(stream, line);
-  for (std::istringstream head(line); std::getline(head, cell, ',');) names_.push_back(cell);
-  columns_.resize(names_.size());
+  for (std::istringstream head(line); std::getline(head, cell, ',');) m_names.push_back(cell);
+  m_columns.resize(m_names.size());
   while (std::getline(stream, line)) {
     std::istringstream row(line);
-    for (std::vector<double>& column : columns_) {
+    for (std::vector<double>& column : m_columns) {
       if (!std::getline(row, cell, ',')) throw std::runtime_error("a row of " + csv.string() + " is too short");
       column.push_back(std::stod(cell));
     }
@@ -97,7 +97,7 @@ ResultTable::ResultTable(const fs::path& csv) {
 }
 
 const std::vector<double>& ResultTable::operator[](const std::string& column) const {
-  for (size_t i = 0; i < names_.size(); ++i)
-    if (names_[i] == column) return columns_[i];
+  for (size_t i = 0; i < m_names.size(); ++i)
+    if (m_names[i] == column) return m_columns[i];
   throw std::runtime_error("there is no column " + column);
 }

@@ -25,10 +25,10 @@ public:
   CommandResult wait();
 
 private:
-  std::filesystem::path out_, err_;
-  pid_t pid_ = -1;
-  bool reaped_ = false;
-  int status_ = 0;
+  std::filesystem::path m_out, m_err;
+  pid_t m_pid = -1;
+  bool m_reaped = false;
+  int m_status = 0;
 };
 
 /// A new empty folder with the name of the running test.
@@ -43,9 +43,9 @@ public:
   explicit ResultTable(const std::filesystem::path& csv);
   /// Throws when there is no such column.
   const std::vector<double>& operator[](const std::string& column) const;
-  size_t rows() const { return columns_.empty() ? 0 : columns_.front().size(); }
+  size_t rows() const { return m_columns.empty() ? 0 : m_columns.front().size(); }
 
 private:
-  std::vector<std::string> names_;
-  std::vector<std::vector<double>> columns_;
+  std::vector<std::string> m_names;
+  std::vector<std::vector<double>> m_columns;
 };

@@ -91,78 +91,79 @@ void randomise(hydro_parameters& p, random_source& random) {
 class RandomScene {
 public:
   explicit RandomScene(unsigned seed)
-      : random_(seed),
-        wave_(random_wave(random_)),
-        currents_{random_table(random_), random_table(random_)},
-        scene_(plate_hull(1, 1), wave_, currents_),
-        reference_(qvref::read_wave(narrow(k_wave_string)), qvref::read_current(narrow(k_current_string)), units()) {
-    scene_.host.unit_scale = units_;
-    const int parts = whole(random_, 1, 3);
-    const int id = scene_.parameters.id;
+      : m_random(seed),
+        m_wave(random_wave(m_random)),
+        m_currents{random_table(m_random), random_table(m_random)},
+        m_scene(plate_hull(1, 1), m_wave, m_currents),
+        m_reference(qvref::read_wave(narrow(k_wave_string)), qvref::read_current(narrow(k_current_string)), units()) {
+    m_scene.host.unit_scale = m_units;
+    const int parts = whole(m_random, 1, 3);
+    const int id = m_scene.parameters.id;
     for (int i = 0; i < parts; ++i) {
-      parts_.emplace_back();
-      randomise(parts_.back(), random_);
-      parts_.back().sub = i;
-      parts_.back().subs = parts;
-      parts_.back().id = id;
+      m_parts.emplace_back();
+      randomise(m_parts.back(), m_random);
+      m_parts.back().sub = i;
+      m_parts.back().subs = parts;
+      m_parts.back().id = id;
     }
-    for (int marker = 60; marker < 60 + whole(random_, 0, 3); ++marker) {
-      scene_.points.push_back(marker);
-      scene_.host.markers[marker].position = random_vector(random_, 30.0);
+    for (int marker = 60; marker < 60 + whole(m_random, 0, 3); ++marker) {
+      m_scene.points.push_back(marker);
+      m_scene.host.markers[marker].position = random_vector(m_random, 30.0);
     }
-    scene_.water().position = random_vector(random_, 10.0);
-    scene_.water().axes = random_rotation(random_, 3.0);
+    m_scene.water().position = random_vector(m_random, 10.0);
+    m_scene.water().axes = random_rotation(m_random, 3.0);
   }
 
   /// Returns false if the results differ, and has then reported the failure.
   bool run() {
-    double time = uniform(random_, -1.0, 1.0);
+    double time = uniform(m_random, -1.0, 1.0);
     for (int step = 0; step < 30; ++step) {
       move();
-      time += uniform(random_, -0.3, 0.9);
-      const int iflag = whole(random_, 0, 3);
-      for (const hydro_parameters& part : parts_) {
-        scene_.parameters = part;
+      time += uniform(m_random, -0.3, 0.9);
+      const int iflag = whole(m_random, 0, 3);
+      for (const hydro_parameters& part : m_parts) {
+        m_scene.parameters = part;
         if (!compare_call(time, iflag)) return false;
       }
-      if (whole(random_, 0, 2) == 0 && !compare_report()) return false;
+      if (whole(m_random, 0, 2) == 0 && !compare_report()) return false;
     }
     return true;
   }
 
-  const qvref::hull_census& census() const { return reference_.census(); }
+  const qvref::hull_census& census() const { return m_reference.census(); }
   long reports = 0, massless = 0, not_numbers = 0;
 
 private:
   std::string narrow(int id) {
-    const std::wstring& text = scene_.host.strings[id];
+    const std::wstring& text = m_scene.host.strings[id];
     return {text.begin(), text.end()};
   }
   const std::array<double, 5>& units() {
-    units_ = {1, 1, 1, 1, 1};
-    if (whole(random_, 0, 1) == 0) {
-      for (double& u : units_) u = uniform(random_, 0.01, 20.0);
+    m_units = {1, 1, 1, 1, 1};
+    if (whole(m_random, 0, 1) == 0) {
+      for (double& u : m_units) u = uniform(m_random, 0.01, 20.0);
     }
-    return units_;
+    return m_units;
   }
 
   void move() {
-    const double reach = wave_.x.back() + 2.0;
-    const vec3 in_water = {uniform(random_, -1.5, std::max(reach, 0.0)), uniform(random_, -6, 6),
-                           uniform(random_, -2.0, 1.0)};
-    const vec3 way = times(scene_.water().axes, in_water);
+    const double reach = m_wave.x.back() + 2.0;
+    const vec3 in_water = {uniform(m_random, -1.5, std::max(reach, 0.0)), uniform(m_random, -6, 6),
+                           uniform(m_random, -2.0, 1.0)};
+    const vec3 way = times(m_scene.water().axes, in_water);
     vec3 place;
-    for (std::size_t k = 0; k < 3; ++k) place[k] = scene_.water().position[k] + way[k];
-    scene_.place(place, random_rotation(random_, 3.0));
-    scene_.force_marker().position = random_vector(random_, 20.0);
-    scene_.move(random_vector(random_, 4.0), random_vector(random_, 4.0));
-    scene_.water().velocity = random_vector(random_, 0.5);
-    scene_.host.forces[scene_.force_of_report] = random_vector(random_, 100.0);
+    for (std::size_t k = 0; k < 3; ++k) place[k] = m_scene.water().position[k] + way[k];
+    m_scene.place(place, random_rotation(m_random, 3.0));
+    m_scene.force_marker().position = random_vector(m_random, 20.0);
+    m_scene.move(random_vector(m_random, 4.0), random_vector(m_random, 4.0));
+    m_scene.water().velocity = random_vector(m_random, 0.5);
+    m_scene.host.forces[m_scene.force_of_report] = random_vector(m_random, 100.0);
   }
 
   bool compare_call(double time, int iflag) {
-    const std::vector<double> expected = reference_.call(scene_.host.handle(), time, scene_.parameters.list(), iflag);
-    const std::vector<double> result = scene_.call(time, iflag);
+    const std::vector<double> expected =
+        m_reference.call(m_scene.host.handle(), time, m_scene.parameters.list(), iflag);
+    const std::vector<double> result = m_scene.call(time, iflag);
     for (const double value : result) not_numbers += std::isnan(value) ? 1 : 0;
     return compare("force", result, expected) && compare_rows();
   }
@@ -170,17 +171,18 @@ private:
   bool compare_report() {
     ++reports;
     bool nothing = false;
-    const int iflag = whole(random_, 0, 2);
-    const std::vector<double> expected = reference_.report(scene_.host.handle(), scene_.report_list(), iflag, nothing);
-    const std::vector<double> result = scene_.call_report(iflag);
+    const int iflag = whole(m_random, 0, 2);
+    const std::vector<double> expected =
+        m_reference.report(m_scene.host.handle(), m_scene.report_list(), iflag, nothing);
+    const std::vector<double> result = m_scene.call_report(iflag);
     massless += nothing ? 1 : 0;
-    EXPECT_EQ(scene_.take_report(), nothing ? "HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO" : "");
+    EXPECT_EQ(m_scene.take_report(), nothing ? "HYDRO FORCE REPORT ERROR : THE MASS EQUALS ZERO" : "");
     return compare("report", result, expected);
   }
 
   bool compare(const char* what, const std::vector<double>& result, const std::vector<double>& expected) {
     const int difference = first_difference(result, expected);
-    const std::string said = scene_.take_report();
+    const std::string said = m_scene.take_report();
     if (difference < 0 && said.empty()) return true;
     const auto slot = static_cast<std::size_t>(std::max(difference, 0));
     ADD_FAILURE() << what << ", slot " << difference << ": " << result[slot] << ", reference " << expected[slot]
@@ -190,9 +192,9 @@ private:
 
   /// Compares the intervals that the searches found, which are kept patch by patch.
   bool compare_rows() {
-    const auto& part = element_of(scene_.parameters.id).subs[static_cast<std::size_t>(scene_.parameters.sub)];
-    const auto& expected = reference_.part(scene_.parameters.sub);
-    EXPECT_EQ(element_of(scene_.parameters.id).time_index, reference_.time_index());
+    const auto& part = element_of(m_scene.parameters.id).subs[static_cast<std::size_t>(m_scene.parameters.sub)];
+    const auto& expected = m_reference.part(m_scene.parameters.sub);
+    EXPECT_EQ(element_of(m_scene.parameters.id).time_index, m_reference.time_index());
     for (std::size_t i = 0; i < expected.patches.size(); ++i) {
       for (std::size_t n = 0; n < 3; ++n) {
         if (part.patches[i].wave_col[n] == expected.patches[i].wave_col[n] &&
@@ -207,13 +209,13 @@ private:
     return true;
   }
 
-  random_source random_;
-  qvref::wave_file wave_;
-  qvref::current_file currents_;
-  std::array<double, 5> units_{};
-  HydroScene scene_;
-  qvref::hull_element reference_;
-  std::vector<hydro_parameters> parts_;
+  random_source m_random;
+  qvref::wave_file m_wave;
+  qvref::current_file m_currents;
+  std::array<double, 5> m_units{};
+  HydroScene m_scene;
+  qvref::hull_element m_reference;
+  std::vector<hydro_parameters> m_parts;
 };
 
 TEST(RandomHydroScenes, GiveTheResultsOfTheLiteralReferenceBitForBit) {

@@ -161,18 +161,18 @@ TEST(Currents, DragAlongTheWatersFirstAndSecondAxis) {
 class Drifter {
 public:
   explicit Drifter(const qvref::current_file& currents)
-      : scene_(one_patch({0, 0, 0}, {k_reach, 0, 0}, {0, k_reach, 0}), calm_water(), currents) {
-    scene_.parameters.tangential_coef = 2 / (k_reach * k_reach);
+      : m_scene(one_patch({0, 0, 0}, {k_reach, 0, 0}, {0, k_reach, 0}), calm_water(), currents) {
+    m_scene.parameters.tangential_coef = 2 / (k_reach * k_reach);
   }
   vec3 at(double x, double y) {
-    scene_.place({x - 100.0, y, -1}, k_upright);
-    return scene_.forces().tangential_drag;
+    m_scene.place({x - 100.0, y, -1}, k_upright);
+    return m_scene.forces().tangential_drag;
   }
-  const qvhydro::Cpatch& patch() const { return element_of(scene_.parameters.id).subs[0].patches[0]; }
+  const qvhydro::Cpatch& patch() const { return element_of(m_scene.parameters.id).subs[0].patches[0]; }
 
 private:
   static constexpr double k_reach = 1.0 / 1048576;
-  HydroScene scene_;
+  HydroScene m_scene;
 };
 
 TEST(CurrentTable, InModeOneIsInterpolatedOverXAndNothingOutside) {

@@ -135,15 +135,15 @@ void HydroScene::move(const vec3& velocity, const vec3& angular_velocity) {
 }
 
 const std::vector<double>& HydroScene::call(double time, int iflag) {
-  result_.assign(QV_HULL_RESULT_LENGTH + 1, k_poison);
+  m_result.assign(QV_HULL_RESULT_LENGTH + 1, k_poison);
   std::vector<double> par = parameters.list();
   const std::vector<double> before = par;
-  qvhydro_force(host.handle(), time, par.data(), -1, 7, iflag, result_.data());
+  qvhydro_force(host.handle(), time, par.data(), -1, 7, iflag, m_result.data());
   EXPECT_EQ(first_difference(par, before), -1) << "the parameter list is the host's";
-  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
+  EXPECT_EQ(m_result.back(), k_poison) << "written behind the result";
   EXPECT_EQ(host.unanswered, 0);
-  result_.pop_back();
-  return result_;
+  m_result.pop_back();
+  return m_result;
 }
 
 hull_forces HydroScene::forces(double time, int iflag) {
@@ -176,14 +176,14 @@ std::vector<double> HydroScene::report_list() const {
 }
 
 const std::vector<double>& HydroScene::call_report(int iflag) {
-  result_.assign(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH * points.size() + 1, k_poison);
+  m_result.assign(QV_HULL_REPORT_RESULT_LENGTH + QV_HULL_REPORT_POINT_LENGTH * points.size() + 1, k_poison);
   std::vector<double> par = report_list();
-  qvhydro_report(host.handle(), 0.0, par.data(), -1, 7, iflag, result_.data());
+  qvhydro_report(host.handle(), 0.0, par.data(), -1, 7, iflag, m_result.data());
   EXPECT_EQ(first_difference(par, report_list()), -1) << "the parameter list is the host's";
-  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
+  EXPECT_EQ(m_result.back(), k_poison) << "written behind the result";
   EXPECT_EQ(host.unanswered, 0);
-  result_.pop_back();
-  return result_;
+  m_result.pop_back();
+  return m_result;
 }
 
 hull_report HydroScene::report() {

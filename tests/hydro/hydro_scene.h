@@ -89,7 +89,7 @@ public:
   std::string take_report();
 
 private:
-  std::vector<double> result_;
+  std::vector<double> m_result;
 };
 
 inline double length(const vec3& a) { return std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]); }

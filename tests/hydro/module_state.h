@@ -10,19 +10,19 @@ namespace qvtest {
 class empty_module {
 public:
   empty_module() {
-    elements_.swap(qvhydro::gp_hydro_force);
-    report_.swap(qvhydro::s_HydroForce_Report);
+    m_elements.swap(qvhydro::gp_hydro_force);
+    m_report.swap(qvhydro::s_HydroForce_Report);
   }
   ~empty_module() {
-    elements_.swap(qvhydro::gp_hydro_force);
-    report_.swap(qvhydro::s_HydroForce_Report);
+    m_elements.swap(qvhydro::gp_hydro_force);
+    m_report.swap(qvhydro::s_HydroForce_Report);
   }
   empty_module(const empty_module&) = delete;
   empty_module& operator=(const empty_module&) = delete;
 
 private:
-  std::vector<qvhydro::Chydro_force> elements_;
-  std::vector<std::array<double, 2>> report_;
+  std::vector<qvhydro::Chydro_force> m_elements;
+  std::vector<std::array<double, 2>> m_report;
 };
 
 inline qvhydro::Chydro_force& element_of(int id) { return qvhydro::gp_hydro_force.at(static_cast<std::size_t>(id)); }

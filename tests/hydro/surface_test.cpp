@@ -38,18 +38,18 @@ double nothing(double, double) { return 0.0; }
 class Probe {
 public:
   explicit Probe(const qvref::wave_file& wave, double reach = 1e-3)
-      : area_(reach * reach / 2), scene_(one_patch({0, 0, 0}, {0, reach, 0}, {reach, 0, 0}), wave) {}
+      : m_area(reach * reach / 2), m_scene(one_patch({0, 0, 0}, {0, reach, 0}, {reach, 0, 0}), wave) {}
 
   /// Level at x of the water frame, whose origin is 100 behind the ground's.
   double level(double time, double x, int iflag = 0) {
-    scene_.place({x - 100.0, 0.0, k_deep}, rotation({0, 0, 1}, 0.0));
-    return scene_.forces(time, iflag).volume / area_ + k_deep;
+    m_scene.place({x - 100.0, 0.0, k_deep}, rotation({0, 0, 1}, 0.0));
+    return m_scene.forces(time, iflag).volume / m_area + k_deep;
   }
-  HydroScene& scene() { return scene_; }
+  HydroScene& scene() { return m_scene; }
 
 private:
-  double area_;
-  HydroScene scene_;
+  double m_area;
+  HydroScene m_scene;
 };
 
 /// Tolerance: roundings of the probe's area, whose side is 1e-3 at coordinates of 100, times its depth.

@@ -15,9 +15,9 @@ class image {
 public:
   explicit image(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    bytes_.assign(std::istreambuf_iterator<char>(file), {});
-    header_ = at<Elf64_Ehdr>(0);
-    if (std::memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0 || header_.e_ident[EI_CLASS] != ELFCLASS64) {
+    m_bytes.assign(std::istreambuf_iterator<char>(file), {});
+    m_header = at<Elf64_Ehdr>(0);
+    if (std::memcmp(m_header.e_ident, ELFMAG, SELFMAG) != 0 || m_header.e_ident[EI_CLASS] != ELFCLASS64) {
       throw std::runtime_error(path + " is no 64-bit library");
     }
   }
@@ -25,25 +25,25 @@ public:
   template <class Record>
   Record at(std::size_t offset) const {
     Record record;
-    if (offset + sizeof record > bytes_.size()) throw std::runtime_error("a library cut short");
-    std::memcpy(&record, bytes_.data() + offset, sizeof record);
+    if (offset + sizeof record > m_bytes.size()) throw std::runtime_error("a library cut short");
+    std::memcpy(&record, m_bytes.data() + offset, sizeof record);
     return record;
   }
 
   std::string text(std::size_t offset) const {
-    if (offset >= bytes_.size()) throw std::runtime_error("a library cut short");
-    return bytes_.data() + offset;  // string tables end in a null
+    if (offset >= m_bytes.size()) throw std::runtime_error("a library cut short");
+    return m_bytes.data() + offset;  // string tables end in a null
   }
 
   /// The section of this type; the one it links to is its string table.
   Elf64_Shdr section(std::uint32_t type) const {
-    for (std::size_t k = 0; k < header_.e_shnum; ++k) {
+    for (std::size_t k = 0; k < m_header.e_shnum; ++k) {
       const Elf64_Shdr found = section_at(k);
       if (found.sh_type == type) return found;
     }
     throw std::runtime_error("a section is missing");
   }
-  Elf64_Shdr section_at(std::size_t k) const { return at<Elf64_Shdr>(header_.e_shoff + k * header_.e_shentsize); }
+  Elf64_Shdr section_at(std::size_t k) const { return at<Elf64_Shdr>(m_header.e_shoff + k * m_header.e_shentsize); }
 
   template <class Record, class Visit>
   void for_each(const Elf64_Shdr& section, Visit&& visit) const {
@@ -54,8 +54,8 @@ public:
   }
 
 private:
-  std::vector<char> bytes_;
-  Elf64_Ehdr header_;
+  std::vector<char> m_bytes;
+  Elf64_Ehdr m_header;
 };
 
 void add_symbol(elf_file& file, const Elf64_Sym& symbol, const std::string& name) {

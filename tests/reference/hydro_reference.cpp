@@ -70,30 +70,30 @@ void hull_element::patch_drag(const hull_part& part, hull_patch& patch, const fr
                               std::array<double, 3>& elevation, loads& sums) {
   const double exponent = part.par[18];
   for (std::size_t n = 0; n < 3; ++n) {
-    ++census_.corners;
+    ++m_census.corners;
     const v3& node = part.nodes[at(patch.nodes[n])];
     const v3 q = f.R * node + f.d;
-    if (q[0] < 0.0 || q[0] >= wave_.x[at(wave_.cols - 1)]) {
-      ++census_.off_table;
+    if (q[0] < 0.0 || q[0] >= m_wave.x[at(m_wave.cols - 1)]) {
+      ++m_census.off_table;
       return;
     }
     double eta = 0.0, wz = 0.0;
-    const int j = find_interval(wave_.x, wave_.cols, q[0]);
+    const int j = find_interval(m_wave.x, m_wave.cols, q[0]);
     if (j >= 0) {
-      eta = wave_value(wave_, wave_.elevation, w, j, q[0]);
-      wz = wave_value(wave_, wave_.velocity, w, j, q[0]);
+      eta = wave_value(m_wave, m_wave.elevation, w, j, q[0]);
+      wz = wave_value(m_wave, m_wave.velocity, w, j, q[0]);
       patch.wave_col[n] = j;
     } else {
-      ++census_.between_columns;
+      ++m_census.between_columns;
     }
     elevation[n] = eta;
     if (eta < q[2]) {
-      ++census_.dry;
+      ++m_census.dry;
       return;
     }
-    ++census_.wet;
-    const double cx = current_value(currents_.first, q[0], q[1], patch.current1_row[n]);
-    const double cy = current_value(currents_.second, q[0], q[1], patch.current2_row[n]);
+    ++m_census.wet;
+    const double cx = current_value(m_currents.first, q[0], q[1], patch.current1_row[n]);
+    const double cy = current_value(m_currents.second, q[0], q[1], patch.current2_row[n]);
     const v3 u = f.R * cross(f.omega_b, node) + f.v - v3{cx, cy, wz};
     const v3 g = f.A5 * u;
     const v3 m = f.A6 * patch.normal;
@@ -105,7 +105,7 @@ void hull_element::patch_drag(const hull_part& part, hull_patch& patch, const fr
       if (vn > 0.0) Fn[c] = (f.L2 / f.T2) * (-(m[c] * patch.area * f.Kn * vn * vn)) * f.L2 * f.Fr;
       Ft[c] = std::pow(f.Lr / f.Tr, exponent) * (-(t[c] * patch.area * f.Kt * std::pow(s, exponent)) * f.L2) * f.Fr;
     }
-    if (vn > 0.0) ++census_.normal_drag;
+    if (vn > 0.0) ++m_census.normal_drag;
     const v3 r = f.A6 * node + f.p6 - f.p4;
     const v3 F = Fn + Ft;
     sums.force = sums.force + F;
@@ -118,8 +118,8 @@ void hull_element::patch_drag(const hull_part& part, hull_patch& patch, const fr
 }
 
 std::vector<double> hull_element::call(void* handle, double time, const std::vector<double>& par, int iflag) {
-  if (element_par_.empty()) element_par_ = par;
-  hull_part& part = parts_[whole(par[0])];
+  if (m_element_par.empty()) m_element_par = par;
+  hull_part& part = m_parts[whole(par[0])];
   if (!part.set_up) part = set_up_part(par);
 
   const int M4 = whole(part.par[4]), M5 = whole(part.par[5]), M6 = whole(part.par[6]);
@@ -134,12 +134,13 @@ std::vector<double> hull_element::call(void* handle, double time, const std::vec
   f.v = ask_vector(handle, "TVEL", {M6, M5, M5});
   f.omega_b = transpose(f.A6) * ask_vector(handle, "RVEL", {M6});
 
-  const time_weights w = find_row(wave_, time_index_, time, iflag);
+  const time_weights w = find_row(m_wave, m_time_index, time, iflag);
 
-  f.Mr = 1.0 / unit_scale_[1], f.Lr = 1.0 / unit_scale_[0], f.Fr = 1.0 / unit_scale_[3], f.Tr = 1.0 / unit_scale_[2];
+  f.Mr = 1.0 / m_unit_scale[1], f.Lr = 1.0 / m_unit_scale[0], f.Fr = 1.0 / m_unit_scale[3],
+  f.Tr = 1.0 / m_unit_scale[2];
   f.L3 = f.Lr * f.Lr * f.Lr, f.L2 = f.Lr * f.Lr, f.T2 = f.Tr * f.Tr;
-  const double scale = part.par[12], density = element_par_[15], gravity = element_par_[16];
-  const double drag_scale = element_par_[19];
+  const double scale = part.par[12], density = m_element_par[15], gravity = m_element_par[16];
+  const double drag_scale = m_element_par[19];
   const double Kb = (f.Lr / f.T2) * (f.Mr / f.L3) * scale * density * gravity;
   f.Kn = (f.Mr / f.L3) * drag_scale * (density * scale * 0.5 / 3.0);
   f.Kt = (f.Mr / (f.Lr * f.Tr)) * drag_scale * (part.par[17] * scale / 3.0);
@@ -159,8 +160,9 @@ std::vector<double> hull_element::call(void* handle, double time, const std::vec
         q[n] = f.R * part.nodes[at(patch.nodes[n])] + f.d;
         above += q[n][2] > h ? 1 : 0;
       }
-      if (above == 1 || above == 2) ++census_.cut_patches;
-      const column_result column = water_column(wave_.x[0], wave_.x[at(wave_.cols - 1)], q, (f.R * patch.normal)[2], h);
+      if (above == 1 || above == 2) ++m_census.cut_patches;
+      const column_result column =
+          water_column(m_wave.x[0], m_wave.x[at(m_wave.cols - 1)], q, (f.R * patch.normal)[2], h);
       volume = volume + column.volume;
       moment = moment + column.moment;
       for (std::size_t c = 0; c < 3; ++c) {
@@ -185,10 +187,10 @@ std::vector<double> hull_element::call(void* handle, double time, const std::vec
   }
   result.push_back(volume);
   if (iflag == 2) {
-    mass_sum_ += part.par[9];
-    buoyancy_sum_ += magnitude;
-    mass_moment_ = mass_moment_ + part.par[9] * f.p4;
-    buoyancy_moment_ = buoyancy_moment_ + magnitude * centre;
+    m_mass_sum += part.par[9];
+    m_buoyancy_sum += magnitude;
+    m_mass_moment = m_mass_moment + part.par[9] * f.p4;
+    m_buoyancy_moment = m_buoyancy_moment + magnitude * centre;
   }
   return result;
 }
@@ -198,22 +200,22 @@ std::vector<double> hull_element::report(void* handle, const std::vector<double>
   std::vector<double> result(18 + 4 * at(points));
   massless = false;
   if (iflag == 1) return result;
-  if (mass_sum_ == 0.0) {
+  if (m_mass_sum == 0.0) {
     massless = true;
     return result;
   }
   const auto over = [](const v3& a, double s) { return v3{a[0] / s, a[1] / s, a[2] / s}; };
   const auto put = [&](std::size_t slot, const v3& a) { std::copy(a.begin(), a.end(), result.begin() + long(slot)); };
-  const v3 G = over(mass_moment_, mass_sum_);
+  const v3 G = over(m_mass_moment, m_mass_sum);
   v3 B = G, D{};
-  if (buoyancy_sum_ != 0.0) {
-    B = over(buoyancy_moment_, buoyancy_sum_);
+  if (m_buoyancy_sum != 0.0) {
+    B = over(m_buoyancy_moment, m_buoyancy_sum);
     D = B - G;
   }
-  result[0] = buoyancy_sum_;
+  result[0] = m_buoyancy_sum;
   put(1, B);
-  mass_moment_ = buoyancy_moment_ = {};
-  mass_sum_ = buoyancy_sum_ = 0.0;
+  m_mass_moment = m_buoyancy_moment = {};
+  m_mass_sum = m_buoyancy_sum = 0.0;
 
   const m33 Ab = ask_axes(handle, whole(par[2])), Aw = ask_axes(handle, whole(par[3]));
   const v3 z = column(Aw, 2);

@@ -77,16 +77,16 @@ struct hull_census {
 class hull_element {
 public:
   hull_element(const wave_file& wave, const current_file& currents, const std::array<double, 5>& unit_scale)
-      : wave_(wave), currents_(currents), unit_scale_(unit_scale) {}
+      : m_wave(wave), m_currents(currents), m_unit_scale(unit_scale) {}
 
   /// Returns 34 results.
   std::vector<double> call(void* handle, double time, const std::vector<double>& par, int iflag);
   /// Returns 18 + 4K results for K check points. `massless` tells that there was nothing to report.
   std::vector<double> report(void* handle, const std::vector<double>& par, int iflag, bool& massless);
 
-  const hull_census& census() const { return census_; }
-  const hull_part& part(int sub) { return parts_[sub]; }
-  int time_index() const { return time_index_; }
+  const hull_census& census() const { return m_census; }
+  const hull_part& part(int sub) { return m_parts[sub]; }
+  int time_index() const { return m_time_index; }
 
 private:
   struct frames;
@@ -94,15 +94,15 @@ private:
   void patch_drag(const hull_part& part, hull_patch& patch, const frames& f, const time_weights& w,
                   std::array<double, 3>& elevation, loads& sums);
 
-  wave_file wave_;
-  current_file currents_;
-  std::array<double, 5> unit_scale_;
-  std::vector<double> element_par_;
-  std::map<int, hull_part> parts_;
-  int time_index_ = 0;
-  double mass_sum_ = 0.0, buoyancy_sum_ = 0.0;
-  v3 mass_moment_{}, buoyancy_moment_{};
-  hull_census census_;
+  wave_file m_wave;
+  current_file m_currents;
+  std::array<double, 5> m_unit_scale;
+  std::vector<double> m_element_par;
+  std::map<int, hull_part> m_parts;
+  int m_time_index = 0;
+  double m_mass_sum = 0.0, m_buoyancy_sum = 0.0;
+  v3 m_mass_moment{}, m_buoyancy_moment{};
+  hull_census m_census;
 };
 
 hull_part set_up_part(const std::vector<double>& par);

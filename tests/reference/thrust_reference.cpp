@@ -16,23 +16,23 @@ double ask_scalar(void* handle, const char* name, double id) {
 }  // namespace
 
 bool thruster::out_of_water(void* handle, double time, int iflag) {
-  const v3 p = ask_vector(handle, "TDISP", {thrust_marker_, water_marker_, water_marker_});
-  const time_weights w = find_row(wave_, time_index_, time, iflag);
-  bool out = p[0] < 0.0 || p[0] >= wave_.x[static_cast<std::size_t>(wave_.cols - 1)];
+  const v3 p = ask_vector(handle, "TDISP", {m_thrust_marker, m_water_marker, m_water_marker});
+  const time_weights w = find_row(m_wave, m_time_index, time, iflag);
+  bool out = p[0] < 0.0 || p[0] >= m_wave.x[static_cast<std::size_t>(m_wave.cols - 1)];
   double eta = 0.0;
-  const int j = find_interval(wave_.x, wave_.cols, p[0]);
-  if (j >= 0) eta = wave_value(wave_, wave_.elevation, w, j, p[0]);
+  const int j = find_interval(m_wave.x, m_wave.cols, p[0]);
+  if (j >= 0) eta = wave_value(m_wave, m_wave.elevation, w, j, p[0]);
   if (eta < p[2]) out = true;
   return out;
 }
 
 std::array<double, 6> thruster::call(void* handle, double time, const std::vector<double>& par, int iflag) {
   const bool in_waves = static_cast<int>(par[13]) == 1;
-  if (!set_up_) {
-    set_up_ = true;
+  if (!m_set_up) {
+    m_set_up = true;
     if (in_waves) {
-      thrust_marker_ = static_cast<int>(par[2]);
-      water_marker_ = static_cast<int>(par[5]);
+      m_thrust_marker = static_cast<int>(par[2]);
+      m_water_marker = static_cast<int>(par[5]);
     }
   }
   const double v = ask_scalar(handle, "VARVAL", par[8]);

@@ -8,20 +8,20 @@ namespace qvref {
 
 class thruster {
 public:
-  explicit thruster(const wave_file& wave) : wave_(wave) {}
+  explicit thruster(const wave_file& wave) : m_wave(wave) {}
 
   /// Returns 6 results. The markers are those of the first call, if that has the wave switch on.
   std::array<double, 6> call(void* handle, double time, const std::vector<double>& par, int iflag);
 
-  int time_index() const { return time_index_; }
+  int time_index() const { return m_time_index; }
 
 private:
   bool out_of_water(void* handle, double time, int iflag);
 
-  wave_file wave_;
-  bool set_up_ = false;
-  int thrust_marker_ = 0, water_marker_ = 0;
-  int time_index_ = 0;
+  wave_file m_wave;
+  bool m_set_up = false;
+  int m_thrust_marker = 0, m_water_marker = 0;
+  int m_time_index = 0;
 };
 
 double velocity_error(void* handle, const std::vector<double>& par);

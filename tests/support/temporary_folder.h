@@ -14,16 +14,16 @@ public:
   TemporaryFolder() {
     std::string name = (std::filesystem::temp_directory_path() / "qvbrisk-test-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = name;
+    m_folder = name;
   }
   ~TemporaryFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    std::filesystem::remove_all(m_folder, ignored);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string path(const std::string& name) const { return (m_folder / name).string(); }
   std::wstring wide_path(const std::string& name) const {
     const std::string narrow = path(name);
     return {narrow.begin(), narrow.end()};
@@ -36,7 +36,7 @@ public:
   }
 
 private:
-  std::filesystem::path folder_;
+  std::filesystem::path m_folder;
 };
 
 /// A file in a folder of this process, which goes when the process ends.

@@ -19,13 +19,13 @@ const std::string k_prefix = "THRUST FORCE ERROR : ";
 /// While an object of this class lives, the thrust module is as before the first call of a process.
 class empty_thrust_module {
 public:
-  empty_thrust_module() { kept_.swap(qvthrust::gp_Wave); }
-  ~empty_thrust_module() { kept_.swap(qvthrust::gp_Wave); }
+  empty_thrust_module() { m_kept.swap(qvthrust::gp_Wave); }
+  ~empty_thrust_module() { m_kept.swap(qvthrust::gp_Wave); }
   empty_thrust_module(const empty_thrust_module&) = delete;
   empty_thrust_module& operator=(const empty_thrust_module&) = delete;
 
 private:
-  std::vector<qvthrust::CWave> kept_;
+  std::vector<qvthrust::CWave> m_kept;
 };
 
 std::vector<double> call_with(ThrustScene& scene, std::size_t parameter, double value, int iflag = 0) {

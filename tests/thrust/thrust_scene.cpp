@@ -48,14 +48,14 @@ void ThrustScene::set_equation(double value, double rate, double second) {
 }
 
 const std::vector<double>& ThrustScene::call(double time, int iflag) {
-  result_.assign(QV_THRUST_RESULT_LENGTH + 1, k_poison);
+  m_result.assign(QV_THRUST_RESULT_LENGTH + 1, k_poison);
   std::vector<double> par = parameters.list();
-  qvsoil_thrustforce(host.handle(), time, par.data(), -1, 7, iflag, result_.data());
+  qvsoil_thrustforce(host.handle(), time, par.data(), -1, 7, iflag, m_result.data());
   EXPECT_EQ(first_difference(par, parameters.list()), -1) << "the parameter list is the host's";
-  EXPECT_EQ(result_.back(), k_poison) << "written behind the result";
+  EXPECT_EQ(m_result.back(), k_poison) << "written behind the result";
   EXPECT_EQ(host.unanswered, 0);
-  result_.pop_back();
-  return result_;
+  m_result.pop_back();
+  return m_result;
 }
 
 double ThrustScene::thrust(double time, int iflag) {

@@ -39,7 +39,7 @@ public:
   std::string wave_file() const;
 
 private:
-  std::vector<double> result_;
+  std::vector<double> m_result;
 };
 
 /// Calls and returns the velocity error. Only one number may be written.

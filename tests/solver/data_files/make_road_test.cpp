@@ -180,16 +180,16 @@ TEST(MakeRoad, SettingsLineIsARemarkToReadersAndShorterThanTheirLimit) {
 class RoadFile : public testing::Test {
 protected:
   void SetUp() override {
-    folder_ = fs::path(testing::TempDir()) /
+    m_folder = fs::path(testing::TempDir()) /
               ("road_file_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
+    fs::remove_all(m_folder);
+    fs::create_directories(m_folder);
   }
-  fs::path folder_;
+  fs::path m_folder;
 };
 
 TEST_F(RoadFile, KnowsWhetherItWasMadeWithTheseSettings) {
-  const std::string path = (folder_ / "a.rdf").string();
+  const std::string path = (m_folder / "a.rdf").string();
   RoadSettings s = settings(RoadKind::rolling);
   EXPECT_EQ(qvslv::road_file_state(path, s), qvslv::RoadFileState::missing);
   qvslv::write_road_file(s, path);
@@ -201,15 +201,15 @@ TEST_F(RoadFile, KnowsWhetherItWasMadeWithTheseSettings) {
 }
 
 TEST_F(RoadFile, AppearsWholeAndLeavesNothingElseBehind) {
-  qvslv::write_road_file(settings(RoadKind::flat), (folder_ / "a.rdf").string());
+  qvslv::write_road_file(settings(RoadKind::flat), (m_folder / "a.rdf").string());
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename().string());
+  for (const auto& entry : fs::directory_iterator(m_folder)) names.push_back(entry.path().filename().string());
   EXPECT_EQ(names, std::vector<std::string>{"a.rdf"});
 }
 
 TEST_F(RoadFile, CannotBeWrittenIntoAFolderThatIsNotThere) {
   try {
-    qvslv::write_road_file(settings(RoadKind::flat), (folder_ / "none" / "a.rdf").string());
+    qvslv::write_road_file(settings(RoadKind::flat), (m_folder / "none" / "a.rdf").string());
     FAIL() << "written";
   } catch (const std::runtime_error& error) {
     EXPECT_NE(std::string(error.what()).find("No such file or directory"), std::string::npos) << error.what();

@@ -184,10 +184,10 @@ TEST(MakeWave, StillWaterIsTwoRowsOfTwoZeros) {
 class WaveFileOnDisk : public testing::Test {
 protected:
   std::string made(const WaveSettings& settings) const {
-    qvslv::write_wave_file(settings, folder_.path("sea.wave"));
-    return folder_.path("sea.wave");
+    qvslv::write_wave_file(settings, m_folder.path("sea.wave"));
+    return m_folder.path("sea.wave");
   }
-  qvtest::TemporaryFolder folder_;
+  qvtest::TemporaryFolder m_folder;
 };
 
 TEST_F(WaveFileOnDisk, IsReadByTheLibraryToTheDigitsThatWereWritten) {
@@ -250,29 +250,29 @@ TEST_F(WaveFileOnDisk, OfStillWaterIsOutdatedByAnotherExtentOrDurationOnly) {
 
 TEST_F(WaveFileOnDisk, KnowsWhetherItWasMadeWithTheseSettings) {
   WaveSettings s = small_sea(WaveKind::jonswap);
-  const std::string path = folder_.path("sea.wave");
+  const std::string path = m_folder.path("sea.wave");
   EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::missing);
   made(s);
   EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::current);
   s.gamma = 5;
   EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
-  folder_.write("sea.wave", "1,1\n0\n0,0,0\n");
+  m_folder.write("sea.wave", "1,1\n0\n0,0,0\n");
   EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::foreign);
-  folder_.write("sea.wave", "");
+  m_folder.write("sea.wave", "");
   EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::foreign);
 }
 
 TEST_F(WaveFileOnDisk, AppearsWholeAndLeavesNothingElseBehind) {
   made(qvslv::completed(regular()));
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_.path("")))
+  for (const auto& entry : std::filesystem::directory_iterator(m_folder.path("")))
     names.push_back(entry.path().filename().string());
   EXPECT_EQ(names, std::vector<std::string>{"sea.wave"});
 }
 
 TEST_F(WaveFileOnDisk, CannotBeWrittenIntoAFolderThatIsNotThere) {
   try {
-    qvslv::write_wave_file(qvslv::completed(regular()), folder_.path("none/sea.wave"));
+    qvslv::write_wave_file(qvslv::completed(regular()), m_folder.path("none/sea.wave"));
     FAIL() << "written";
   } catch (const std::runtime_error& error) {
     EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
