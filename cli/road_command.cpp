@@ -30,6 +30,7 @@ struct RoadRequest {
   std::string soil = "dry_sand";
   std::vector<double> n, kc, kphi, cohesion, friction_angle, shear_displacement, sensitivity, damp_ratio,
       boundary_sinkage;
+  std::vector<double> shear_modulus;  ///< former name of shear_displacement
 };
 
 void take_unit(qvslv::UnitQuantity quantity, const std::string& text, std::string& name, double& factor) {
@@ -57,6 +58,9 @@ void take_soil(const RoadRequest& request, qvslv::RoadSettings& settings) {
   replace(request.kphi, soil.frictional_coeff);
   replace(request.cohesion, soil.cohesion);
   replace(request.friction_angle, soil.friction_angle);
+  if (!request.shear_displacement.empty() && !request.shear_modulus.empty())
+    throw UsageError("give either --shear-displacement or --shear-modulus, its former name, not both");
+  replace(request.shear_modulus, soil.shear_displacement);
   replace(request.shear_displacement, soil.shear_displacement);
   replace(request.sensitivity, soil.sensitivity);
   replace(request.damp_ratio, soil.damp_ratio);
@@ -127,10 +131,9 @@ void add_soil_options(CLI::App* road, RoadRequest& request) {
   value("--kphi", request.kphi, "Frictional modulus [force/length^(n+2)]");
   value("--cohesion", request.cohesion, "Cohesion [force/length^2]");
   value("--friction-angle", request.friction_angle, "Friction angle [degrees]");
-  CLI::Option* const displacement =
-      value("--shear-displacement", request.shear_displacement, "Shear displacement at full strength, K [length]");
-  // The option's former name is still read, and left out of the help because K is no modulus.
-  value("--shear-modulus", request.shear_displacement, "As --shear-displacement")->group("")->excludes(displacement);
+  value("--shear-displacement", request.shear_displacement, "Shear displacement at full strength, K [length]");
+  // The option's former name is still read, but the help leaves it out because K is no modulus.
+  value("--shear-modulus", request.shear_modulus, "As --shear-displacement")->group("");
   value("--sensitivity", request.sensitivity, "Full strength over the strength after long slip [-]");
   value("--damp-ratio", request.damp_ratio, "Damping per unit of stiffness [time]");
   value("--boundary-sinkage", request.boundary_sinkage, "Depth from which the damping is full [length]");
