@@ -27,7 +27,7 @@ void add_columns(const ResultSlot& slot, int first, const std::string& owner, co
 /// What the results of one round belong to: a ball's body, else a check point by its number.
 std::string owner_of(const Element& element, int round, const Model& model) {
   if (element.subroutine != "qvballplacing_report") return "point_" + std::to_string(round);
-  const int body = body_with_id(model, element.par[QV_BALLS_LENGTH + static_cast<size_t>(round)]);
+  const int body = find_body(model, static_cast<int>(element.par[QV_BALLS_LENGTH + static_cast<size_t>(round)]));
   return body == k_none ? "ball_" + std::to_string(round) : model.bodies[static_cast<size_t>(body)].name;
 }
 
@@ -55,18 +55,7 @@ ContactPoints contact_points(const SubroutineLayout& layout, int result_length) 
   return {first, (result_length - first) / repeated_result_length(layout)};
 }
 
-template <class Entities>
-int index_of_id(const Entities& entities, double id) {
-  for (size_t i = 0; i < entities.size(); ++i)
-    if (entities[i].id == static_cast<int>(id)) return static_cast<int>(i);
-  return k_none;
-}
-
 }  // namespace
-
-int marker_with_id(const Model& model, double id) { return index_of_id(model.markers, id); }
-
-int body_with_id(const Model& model, double id) { return index_of_id(model.bodies, id); }
 
 double marker_id(const Model& model, int marker) { return model.markers[static_cast<size_t>(marker)].id; }
 
@@ -84,7 +73,7 @@ void set_defaults(Element& element, const Model& model) {
   if (element.columns.empty()) element.columns = default_columns(element, model);
   if (layout == nullptr) return;
   const auto marker_in_par = [&](int position, int otherwise) {
-    return position < 0 ? otherwise : marker_with_id(model, element.par[static_cast<size_t>(position)]);
+    return position < 0 ? otherwise : find_marker(model, static_cast<int>(element.par[static_cast<size_t>(position)]));
   };
   element.points = contact_points(*layout, element.result_length);
   if (element.marker == k_none) element.marker = marker_in_par(layout->marker_par, k_none);

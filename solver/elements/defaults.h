@@ -14,10 +14,6 @@ void set_defaults(Element& element, const Model& model);
 /// Columns of an element's result, names and units: those of its layout, or one per value of an unknown subroutine.
 std::vector<ResultColumn> default_columns(const Element& element, const Model& model);
 
-/// Index of the marker or body with an id as `par` has it, or k_none.
-int marker_with_id(const Model& model, double id);
-int body_with_id(const Model& model, double id);
-
 /// Id of a marker, as `par` has it.
 double marker_id(const Model& model, int marker);
 

@@ -26,4 +26,19 @@ std::string placed(const FilePosition& at, const std::string& text) {
 ModelError::ModelError(const FilePosition& where, const std::string& what)
     : std::runtime_error(placed(where, what)), at(where), text(what) {}
 
+namespace {
+
+template <class Entities>
+int index_of_id(const Entities& entities, int id) {
+  for (size_t i = 0; i < entities.size(); ++i)
+    if (entities[i].id == id) return static_cast<int>(i);
+  return k_none;
+}
+
+}  // namespace
+
+int find_marker(const Model& model, int id) { return index_of_id(model.markers, id); }
+
+int find_body(const Model& model, int id) { return index_of_id(model.bodies, id); }
+
 }  // namespace qvslv

@@ -238,4 +238,10 @@ struct Model {
   std::vector<Element> elements;  ///< in file order
 };
 
+/// Index into Model::markers of the marker with an id, k_none if no marker has it. A body's id is also that of the
+/// marker on its centre of mass.
+int find_marker(const Model& model, int id);
+/// Index into Model::bodies of the body with an id, k_none if no body has it.
+int find_body(const Model& model, int id);
+
 }  // namespace qvslv

@@ -22,6 +22,17 @@ ParSlot par_slot(ParKind kind, const std::string& unit, const std::string& meani
 #define QV_RESULTS(list) \
   { list(QV_RESULT_SLOT, ) }
 
+/// A subroutine whose parameters and results are fixed, or those that begin its lists.
+SubroutineLayout layout_of(const char* name, ElementKind kind, std::vector<ParSlot> par,
+                           std::vector<ResultSlot> results) {
+  SubroutineLayout layout;
+  layout.name = name;
+  layout.kind = kind;
+  layout.fixed_par = std::move(par);
+  layout.fixed_results = std::move(results);
+  return layout;
+}
+
 int count_in(const std::vector<double>& par, size_t position) {
   constexpr double k_most = 1e7;
   if (position >= par.size()) return 0;
@@ -38,11 +49,8 @@ int count_at(const std::vector<double>& par) {
 int once(const std::vector<double>&) { return 1; }
 
 SubroutineLayout soil_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_interaction";
-  layout.kind = ElementKind::force;
-  layout.fixed_par = QV_PAR(QV_SOIL_PAR);
-  layout.fixed_results = QV_RESULTS(QV_SOIL_RESULTS);
+  SubroutineLayout layout =
+      layout_of("qvsoil_interaction", ElementKind::force, QV_PAR(QV_SOIL_PAR), QV_RESULTS(QV_SOIL_RESULTS));
   layout.repeated_results = {QV_SOIL_RESULT_LENGTH, "8k", "k", QV_RESULTS(QV_SOIL_POINT_RESULTS), [](const auto& par) {
                                const double points = static_cast<double>(count_in(par, QV_SOIL_POINTS_ALONG)) *
                                                      count_in(par, QV_SOIL_POINTS_ACROSS);
@@ -56,14 +64,6 @@ SubroutineLayout soil_layout() {
   return layout;
 }
 
-SubroutineLayout soil_sum_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_interaction_Sum";
-  layout.fixed_par = QV_PAR(QV_SOIL_SUM_PAR);
-  layout.fixed_results = QV_RESULTS(QV_SOIL_SUM_RESULTS);
-  return layout;
-}
-
 /// Spans share the points over their common node.
 int track_points(const std::vector<double>& par) {
   const double along = count_in(par, QV_TRACK_POINTS_ALONG), nodes = count_in(par, QV_TRACK_NODE_COUNT);
@@ -72,12 +72,9 @@ int track_points(const std::vector<double>& par) {
 }
 
 SubroutineLayout track_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_interaction_mtl";
-  layout.kind = ElementKind::evaluated;
-  layout.fixed_par = QV_PAR(QV_TRACK_PAR);
+  SubroutineLayout layout =
+      layout_of("qvsoil_interaction_mtl", ElementKind::evaluated, QV_PAR(QV_TRACK_PAR), QV_RESULTS(QV_TRACK_RESULTS));
   layout.repeated_par = {{QV_TRACK_LENGTH, "2i", "i", QV_PAR(QV_TRACK_NODE_PAR), count_at<QV_TRACK_NODE_COUNT>}};
-  layout.fixed_results = QV_RESULTS(QV_TRACK_RESULTS);
   layout.repeated_results = {QV_TRACK_RESULT_LENGTH, "8p", "p", QV_RESULTS(QV_TRACK_POINT_RESULTS), track_points};
   layout.marker_par = QV_TRACK_MARKER_I;
   layout.axes_par = QV_TRACK_MARKER_R;
@@ -87,48 +84,14 @@ SubroutineLayout track_layout() {
   return layout;
 }
 
-SubroutineLayout track_eom_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_mtl_eom";
-  layout.fixed_par = QV_PAR(QV_TRACK_EOM_PAR);
-  layout.fixed_results = QV_RESULTS(QV_TRACK_EOM_RESULTS);
-  return layout;
-}
-
 SubroutineLayout track_velocity_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_mtl_velocity";
-  layout.fixed_par = QV_PAR(QV_TRACK_VELOCITY_PAR);
+  SubroutineLayout layout = layout_of("qvsoil_mtl_velocity", ElementKind::report, QV_PAR(QV_TRACK_VELOCITY_PAR),
+                                      QV_RESULTS(QV_TRACK_VELOCITY_RESULTS));
   // The value is that of a variable, the derivative that of an equation.
   layout.decide = [](const std::vector<double>& par, std::vector<ParSlot>& slots) {
     const double mode = par[QV_TRACK_VELOCITY_MODE];
     if (mode >= 1 && mode < 2) slots[QV_TRACK_VELOCITY_SOURCE].kind = ParKind::variable;
   };
-  layout.fixed_results = QV_RESULTS(QV_TRACK_VELOCITY_RESULTS);
-  return layout;
-}
-
-SubroutineLayout track_shear_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_shearforce_mtl";
-  layout.fixed_par = QV_PAR(QV_TRACK_SHEAR_PAR);
-  layout.fixed_results = QV_RESULTS(QV_TRACK_SHARE_RESULTS);
-  return layout;
-}
-
-SubroutineLayout track_normal_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_normalforce_mtl";
-  layout.fixed_par = QV_PAR(QV_TRACK_NORMAL_PAR);
-  layout.fixed_results = QV_RESULTS(QV_TRACK_SHARE_RESULTS);
-  return layout;
-}
-
-SubroutineLayout track_sum_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_interaction_mtl_sum";
-  layout.fixed_par = QV_PAR(QV_TRACK_SUM_PAR);
-  layout.fixed_results = QV_RESULTS(QV_TRACK_SUM_RESULTS);
   return layout;
 }
 
@@ -139,25 +102,20 @@ int hull_patches(const std::vector<double>& par) {
 }
 
 SubroutineLayout hull_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvhydro_force";
-  layout.kind = ElementKind::force;
-  layout.fixed_par = QV_PAR(QV_HULL_PAR);
+  SubroutineLayout layout =
+      layout_of("qvhydro_force", ElementKind::force, QV_PAR(QV_HULL_PAR), QV_RESULTS(QV_HULL_RESULTS));
   layout.repeated_par = {{QV_HULL_LENGTH, "3i", "i", QV_PAR(QV_HULL_NODE_PAR), count_at<QV_HULL_NODE_COUNT>},
                          {QV_HULL_LENGTH, "3N", "", QV_PAR(QV_HULL_PATCH_COUNT_PAR), once},
                          {QV_HULL_LENGTH + 1, "3N + 3p", "p", QV_PAR(QV_HULL_PATCH_PAR), hull_patches}};
-  layout.fixed_results = QV_RESULTS(QV_HULL_RESULTS);
   layout.marker_par = QV_HULL_FORCE_MARKER;
   return layout;
 }
 
 SubroutineLayout hull_report_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvhydro_report";
-  layout.fixed_par = QV_PAR(QV_HULL_REPORT_PAR);
+  SubroutineLayout layout =
+      layout_of("qvhydro_report", ElementKind::report, QV_PAR(QV_HULL_REPORT_PAR), QV_RESULTS(QV_HULL_REPORT_RESULTS));
   layout.repeated_par = {
       {QV_HULL_REPORT_LENGTH, "i", "i", QV_PAR(QV_HULL_REPORT_POINT_PAR), count_at<QV_HULL_REPORT_POINT_COUNT>}};
-  layout.fixed_results = QV_RESULTS(QV_HULL_REPORT_RESULTS);
   layout.repeated_results = {QV_HULL_REPORT_RESULT_LENGTH, "4i", "i", QV_RESULTS(QV_HULL_REPORT_POINT_RESULTS),
                              count_at<QV_HULL_REPORT_POINT_COUNT>};
   return layout;
@@ -172,21 +130,10 @@ void decide_thrust_slots(const std::vector<double>& par, std::vector<ParSlot>& s
 }
 
 SubroutineLayout thrust_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_thrustforce";
-  layout.kind = ElementKind::force;
-  layout.fixed_par = QV_PAR(QV_THRUST_PAR);
+  SubroutineLayout layout =
+      layout_of("qvsoil_thrustforce", ElementKind::force, QV_PAR(QV_THRUST_PAR), QV_RESULTS(QV_THRUST_RESULTS));
   layout.decide = decide_thrust_slots;
-  layout.fixed_results = QV_RESULTS(QV_THRUST_RESULTS);
   layout.marker_par = layout.axes_par = QV_THRUST_THRUST_MARKER;
-  return layout;
-}
-
-SubroutineLayout speed_error_layout() {
-  SubroutineLayout layout;
-  layout.name = "qvsoil_error_velocity";
-  layout.fixed_par = QV_PAR(QV_SPEED_ERROR_PAR);
-  layout.fixed_results = QV_RESULTS(QV_SPEED_ERROR_RESULTS);
   return layout;
 }
 
@@ -199,11 +146,6 @@ SubroutineLayout balls_layout() {
   layout.repeated_results = {0, "3i", "i", QV_RESULTS(QV_BALL_RESULTS), count_at<QV_BALLS_BALL_COUNT>};
   return layout;
 }
-
-#undef QV_PAR_SLOT
-#undef QV_RESULT_SLOT
-#undef QV_PAR
-#undef QV_RESULTS
 
 bool is_word(const std::string& text, size_t at, size_t length) {
   const auto letter = [&](size_t k) {
@@ -254,9 +196,25 @@ std::string unit_of(ResultQuantity quantity, const UnitSymbols& units) {
 
 const std::vector<SubroutineLayout>& subroutine_layouts() {
   static const std::vector<SubroutineLayout> layouts = {
-      balls_layout(),          hull_layout(),        hull_report_layout(),  track_layout(),     track_eom_layout(),
-      track_velocity_layout(), track_shear_layout(), track_normal_layout(), track_sum_layout(), soil_layout(),
-      soil_sum_layout(),       speed_error_layout(), thrust_layout()};
+      balls_layout(),
+      hull_layout(),
+      hull_report_layout(),
+      track_layout(),
+      layout_of("qvsoil_mtl_eom", ElementKind::report, QV_PAR(QV_TRACK_EOM_PAR), QV_RESULTS(QV_TRACK_EOM_RESULTS)),
+      track_velocity_layout(),
+      layout_of("qvsoil_shearforce_mtl", ElementKind::report, QV_PAR(QV_TRACK_SHEAR_PAR),
+                QV_RESULTS(QV_TRACK_SHARE_RESULTS)),
+      layout_of("qvsoil_normalforce_mtl", ElementKind::report, QV_PAR(QV_TRACK_NORMAL_PAR),
+                QV_RESULTS(QV_TRACK_SHARE_RESULTS)),
+      layout_of("qvsoil_interaction_mtl_sum", ElementKind::report, QV_PAR(QV_TRACK_SUM_PAR),
+                QV_RESULTS(QV_TRACK_SUM_RESULTS)),
+      soil_layout(),
+      layout_of("qvsoil_interaction_Sum", ElementKind::report, QV_PAR(QV_SOIL_SUM_PAR),
+                QV_RESULTS(QV_SOIL_SUM_RESULTS)),
+      layout_of("qvsoil_error_velocity", ElementKind::report, QV_PAR(QV_SPEED_ERROR_PAR),
+                QV_RESULTS(QV_SPEED_ERROR_RESULTS)),
+      thrust_layout(),
+  };
   return layouts;
 }
 
@@ -300,5 +258,10 @@ std::string layout_text(const std::vector<ParSlot>& slots) {
   if (slots.size() > k_shown) text += "\n  ... up to par[" + std::to_string(slots.size() - 1) + "]";
   return text;
 }
+
+#undef QV_PAR_SLOT
+#undef QV_RESULT_SLOT
+#undef QV_PAR
+#undef QV_RESULTS
 
 }  // namespace qvslv

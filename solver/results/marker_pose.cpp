@@ -73,11 +73,4 @@ Vec3 to_marker(const MarkerPose& pose, const Vec3& point) {
   return out;
 }
 
-int find_marker(const Model& model, int id) {
-  for (size_t k = 0; k < model.markers.size(); ++k) {
-    if (model.markers[k].id == id) return static_cast<int>(k);
-  }
-  return k_none;
-}
-
 }  // namespace qvslv

@@ -33,8 +33,4 @@ Vec3 to_ground(const MarkerPose& pose, const Vec3& point);
 /// A point of the ground's frame, expressed in the marker's frame.
 Vec3 to_marker(const MarkerPose& pose, const Vec3& point);
 
-/// Index into Model::markers of the marker with this id; k_none if there is none. The id of a body is also that of a
-/// marker at its centre of mass.
-int find_marker(const Model& model, int id);
-
 }  // namespace qvslv
