@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "tests/cli/process.h"
 
@@ -9,8 +13,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The examples. Each has a folder of its name and is run by a test below, or by several.
+constexpr char k_ball_drop[] = "ball_drop";
+constexpr char k_barge_in_waves[] = "barge_in_waves";
+constexpr char k_boat_with_thruster[] = "boat_with_thruster";
+constexpr char k_capsize_test[] = "capsize_test";
+constexpr char k_plate_sinkage[] = "plate_sinkage";
+constexpr char k_track_drawbar[] = "track_drawbar";
+constexpr char k_tracked_vehicle[] = "tracked_vehicle";
+constexpr char k_wheel_on_soil[] = "wheel_on_soil";
+
+/// The examples that a test of this file runs, filled before the first test starts.
+std::set<std::string>& examples_with_a_test() {
+  static std::set<std::string> examples;
+  return examples;
+}
+
+/// A call of results_of for an example enters it into examples_with_a_test, even if the call is in another test.
+template <const char* example>
+const bool is_entered = examples_with_a_test().insert(example).second;
+
 /// Runs a copy of an example (it makes its roads and waves beside the model) and hands over its table.
-ResultTable results_of(const std::string& example, const std::vector<std::string>& more = {}) {
+template <const char* example>
+ResultTable results_of(const std::vector<std::string>& more = {}) {
+  EXPECT_TRUE(is_entered<example>);
   const fs::path folder = fresh_folder();
   fs::copy(fs::path(QVBRISK_EXAMPLES) / example / "model.toml", folder / "model.toml");
   std::vector<std::string> arguments = {"run", "model.toml", "--out", "results"};
@@ -18,6 +44,14 @@ ResultTable results_of(const std::string& example, const std::vector<std::string
   const CommandResult result = run_command(arguments, folder);
   EXPECT_EQ(result.code, 0) << result.err;
   return ResultTable(folder / "results/results.csv");
+}
+
+TEST(Example, EveryFolderOfExamplesIsRunByATest) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(QVBRISK_EXAMPLES)) {
+    if (!entry.is_directory()) continue;
+    const std::string folder = entry.path().filename().string();
+    EXPECT_EQ(examples_with_a_test().count(folder), 1u) << "no test runs examples/" << folder;
+  }
 }
 
 double mean_from(const std::vector<double>& time, const std::vector<double>& values, double from) {
@@ -32,7 +66,7 @@ double mean_from(const std::vector<double>& time, const std::vector<double>& val
 }
 
 TEST(Example, PlatesFollowBekkersLawToFiveDigits) {
-  const ResultTable table = results_of("plate_sinkage");
+  const ResultTable table = results_of<k_plate_sinkage>();
   // Soil of the example, and its plates [SI]; the damping of a slow press is part of the law.
   constexpr double kc = 52530, kphi = 1.12797e6, n = 0.9, speed = 0.01, damp_ratio = 0.01, boundary_sinkage = 0.05;
   for (const auto& [name, width] : {std::pair<std::string, double>{"narrow", 0.05}, {"wide", 0.20}}) {
@@ -47,7 +81,7 @@ TEST(Example, PlatesFollowBekkersLawToFiveDigits) {
 }
 
 TEST(Example, WheelCarriesItsLoadPullsItsTrailerAndDrivesOn) {
-  const ResultTable table = results_of("wheel_on_soil");
+  const ResultTable table = results_of<k_wheel_on_soil>();
   const std::vector<double>& time = table["time [s]"];
   const std::vector<double>& x = table["wheel.x [m]"];
   const std::vector<double>& speed = table["wheel.vx [m/s]"];
@@ -74,7 +108,7 @@ TEST(Example, WheelCarriesItsLoadPullsItsTrailerAndDrivesOn) {
 }
 
 TEST(Example, BallsFallAndSpinWithTheEnergiesOfRigidSpheres) {
-  const ResultTable table = results_of("ball_drop");
+  const ResultTable table = results_of<k_ball_drop>();
   constexpr double k_density = 7850, k_g = 9.81, k_pi = 3.141592653589793;
   struct ball_case {
     const char* name;
@@ -112,7 +146,7 @@ size_t row_at(const std::vector<double>& time, double t) {
 }
 
 TEST(Example, BargeFloatsOnTheMeanAndItsLineHoldsTheDrag) {
-  const ResultTable table = results_of("barge_in_waves");
+  const ResultTable table = results_of<k_barge_in_waves>();
   const std::vector<double>&time = table["time [s]"], &line = table["line_force"];
   constexpr double k_mass = 234 * 1025.0, k_weight = k_mass * 9.81, k_grown = 15;  // [kg] [N] [s]
   const size_t first = row_at(time, k_grown);
@@ -141,7 +175,7 @@ TEST(Example, BargeFloatsOnTheMeanAndItsLineHoldsTheDrag) {
 // Pressure on the raked bow, friction on bottom and sides: the example's page does the sum. The waterline runs through
 // patches, whose upper corners have no drag: a few per cent.
 TEST(Example, BargeInCalmWaterPullsAtItsLineWithTheDragOfTheCurrent) {
-  const ResultTable table = results_of("barge_in_waves", {"--set", "wave.sea.Hs=0.001"});
+  const ResultTable table = results_of<k_barge_in_waves>({"--set", "wave.sea.Hs=0.001"});
   constexpr double k_rho = 1025, k_stream = 0.8, k_friction = 0.5 * k_rho * 0.004;
   const double along_normal = 0.6 * k_stream;
   const double drag =
@@ -151,7 +185,7 @@ TEST(Example, BargeInCalmWaterPullsAtItsLineWithTheDragOfTheCurrent) {
 }
 
 TEST(Example, BoatKeepsItsSpeedAndLosesItsThrustOutOfTheWater) {
-  const ResultTable table = results_of("boat_with_thruster");
+  const ResultTable table = results_of<k_boat_with_thruster>();
   const std::vector<double>&time = table["time [s]"], &thrust = table["thruster.force_x [N]"];
   // The wave once it has grown, linear theory in deep water, running towards -x; its table has 20 points to a length
   // and to a period, so it is off by 2.5 % at most.
@@ -181,7 +215,7 @@ TEST(Example, BoatKeepsItsSpeedAndLosesItsThrustOutOfTheWater) {
 }
 
 TEST(Example, BoatInCalmWaterComesToTheSpeedOrderedWithTheThrustOfItsDrag) {
-  const ResultTable table = results_of("boat_with_thruster", {"--set", "wave.sea.height=0.001"});
+  const ResultTable table = results_of<k_boat_with_thruster>({"--set", "wave.sea.height=0.001"});
   EXPECT_NEAR(table["boat.vx [m/s]"].back(), 2.5, 1e-3);
   EXPECT_NEAR(table["thruster.force_x [N]"].back(), -table["hull.drag_force_x [N]"].back(), 10);
 }
@@ -229,7 +263,7 @@ struct heeled_box {
 
 // The turning box rises and sinks by its weight alone; what its displacement is off by meanwhile, the lever is too.
 TEST(Example, TurnedBoxHasTheRightingLeversOfTheFormulaAndOfTheExactCut) {
-  const ResultTable table = results_of("capsize_test");
+  const ResultTable table = results_of<k_capsize_test>();
   const heeled_box box;
   constexpr double k_pi = 3.141592653589793, k_deck_edge = 0.5404;  // atan(0.6) [rad]
   for (size_t i = 0; i < table.rows(); ++i) {
@@ -244,7 +278,7 @@ TEST(Example, TurnedBoxHasTheRightingLeversOfTheFormulaAndOfTheExactCut) {
 }
 
 TEST(Example, PushedBoxHeelsToTheLeverGivenAndCapsizesPastTheGreatest) {
-  const ResultTable table = results_of("capsize_test");
+  const ResultTable table = results_of<k_capsize_test>();
   const heeled_box box;
   const std::vector<double>&time = table["time [s]"], &heel = table["push.angle [rad]"];
   double greatest = 0;
@@ -275,7 +309,7 @@ double sand_curve(double displacement) {
 // Each step adds the slip velocity times the time of the step before, the evaluation after it the slip velocity times
 // its own. Of the settling a micrometre of depth is left after a second.
 TEST(Example, TrackPullsWithTheDisplacementThatItsStepsAddUpTo) {
-  const ResultTable table = results_of("track_drawbar");
+  const ResultTable table = results_of<k_track_drawbar>();
   const std::vector<double>&time = table["time [s]"], &pull = table["track_shear.force_x [N]"];
   constexpr double k_step = 0.005, k_sweep = 0.3 / 8;  // [s], slip velocity per time [m/s^2]
   double captured = 0;
@@ -296,7 +330,7 @@ TEST(Example, TrackPullsWithTheDisplacementThatItsStepsAddUpTo) {
 // The average of the shear curve over the way is the pull of a footprint. By trapezia, whose error is h^2/12 times the
 // change of the curve's slope: from (1 + e/(e - 1))/K at the start to 0; as much again for the settling.
 TEST(Example, TrackDraggedWithALockedBeltAveragesToTheDrawbarCurve) {
-  const ResultTable table = results_of("track_drawbar", {"--set", "parameters.belt=0", "--set", "parameters.ramp=0"});
+  const ResultTable table = results_of<k_track_drawbar>({"--set", "parameters.belt=0", "--set", "parameters.ramp=0"});
   const std::vector<double>&way = table["way"], &pull = table["track_shear.force_x [N]"];
   const double steepest = k_sand_strength * (1 + k_e / (k_e - 1)) / k_sand_modulus;
   double work = 0;
@@ -357,7 +391,7 @@ void expect_work_is_kept(const ResultTable& table) {
 }
 
 TEST(Example, TrackedVehicleSettlesDrivesOffAndTurnsItsTorqueIntoPull) {
-  const ResultTable table = results_of("tracked_vehicle");
+  const ResultTable table = results_of<k_tracked_vehicle>();
   const std::vector<double>&time = table["time [s]"], &height = table["hull.z [m]"];
   for (size_t i = row_at(time, 1); i < row_at(time, 2); ++i)
     EXPECT_NEAR(height[i], height[row_at(time, 2)], 0.02) << "not settled at " << time[i];
