@@ -6,7 +6,7 @@
 #include "qvbrisk/services.h"
 #include "qvbrisk/subroutines.h"
 
-// The ball report, beside its three services per ball alone.
+// Cost of the ball report, compared with the cost of its three service calls per ball alone.
 namespace {
 
 void per_ball(benchmark::State& state, int balls) {

@@ -15,9 +15,9 @@ public:
   double axes[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   double velocity[3] = {0, 0, 0};
   double angular_velocity[3] = {0, 0, 0};
-  std::wstring road_file;  ///< of every string that has no text of its own
-  std::map<int, std::wstring> strings;
-  std::string complaint;  ///< of stop_solver or THROW_ERROR; empty when there was none
+  std::wstring road_file;               ///< text of every string that `strings` does not hold
+  std::map<int, std::wstring> strings;  ///< texts by id
+  std::string complaint;                ///< text of the last stop_solver or THROW_ERROR; empty if there was none
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char*, const int*, int, double& value) override {

@@ -16,13 +16,14 @@ struct hull_mesh {
 /// 20 patches, quartered `refinements` times.
 hull_mesh make_icosphere(int refinements);
 
-/// A WAVE file of rows x columns over 20 s and 100 length units, made once per
-/// machine. Returns its path.
+/// Path of a WAVE file with this many rows over 20 s and columns over 100 length units. It is made in the temporary
+/// folder if it is not there yet.
 std::string make_wave_file(int rows, int columns);
 
-/// A CURRENT file with 200 keys in each table.
+/// Path of a CURRENT file with 200 keys in each table.
 std::string make_current_file();
 
+/// In bytes.
 double file_size(const std::string& path);
 
 }  // namespace qvbench

@@ -8,14 +8,14 @@
 #include "bench/limit_parts.h"
 #include "qvbrisk/subroutines.h"
 
-// Cost of a patch of a floating hull through the exported function, in waves and current, and what no implementation
-// can go below; and the reading of a WAVE file beside a bare scan of its numbers.
+// Cost of a patch of a floating hull through the exported function, in waves and current, compared with a limit that no
+// implementation can go below; and the reading of a WAVE file, compared with a bare scan of its numbers.
 namespace {
 
-constexpr double k_draft = 0.02;  // of the sphere's centre under the still water
+constexpr double k_draft = 0.02;  // [m] depth of the sphere's centre under the still water
 constexpr double k_exponent = 1.9;
 
-/// par of qvhydro_force for a sphere of unit radius that carries the whole mesh.
+/// The `par` of qvhydro_force for a sphere of unit radius with this mesh.
 std::vector<double> parameters(const qvbench::hull_mesh& mesh, int id) {
   constexpr int k_forces = 16;  // the first call of the process sizes the container
   std::vector<double> par = {0, 1, double(id), k_forces, 1, 2,    1,    1,     2,          1000,
@@ -27,7 +27,7 @@ std::vector<double> parameters(const qvbench::hull_mesh& mesh, int id) {
   return par;
 }
 
-/// The sphere at a call: it drifts through the waves, rolling.
+/// Places the sphere for a call: it drifts through the waves and rolls.
 void place(qvbench::BenchHost& host, double travel) {
   const double angle = 0.2 * std::sin(travel);
   const double axes[9] = {std::cos(angle), 0, -std::sin(angle), 0, 1, 0, std::sin(angle), 0, std::cos(angle)};
@@ -66,8 +66,8 @@ void floating(benchmark::State& state) {
                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-/// The nodes in the water frame; of the patches only those that are known to be under water, with their columns
-/// straight under a level plane, and three powers each.
+/// Limit of the cost per patch: nodes are moved to the water frame, and only patches that are known to be under water
+/// are evaluated, each with a column under a level plane and three powers.
 void limit_per_patch(benchmark::State& state) {
   const qvbench::hull_mesh mesh = qvbench::make_icosphere(static_cast<int>(state.range(0)));
   std::vector<std::array<int, 3>> wet;

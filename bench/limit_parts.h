@@ -14,7 +14,7 @@
 /// laws need for a point in contact, and a bare scan of a file's numbers.
 namespace qvbench {
 
-/// Reads a file whole and converts every number in it.
+/// Reads a file of `bytes` bytes whole and adds up the numbers in it.
 inline double sum_of_numbers(const std::string& path, std::size_t bytes) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"), &std::fclose);
   const std::unique_ptr<char[]> text(new char[bytes]);
@@ -34,6 +34,7 @@ inline double sum_of_numbers(const std::string& path, std::size_t bytes) {
   return sum;
 }
 
+/// The terrain of road_maker.h as heights on a square grid with a spacing of 0.1 m.
 struct regular_terrain {
   int side;
   std::vector<double> heights;
@@ -62,6 +63,8 @@ struct regular_terrain {
   }
 };
 
+/// The powers and exponentials that the laws need for a point: sinkage z [m], pressure p [Pa], shear displacements j1
+/// and j2 [m]. The result means nothing.
 inline double point_of_law(double z, double p, double j1, double j2) {
   const double dynamic = std::pow(p / 40000.0, 0.9) * std::pow(j1 * j1 + j2 * j2, 0.4);
   const double power = std::pow(z + 0.02 * dynamic, 0.7 - 1.0);

@@ -7,8 +7,8 @@
 #include "bench/road_maker.h"
 #include "bench/soil_scene.h"
 
-// What no implementation can go below: the point location on a grid that is known to be regular, with the powers and
-// exponentials that the laws need for a point in contact and nothing else; and a bare scan of a road file's numbers.
+// Limits that no implementation can go below: finding a point on a grid that is known to be regular, with only the
+// powers and exponentials that the laws need for a point in contact; and a bare scan of a road file's numbers.
 namespace {
 
 using qvbench::body;

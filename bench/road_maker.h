@@ -12,10 +12,10 @@ struct road_file {
   std::size_t bytes;
 };
 
-/// The file of about `triangles` triangles; made in the temporary folder when it is not there yet.
+/// A road file of about `triangles` triangles. It is made in the temporary folder if it is not there yet.
 const road_file& make_road(int triangles);
 
-/// Height of the terrain.
+/// Height of the terrain at a place [m].
 double terrain_height(double x, double y);
 
 }  // namespace qvbench

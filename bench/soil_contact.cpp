@@ -34,7 +34,7 @@ void driving(benchmark::State& state) {
     travel += 0.001;
     if (travel > span) travel = 0.0;
   };
-  for (int i = 0; i < 200; ++i) drive();  // to a moving state: points with a history
+  for (int i = 0; i < 200; ++i) drive();  // reach a moving state, in which points have a history
   for (auto _ : state) drive();
   report(state, scene, what);
 }

@@ -53,14 +53,14 @@ void SoilScene::check_lift() {
   m_host.position[2] -= 100.0;
   call(0);
   const double expected = expected_lift();
-  constexpr double k_mesh_and_slope = 0.03;  // triangles instead of the formula, normals off the vertical
+  constexpr double k_mesh_and_slope = 0.03;  // share: triangles replace the formula, and normals are not vertical
   if (!(std::fabs(m_result[2] - expected) < k_mesh_and_slope * expected)) {
     throw std::runtime_error("lift " + std::to_string(m_result[2]) + " instead of " + std::to_string(expected));
   }
 }
 
 double SoilScene::expected_lift() const {
-  const double stiffness = 5270.0 / m_body.width() + 1515040.0;  // of the roads that road_maker writes
+  const double stiffness = 5270.0 / m_body.width() + 1515040.0;  // kc/b + kphi of the roads that road_maker writes
   const double area = (m_body.wheel ? 2.0 * 3.141592653589793 * m_body.size() : m_body.size()) * m_body.width();
   double lift = 0.0;
   for (int i = 0; i < m_body.nx; ++i) {

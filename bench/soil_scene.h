@@ -27,6 +27,7 @@ public:
   /// Roads are read once per file; elements of one body on one road share their set-up.
   SoilScene(const body& what, int triangles);
 
+  /// Puts the marker over (x, y) [m], at its height over the terrain.
   void place(double x, double y);
   void call(int iflag) { qvsoil_interaction(m_host.handle(), 0.0, m_par.data(), 15, 0, iflag, m_result.data()); }
 
@@ -35,8 +36,8 @@ public:
   const std::string& complaint() const { return m_host.complaint; }
 
 private:
-  /// Throws when the vertical force at rest on fresh soil is not what Bekker's law over the terrain's own formula
-  /// says: a faster wrong answer must fail.
+  /// Throws if the vertical force at rest on fresh soil differs from Bekker's law over the terrain's own formula: a
+  /// faster wrong answer must fail.
   void check_lift();
   double expected_lift() const;
 

@@ -16,7 +16,7 @@
 
 // Cost of a grid point of a track through the exported function: seven nodes, 20 x 5 points per span, driving (a
 // millimetre per call, every fourth call closes a step) and jumping to random places, on roads of 2 10^3 to 10^6
-// triangles; and what no implementation can go below.
+// triangles. It is compared with a limit that no implementation can go below.
 namespace {
 
 using qvbench::terrain_height;
@@ -28,7 +28,7 @@ constexpr int k_points = (k_nodes - 1) * k_span_points;
 constexpr int k_blocks = ((k_nodes - 1) * (k_long - 1) + 1) * k_lat;
 constexpr double k_half = 0.5 * (k_nodes - 1) * k_spacing;
 
-/// Of a node from marker I: sprocket and idler sit higher than the road wheels.
+/// Position of a node seen from marker I [m]; sprocket and idler sit higher than the road wheels.
 double node_x(int i) { return i * k_spacing - k_half; }
 double node_z(int i) { return k_radius - k_sunk + (i == 0 || i == k_nodes - 1 ? k_raised : 0.0); }
 
@@ -80,14 +80,14 @@ public:
   }
 };
 
-/// A point of the belt from marker I, and how its span lies.
+/// A point of the belt seen from marker I [m], and the direction of its span.
 struct belt_point {
   double x, y, z;
   double upright;  ///< cosine between its span's normal and the vertical
 };
 
-/// By plane geometry alone: equal circles, so spans run parallel to the lines between the centres, and a corner lies on
-/// the line that halves the angle there.
+/// Points of the belt by plane geometry alone: the circles are equal, so spans run parallel to the lines between the
+/// centres, and a corner lies on the line that halves the angle there.
 std::vector<belt_point> belt_of_spans() {
   std::vector<belt_point> points;
   for (int i = 0; i < k_nodes - 1; ++i) {
@@ -152,14 +152,14 @@ public:
   }
 
 private:
-  /// Throws when the normal force at rest on fresh soil is not what Bekker's law over the terrain's own formula says: a
+  /// Throws if the normal force at rest on fresh soil differs from Bekker's law over the terrain's own formula: a
   /// faster wrong answer must fail.
   void check_lift() {
     m_host.position[2] += 100.0;
     call(2);  // out of contact: the points forget what an earlier scene left
     m_host.position[2] -= 100.0;
     call(0);
-    const double length = std::hypot(k_spacing, k_raised);  // of the last span's tangent; every span counts with it
+    const double length = std::hypot(k_spacing, k_raised);  // of the last span; the library takes it for all spans
     const double stiffness = 5270.0 / std::min(length, k_width) + 1515040.0;
     double expected = 0.0;
     for (const belt_point& at : m_belt) {
@@ -167,7 +167,7 @@ private:
           terrain_height(m_host.position[0] + at.x, m_host.position[1] + at.y) - (m_host.position[2] + at.z);
       if (depth > 0.0) expected += stiffness * std::pow(depth, 0.7) * at.upright * length * k_width / k_span_points;
     }
-    constexpr double k_mesh_and_slope = 0.03;  // triangles instead of the formula, normals off the vertical
+    constexpr double k_mesh_and_slope = 0.03;  // share: triangles replace the formula, and normals are not vertical
     if (!(std::fabs(m_result[2] - expected) < k_mesh_and_slope * expected)) {
       throw std::runtime_error("lift " + std::to_string(m_result[2]) + " instead of " + std::to_string(expected));
     }
@@ -198,7 +198,7 @@ void track_driving(benchmark::State& state) {
     travel += 0.001;
     if (travel > span) travel = 0.0;
   };
-  for (int i = 0; i < 200; ++i) drive();  // to a moving state: points with a history
+  for (int i = 0; i < 200; ++i) drive();  // reach a moving state, in which points have a history
   for (auto _ : state) drive();
   report(state, scene);
 }

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-/// Numbers that matter, small ones, those of a range, and anything else.
+/// A number from the input: a special value, a small multiple of a quarter, a number from low to high, or any bits.
 inline double any_number(FuzzedDataProvider& in, double low, double high) {
   static const double k_special[] = {0.0,
                                      -0.0,

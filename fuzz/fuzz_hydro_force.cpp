@@ -4,10 +4,8 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "fuzz/any_number.h"
@@ -34,7 +32,7 @@ const char* const k_files[] = {
 };
 constexpr std::size_t k_number_of_files = sizeof k_files / sizeof *k_files;
 
-/// Tame: bodies that stand in the waves at `place`. Wild: any answer, or none.
+/// A tame host has bodies that stand in the waves at `place`; a wild one gives any answer, or none.
 class fuzzed_host : public water_host {
 public:
   explicit fuzzed_host(FuzzedDataProvider& in) : m_in(in) {}
@@ -130,7 +128,7 @@ void check_same(const std::vector<double>& a, const std::vector<double>& b) {
 void step_hull(FuzzedDataProvider& in, fuzzed_host& host, double time, int iflag) {
   std::vector<double> par = hull_parameters(in);
   const std::vector<double> result = call(qvhydro_force, host, par, time, iflag, 34);
-  // A wild host would answer otherwise the second time.
+  // A wild host would answer differently the second time.
   if (!host.wild && host.reports == 0 && iflag != 2)
     check_same(result, call(qvhydro_force, host, par, time, iflag, 34));
 }

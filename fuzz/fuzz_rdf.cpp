@@ -56,7 +56,7 @@ bool is_moderate(const qvsoilrdf::CRoad& road) {
          std::fmax(std::fabs(road.y_min), std::fabs(road.y_max)) < k_largest_coordinate;
 }
 
-/// Every cell's list against its definition, on roads where that takes no time.
+/// Holds every cell's list against its definition, on roads that are small enough.
 void check_lists(const qvsoilrdf::CRoad& road) {
   if (!is_moderate(road)) return;
   const double cells = static_cast<double>(road.nx) * road.ny;

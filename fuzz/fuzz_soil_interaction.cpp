@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "fuzz/any_number.h"
 #include "fuzz/soil_roads.h"
@@ -33,13 +32,13 @@ class FuzzedHost : public qvslv::ServiceHost {
 public:
   explicit FuzzedHost(FuzzedDataProvider& in) : m_in(in) {}
 
-  bool wild = false;  ///< states are anything; else a body in the ground of a road at rest
+  bool wild = false;  ///< answers anything; otherwise a body is sunk into a road at rest
   double depth = 0.1;
   int reports = 0;
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
     QV_PROMISE(nids == 2 ? count == 9 : nids == 3 && count == 3);
-    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
+    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // the host cannot answer
     const bool matrix = std::strcmp(name, "AM") == 0;
     for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
     if (std::strcmp(name, "TDISP") == 0 && ids[0] != 5) values[0] = values[1] = 2.0, values[2] = -depth;
@@ -119,7 +118,7 @@ void step(FuzzedDataProvider& in, FuzzedHost& host, parameter_list& list) {
     return;
   }
   const std::vector<double> result = call(host, list, iflag);
-  // A wild host would answer otherwise the second time.
+  // A wild host would answer differently the second time.
   if (!host.wild && host.reports == 0 && (iflag == 0 || iflag == 3)) check_same(result, call(host, list, iflag));
 }
 

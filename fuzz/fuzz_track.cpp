@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "fuzz/any_number.h"
@@ -12,8 +11,8 @@
 #include "soilinteraction_mtl/containers.h"
 #include "solver/engine/service_host.h"
 
-// A track, its outputs and its state equations with any parameters, states and order of calls. Every input starts with
-// an empty module.
+// Calls a track, its outputs and its state equations with any parameters and states and in any order. Every input
+// starts with an empty module.
 
 namespace {
 
@@ -33,13 +32,13 @@ class FuzzedHost : public qvslv::ServiceHost {
 public:
   explicit FuzzedHost(FuzzedDataProvider& in) : m_in(in) {}
 
-  bool wild = false;  ///< states are anything; else nodes half a length apart in the ground of a road at rest
+  bool wild = false;  ///< answers anything; otherwise nodes half a length apart are sunk into a road at rest
   double depth = 0.1, belt_speed = 1.0;
   int reports = 0;
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override {
     QV_PROMISE(nids == 2 ? count == 9 : nids == 3 && count == 3);
-    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // cannot answer
+    if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // the host cannot answer
     const bool matrix = std::strcmp(name, "AM") == 0;
     for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
     if (std::strcmp(name, "TDISP") == 0 && ids[0] >= 20 && ids[0] < 20 + k_largest_chain) {
@@ -129,7 +128,7 @@ void check_same(const std::vector<double>& a, const std::vector<double>& b) {
 
 using subroutine = void (*)(void*, double, double*, int, int, int, double*);
 
-/// One of the outputs and equations; how many results it has.
+/// An output or a state equation, and the number of its results.
 struct other {
   subroutine call;
   std::size_t results;
@@ -140,7 +139,7 @@ const other k_others[] = {{qvsoil_shearforce_mtl, 6},
                           {qvsoil_mtl_eom, 6},
                           {qvsoil_mtl_velocity, 1}};
 
-/// Indices are mostly good: track 0 of road 1 wherever they stand in the list, but for a node.
+/// Calls an output or equation. At most two entries of `par` are random; the others name track 0 of road 1, and node 1.
 void call_other(FuzzedDataProvider& in, FuzzedHost& host, int iflag) {
   const other& chosen = in.PickValueInArray(k_others);
   double par[15] = {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
@@ -166,7 +165,7 @@ void step(FuzzedDataProvider& in, FuzzedHost& host, parameter_list& list) {
   if (in.ConsumeIntegralInRange<int>(0, 3) == 0) return call_other(in, host, iflag);
   const double time = in.ConsumeBool() ? 0.01 : any_number(in, -0.5, 4.5);
   const std::vector<double> result = call(host, list, iflag, time);
-  // A wild host would answer otherwise the second time.
+  // A wild host would answer differently the second time.
   if (!host.wild && host.reports == 0 && (iflag == 0 || iflag == 3)) check_same(result, call(host, list, iflag, time));
 }
 

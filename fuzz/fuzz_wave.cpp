@@ -34,7 +34,7 @@ void check_table(const qvthrust::CWave& wave, const std::uint8_t* data, std::siz
   }
 }
 
-/// Around the entries of an axis, where searches may go wrong.
+/// Calls the thruster at time i of the table and at and around its position j, where searches may go wrong.
 void visit(water_host& host, double* par, const qvthrust::CWave& wave, int i, int j) {
   double result[7] = {};
   result[6] = 1234.5;

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-/// A file in memory with a name to open it by.
+/// A file in memory that can be opened by its path as long as this object lives.
 class memory_file {
 public:
   memory_file();

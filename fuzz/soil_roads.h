@@ -7,6 +7,7 @@
 /// The road files that the soil's fuzz targets choose from.
 namespace soil_roads {
 
+/// Text of a bumpy road of 5 x 5 nodes with the first `last_triangle` of its 32 triangles.
 inline std::string flat_road(const char* soil_type, int last_triangle) {
   std::string text = std::string("SOIL_TYPE=") + soil_type +
                      "\nNORMAL_PRESSURE=BEKKER\nCOHESIVE_COEFF=5000\nFRICTIONAL_COEFF=1e6\nSINKAGE_EXPONENT=0.7\n"
@@ -25,7 +26,7 @@ inline std::string flat_road(const char* soil_type, int last_triangle) {
   return text;
 }
 
-/// Flat, with a hole, hard, extreme heights, and three that cannot be read.
+/// A whole road, one with a hole, a hard one, one with extreme heights, and three that cannot be read.
 inline const std::string k_roads[] = {
     flat_road("LOAM", 32),
     flat_road("LOAM", 17),
@@ -37,7 +38,7 @@ inline const std::string k_roads[] = {
 };
 constexpr std::size_t k_number_of_roads = sizeof k_roads / sizeof *k_roads;
 
-/// Path of the file with a number; a name that no file has for numbers beyond.
+/// Path of file number `id`, from 0; beyond the last one a name that no file has.
 inline std::wstring path_of(int id) {
   static memory_file files[k_number_of_roads];
   static const bool written = [] {

@@ -6,7 +6,7 @@
 #include "fuzz/memory_file.h"
 #include "solver/engine/service_host.h"
 
-/// A host for bodies at rest in the axes of the ground, all at one place, with the files that its strings 0 and 1 name.
+/// A host whose markers all rest at `place` with the axes of the ground, and whose strings 0 and 1 name two files.
 class water_host : public qvslv::ServiceHost {
 public:
   std::wstring files[2];

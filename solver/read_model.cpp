@@ -45,7 +45,7 @@ void read_root(const Value& document, Reading& reading) {
   check_expressions(model);
 }
 
-/// Road files that are there already are looked into for what their reader would silently misunderstand.
+/// Warns of text in existing road files that the library's reader would silently misunderstand.
 void warn_about_roads(Reading& reading) {
   std::set<std::string> seen;
   for (const Element& element : reading.model().elements) {

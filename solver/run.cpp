@@ -27,11 +27,11 @@ std::string now_utc() { return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(
 class OutputTimes {
 public:
   explicit OutputTimes(const Simulation& simulation) : m_end(simulation.end_time), m_step(simulation.output_step) {
-    constexpr double k_slack = 1e-9;  // of a step: what rounding makes of a decimal multiple
-    if (!(m_end > 0)) return;         // the state at time 0 is all there is to see
+    constexpr double k_slack = 1e-9;  // of a step; covers the rounding of a decimal multiple
+    if (!(m_end > 0)) return;         // only the state at time 0 is recorded
     if (!(m_step > 0) || m_step > m_end) m_step = m_end;
     m_count = static_cast<long>(std::ceil(m_end / m_step - k_slack));
-    // k / 50 is the double nearest to the decimal that is meant, k * 0.02 often its neighbour.
+    // k / 50 is the double nearest to the decimal number that is meant; k * 0.02 is often its neighbour.
     const double per_unit = std::round(1.0 / m_step);
     if (per_unit > 0 && std::abs(per_unit * m_step - 1.0) < 1e-14) m_per_unit = per_unit;
   }
@@ -76,7 +76,7 @@ public:
       integrate(engine);
     } catch (const std::bad_alloc&) {
       throw;
-    } catch (const std::exception& error) {  // a fault of the set-up, or a disk that is full
+    } catch (const std::exception& error) {  // for example a fault in the set-up or a full disk
       finish(RunOutcome::failed, error.what());
     }
     close_record();
@@ -102,8 +102,8 @@ private:
     for (const std::string& file : m_recorder->files()) m_summary.files.push_back(file);
   }
 
-  /// Water that was looked up once is not looked up at an earlier time again: after a step that is tried anew it stays
-  /// ahead until the time has caught up.
+  /// The library never searches a water table backwards in time. After a rejected step the water therefore stays ahead
+  /// until the time has caught up.
   void warn_about_rejected_steps(const Engine& engine) {
     const std::vector<Water>& waters = m_recorder->recording().waters;
     if (engine.rejected_steps() == 0 || std::none_of(waters.begin(), waters.end(), is_moving)) return;
@@ -148,7 +148,7 @@ private:
     m_record.running = false;
     m_summary.wall_seconds = wall_seconds();
     attempt([this] { write_page(); });
-    attempt([this] { write_record(); });  // also when the page could not be written: it says so
+    attempt([this] { write_record(); });  // even if the page could not be written: the record says so
   }
 
   template <class Write>
@@ -160,7 +160,7 @@ private:
     }
   }
 
-  /// Also for a run that recorded nothing: the page of an earlier run would tell of something else.
+  /// Written even if nothing was recorded, because otherwise an earlier run's page would stay in the folder.
   void write_page() {
     m_record.summary = m_summary;
     m_record.summary.files.insert(m_record.summary.files.begin(), "report.html");
@@ -180,7 +180,7 @@ private:
   Clock::time_point m_began;
   RunRecord m_record;
   RunSummary m_summary;
-  std::unique_ptr<Recorder> m_recorder;  ///< none when the run ended before its start
+  std::unique_ptr<Recorder> m_recorder;  ///< null if the run ended before its start
 };
 
 }  // namespace

@@ -22,9 +22,9 @@ struct RunOptions {
   std::string out_folder;                                   ///< results go here; made when missing
   std::string command;                                      ///< as typed, kept in run.json
   std::vector<std::string> overrides;                       ///< --set texts, kept in run.json
-  std::function<void(const Progress&)> on_progress;         ///< called after accepted steps when set
-  std::function<void(const std::string&)> on_message;       ///< one line for the user (warnings, faults) when set
-  const volatile std::sig_atomic_t* interrupted = nullptr;  ///< checked after every step
+  std::function<void(const Progress&)> on_progress;         ///< called after every accepted step, if set
+  std::function<void(const std::string&)> on_message;       ///< gets one line for the user (warning, fault), if set
+  const volatile std::sig_atomic_t* interrupted = nullptr;  ///< checked after every step; not 0 ends the run
 };
 
 /// Runs a checked model to its end. Throws nothing but std::bad_alloc: every fault is in the summary.

@@ -24,7 +24,7 @@ void add_columns(const ResultSlot& slot, int first, const std::string& owner, co
   for (int k = 0; k < slot.values; ++k) columns.push_back({first + k, name + axes[k], unit});
 }
 
-/// What the results of one round belong to: a ball's body, else a check point by its number.
+/// Name of the thing that the results of one round belong to: the ball's body, otherwise a check point by its number.
 std::string owner_of(const Element& element, int round, const Model& model) {
   if (element.subroutine != "qvballplacing_report") return "point_" + std::to_string(round);
   const int body = find_body(model, static_cast<int>(element.par[QV_BALLS_LENGTH + static_cast<size_t>(round)]));

@@ -8,7 +8,7 @@ namespace qvslv {
 
 namespace {
 
-/// The element of an equation that a readable element made.
+/// The call of an equation that was made by a readable element, such as the drive of a track.
 Element made_call(const SubroutineEquation& from, const Model& model) {
   Element element;
   element.kind = ElementKind::evaluated;

@@ -4,8 +4,8 @@
 
 namespace qvslv {
 
-/// Adds the elements of equations whose right-hand side is a subroutine's result. They stand behind all others: an
-/// equation of a track reads what the track's element left behind in the same round of calls.
+/// Adds the elements of equations whose right-hand side is a subroutine's result. They follow all other elements,
+/// because the equation of a track reads sums that the track's element leaves in the same round of calls.
 void add_equation_elements(Reading& reading);
 
 }  // namespace qvslv

@@ -17,10 +17,10 @@ namespace {
 
 /// The report of a hull, made when all elements are there.
 struct HullReport {
-  std::string force;  ///< name of the force whose z component it tells; empty: the hull's first slice
+  std::string force;  ///< name of the force whose z component it reports; empty for the hull's first slice
   FilePosition force_at;
-  int force_marker = 0;     ///< index into Model::markers, for the force's axes
-  std::vector<int> points;  ///< likewise, markers whose heights over the water marker it tells
+  int force_marker = 0;     ///< index into Model::markers, gives the force's axes
+  std::vector<int> points;  ///< indices into Model::markers: points whose heights over the water it reports
 };
 
 struct HullElement {
@@ -69,12 +69,12 @@ double scale_in_units(double scale, const Units& units) {
   return scale * units.length_factor * units.mass_factor * units.force_factor / (units.time_factor * units.time_factor);
 }
 
-/// Skin drag goes with another power of the speed's unit.
+/// The same for skin drag, in which the unit of speed has another power.
 double coefficient_in_units(const Skin& skin, const Units& units) {
   return skin.coefficient * units.time_factor * std::pow(units.length_factor / units.time_factor, skin.exponent);
 }
 
-/// What all slices have in common.
+/// The fixed entries of `par` with the values that all slices share.
 std::vector<double> common_par(const TableReader& table, const HullElement& hull, Reading& reading) {
   const Model& model = reading.model();
   const Body& body = model.bodies[static_cast<size_t>(hull.body)];
@@ -105,7 +105,7 @@ std::vector<double> common_par(const TableReader& table, const HullElement& hull
   return par;
 }
 
-/// Nodes and patches behind the fixed entries; `shift` goes from the marker that carries the mesh to its origin.
+/// Appends nodes and patches to the fixed entries. `shift` is the mesh's origin seen from the marker that carries it.
 void append_nodes_and_patches(const TriangleMesh& mesh, const Vec3& shift, std::vector<double>& par) {
   par[QV_HULL_NODE_COUNT] = static_cast<double>(mesh.points.size());
   par.reserve(par.size() + 3 * mesh.points.size() + 1 + 3 * mesh.triangles.size());
@@ -174,7 +174,7 @@ Element report_element(const HullElement& hull, int number, Reading& reading) {
   return element;
 }
 
-/// The slices of a hull, not yet numbered. `hull` gets what the rest needs.
+/// The slices of a hull, not yet numbered. `hull` gets what numbering and the report need.
 std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullElement& hull) {
   hull.name = table.text("name");
   hull.at = table.at();
@@ -208,7 +208,8 @@ std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullE
   return elements;
 }
 
-/// Hydro force ids and their count need all hulls of the model; the reports need the ids.
+/// Fills in the hydro force ids and their count, which need all hulls of the model, and adds the reports, which need
+/// the ids.
 void number_hulls(const std::vector<HullElement>& hulls, Reading& reading) {
   for (size_t i = 0; i < hulls.size(); ++i)
     for (int part = 0; part < hulls[i].parts; ++part) {

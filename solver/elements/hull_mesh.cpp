@@ -15,7 +15,7 @@ const std::vector<std::string> k_shapes = {"box", "wedge_barge", "cylinder", "sp
 const std::vector<std::string> k_shape_keys = {"shape",  "size", "bow",       "stern", "radius",
                                                "length", "axis", "divisions", "center"};
 
-/// Keys beside `shape`, `divisions` and `center` that a shape has.
+/// Keys that a shape has besides `shape`, `divisions` and `center`.
 std::vector<std::string> keys_of_shape(const std::string& shape) {
   if (shape == "box") return {"size"};
   if (shape == "wedge_barge") return {"size", "bow", "stern"};
@@ -40,7 +40,7 @@ int whole(double value, double least, double most, const TableReader& table) {
 
 constexpr double k_most_divisions = 1000;
 
-/// Cells as nearly cubes as they can be, ten along the longest edge, unless given.
+/// Numbers of cells along x, y and z: as given, otherwise ten along the longest edge and cells as cubic as possible.
 std::array<int, 3> block_divisions(const TableReader& table, const Vec3& size) {
   constexpr double k_along_longest = 10;
   std::array<int, 3> divisions{};

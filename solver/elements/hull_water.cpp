@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A frame in another one.
+/// A frame seen in another frame.
 struct Pose {
   Vec3 place = {0, 0, 0};
   Rotation axes = k_identity;
@@ -25,14 +25,14 @@ Vec3 outwards(const Pose& pose, const Vec3& p) {
   return result;
 }
 
-/// Component of a point along the frame's x axis.
+/// The x coordinate of a point in a frame.
 double x_within(const Pose& pose, const Vec3& p) {
   double x = 0;
   for (size_t k = 0; k < 3; ++k) x += pose.axes[k] * (p[k] - pose.place[k]);
   return x;
 }
 
-/// Where a joint carries the body, its start follows from the joint and is not known here.
+/// Start of a body in ground axes; none if a joint carries the body, because its start then follows from the joint.
 std::optional<Pose> start_of(int body, const Model& model) {
   if (body == k_ground) return Pose{};
   for (const Joint& joint : model.joints)
@@ -45,7 +45,8 @@ struct Range {
   double low = 0, high = 0;
 };
 
-/// Positions of a WAVE file, of the file itself or of what will be made.
+/// Range of x that a WAVE file covers: from its recipe if it has one, otherwise from the file; none if it is
+/// unreadable.
 std::optional<Range> range_of_wave(const std::string& file, const Reading& reading) {
   for (const WaveRecipe& recipe : reading.file.waves)
     if (fs::path(recipe.file).lexically_normal() == fs::path(file)) return Range{0, recipe.settings.extent};

@@ -5,8 +5,8 @@
 
 namespace qvslv {
 
-/// The subroutine looks for the CURRENT file beside the model only if the WAVE file is not in the current folder.
-/// Throws ModelError when it would find the one and not the other.
+/// Throws ModelError if the subroutine would find the WAVE file and not the CURRENT file: it looks for the CURRENT file
+/// beside the model only if the WAVE file is not in the current folder.
 void check_water_files(const TableReader& table, const Reading& reading);
 
 /// Warns if the hull's start, as far as the model file tells it, is not within the positions of the WAVE file.

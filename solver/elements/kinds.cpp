@@ -8,7 +8,7 @@
 
 namespace qvslv {
 
-// Each in the file of its name.
+// Each is defined in the file of its name.
 ReadableKind plain_kind();
 ReadableKind soil_contact_kind();
 ReadableKind track_kind();
@@ -34,7 +34,7 @@ std::vector<std::string> names_of_kinds() {
   return names;
 }
 
-/// Every key of every kind: which ones belong is judged once the kind is known.
+/// Every key of every kind. Whether a key belongs to its table is checked when the kind is known.
 std::vector<std::string> all_keys() {
   std::vector<std::string> all = {"name", "type"};
   for (const ReadableKind& kind : readable_kinds()) all.insert(all.end(), kind.keys.begin(), kind.keys.end());
@@ -69,7 +69,7 @@ void read_table(const TableReader& table, Reading& reading, Readers& readers) {
   const std::string name = table.text("name");
   reading.elements.add(name, static_cast<int>(model.elements.size()), table.position("name"));
   std::vector<Element> made = readers.of_kind[kind]->read(table, reading);
-  // Several of equal rank: the table's name alone means none of them.
+  // If the table makes several elements of equal rank, its name alone means none of them.
   if (made.size() > 1 && made[0].name.empty()) reading.elements.add_internal(name, k_none);
   for (size_t i = 0; i < made.size(); ++i) {
     made[i].at = table.at();
@@ -81,7 +81,7 @@ void read_table(const TableReader& table, Reading& reading, Readers& readers) {
   }
 }
 
-/// Numbered elements and hand-numbered ones would claim the same places.
+/// Throws if a subroutine that a readable kind numbers is also used plainly: both would claim the same numbers.
 void check_not_mixed(const Model& model, const Readers& readers) {
   const auto& kinds = readable_kinds();
   for (size_t k = 0; k < kinds.size(); ++k) {

@@ -30,7 +30,8 @@ std::vector<std::string> known_subroutines() {
   return names;
 }
 
-/// A subroutine of the user's own library: everything about it must be in the file. An equation's is of a kind already.
+/// Throws unless the file says all that is needed about a subroutine of the user's own library. An equation's call
+/// needs no `kind`.
 void check_foreign(const TableReader& table, const Element& element, Reading& reading) {
   const std::vector<std::string> known = known_subroutines();
   const bool in_equation = element.kind == ElementKind::evaluated && !table.has("kind");
@@ -49,7 +50,7 @@ ElementKind kind_named(const std::string& word) {
   return word == "evaluated" ? ElementKind::evaluated : ElementKind::report;
 }
 
-/// What a known subroutine writes for these parameters, 0 for another one.
+/// Number of results that a known subroutine writes for these parameters; 0 for an unknown subroutine.
 int least_result_length(const Element& element, const TableReader& table) {
   const SubroutineLayout* layout = find_layout(element.subroutine);
   try {
@@ -59,7 +60,7 @@ int least_result_length(const Element& element, const TableReader& table) {
   }
 }
 
-/// Subroutine, parameters and results, which elements and equations have alike.
+/// Reads subroutine, parameters and results, which elements and equations have in common.
 void read_call(const TableReader& table, Element& element, Reading& reading) {
   element.subroutine = table.text("subroutine");
   const SubroutineLayout* layout = find_layout(element.subroutine);

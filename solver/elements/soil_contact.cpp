@@ -5,7 +5,7 @@
 #include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 
-/// type = "soil_contact": a qvsoil_interaction each, and a qvsoil_interaction_Sum per road if one asks for it.
+/// type = "soil_contact": one qvsoil_interaction, and one qvsoil_interaction_Sum for its road if a contact asks for it.
 namespace qvslv {
 
 namespace fs = std::filesystem;
@@ -14,8 +14,8 @@ namespace {
 
 struct SoilContact {
   size_t element = 0;  ///< index into Model::elements
-  std::string road;    ///< file
-  bool sum = false;    ///< asks for the road's sum
+  std::string road;    ///< file of its road
+  bool sum = false;    ///< whether it asks for the road's sum
 };
 
 Element read_soil_contact(const TableReader& table, Reading& reading, SoilContact& contact) {
@@ -62,7 +62,7 @@ void add_sum(const std::string& road, int number, Reading& reading) {
   reading.model().elements.push_back(std::move(sum));
 }
 
-/// Roads are numbered by their first contact, the contacts of a road one after the other.
+/// Roads are numbered in the order of their first contact, the contacts of a road in the order of the file.
 void number_soil_contacts(const std::vector<SoilContact>& contacts, Reading& reading) {
   std::vector<std::string> roads;
   std::map<std::string, int> number, count;

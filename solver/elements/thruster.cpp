@@ -10,7 +10,7 @@ namespace qvslv {
 
 namespace {
 
-/// Numbers of the modes as the subroutine has them.
+/// The modes with the subroutine's numbers.
 enum ThrustMode { feedback = 0, variable_itself = 1, feedback_or_off = 2, limited = 3 };
 
 ThrustMode read_mode(const TableReader& table) {
@@ -25,7 +25,7 @@ double variable_id(const TableReader& table, const std::string& key, const Readi
   return reading.file.model.variables[static_cast<size_t>(index)].id;
 }
 
-/// Keys that a mode does not look at are mistakes.
+/// Throws if the table has a key that its mode does not read.
 void check_keys_of_mode(const TableReader& table, ThrustMode mode) {
   const auto only = [&](const char* key, bool used, const char* by) {
     if (!used && table.has(key)) table.fail(key, std::string("is used by ") + by + " only");
@@ -87,7 +87,7 @@ void read_feedback(const TableReader& table, ThrustMode mode, Reading& reading, 
   par[QV_THRUST_SPLINE] = reading.model().splines[static_cast<size_t>(spline)].id;
 }
 
-/// Thrust elements that are fed back from a commanded speed follow that command unless another variable is named.
+/// Id of the commanded variable: the one that is named, otherwise the command of `speed_control`.
 double command_id(const TableReader& table, const Reading& reading) {
   if (!table.has("variable") && table.has("speed_control"))
     return variable_id(table.table("speed_control", {"command", "reference"}), "command", reading);

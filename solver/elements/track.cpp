@@ -21,18 +21,18 @@ struct TrackElement {
   FilePosition wheels_at;
 };
 
-/// What the keys of a track come to.
+/// Values of a track's keys.
 struct TrackKeys {
   std::string name;
   int hull = 0, road_marker = 0, reference = 0;  ///< indices into Model::markers
-  std::vector<int> wheels;                       ///< likewise
+  std::vector<int> wheels;                       ///< indices into Model::markers
   std::vector<double> radii;
   std::vector<double> grid;
   std::string road;
 };
 
-/// Where both wheels are fixed to the hull's body: the belt runs under wheels that follow each other along x, and
-/// there is a common tangent only when neither circle lies in the other.
+/// Checks two neighbouring wheels if both are fixed to the hull's body. The belt runs under wheels that follow each
+/// other along the hull's x axis, and two circles have a common tangent only if neither lies in the other.
 void check_neighbours(const TableReader& table, const TrackKeys& keys, size_t first, const Model& model) {
   const auto marker = [&](int index) -> const Marker& { return model.markers[static_cast<size_t>(index)]; };
   const Marker &hull = marker(keys.hull), &a = marker(keys.wheels[first]), &b = marker(keys.wheels[first + 1]);
@@ -64,7 +64,8 @@ std::vector<double> read_grid(const TableReader& table) {
   return grid;
 }
 
-/// Velocities are differences as the ground sees them: from a marker that turns they would not be the slip's.
+/// Throws if the reference is not on the ground: differences of velocities seen from a marker that turns would not be
+/// the slip.
 int read_reference(const TableReader& table, const Reading& reading) {
   const int reference = reading.marker_or(table, "reference", 0);
   if (reading.file.model.markers[static_cast<size_t>(reference)].body != k_ground)
@@ -143,7 +144,7 @@ std::vector<double> shear_par(int slot) {
   return par;
 }
 
-/// The first derivative of the sprocket's angle, as a speed of the belt.
+/// Makes qvsoil_mtl_velocity report the speed of the belt: the first derivative of the sprocket's angle times a radius.
 std::vector<double> velocity_par(const BeltDrive& drive) {
   std::vector<double> par(QV_TRACK_VELOCITY_LENGTH, 0.0);
   par[QV_TRACK_VELOCITY_FACTOR] = drive.radius;
@@ -157,7 +158,7 @@ std::vector<double> sum_par(int slot) {
   return par;
 }
 
-/// The elements of a track, named. A road slot holds one track: this is the one with the number `slot`, from 0.
+/// The elements of a track, with their names. A road slot holds one track, so each track has its own `slot`, from 0.
 std::vector<Element> read_track(const TableReader& table, int slot, Reading& reading, TrackElement& track) {
   const TrackKeys keys = read_keys(table, reading);
   track.wheels_at = table.position("wheels");
@@ -183,7 +184,7 @@ std::vector<Element> read_track(const TableReader& table, int slot, Reading& rea
   return elements;
 }
 
-/// The number of slots needs all tracks of the model.
+/// Fills in the number of road slots, which is known when all tracks of the model are read.
 void number_tracks(const std::vector<TrackElement>& tracks, Reading& reading) {
   Model& model = reading.model();
   for (const TrackElement& track : tracks) {

@@ -33,7 +33,7 @@ double add_variable(const std::string& name, int id, Expression value, Reading& 
   return id;
 }
 
-/// A variable that is there already, or one that is made for an expression.
+/// Id of the variable that `belt_speed` names, or of one that is made for its expression.
 double given_speed(const TableReader& track, Reading& reading) {
   Expression value = track.state_expression("belt_speed");
   const Model& model = reading.model();
@@ -50,8 +50,9 @@ double positive_or_zero(const TableReader& table, const char* key) {
   return value;
 }
 
-/// The two forces whose magnitudes resist. Without resistance they are asked for all the same: the shear force, which
-/// is there in any case, with the factor 0. One force stands in both places, with half the factor.
+/// Fills in the two forces whose magnitudes resist. The subroutine always asks for two: without resistance they are the
+/// track's shear force, which always exists, with the factor 0; a single force stands in both places with half the
+/// factor.
 void read_resistance(const TableReader& track, const TableReader& drive, SubroutineEquation& motion) {
   motion.par[QV_TRACK_EOM_RESISTANCE_FACTOR] = positive_or_zero(drive, "resistance");
   std::vector<std::string> forces;

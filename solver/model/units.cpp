@@ -6,7 +6,7 @@ namespace qvslv {
 
 namespace {
 
-// The rows of the road file's unit tables. "MILI.." has one L there, and models follow suit.
+// The units that road files know. They spell "MILI.." with one L, and model files do the same.
 const std::vector<UnitName> k_length = {{"METER", "M", "m", 1.0},          {"MILIMETER", "MM", "mm", 0.001},
                                         {"MICROMETER", "UM", "um", 1e-06}, {"KILOMETER", "KM", "km", 1000.0},
                                         {"CM", nullptr, "cm", 0.01},       {"IN", nullptr, "in", 0.0254},

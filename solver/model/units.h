@@ -7,7 +7,8 @@
 
 namespace qvslv {
 
-/// The quantities whose units a model file and a road file declare, in the order of the five unit services.
+/// The quantities whose units a model file and a road file declare, in the order in which the service GTUNTS gives
+/// them.
 enum class UnitQuantity { length, mass, time, force, angle };
 
 /// A unit under the names that road files use for it (upper case, odd forms included).
@@ -15,7 +16,7 @@ struct UnitName {
   const char* name;    ///< "MILIMETER"
   const char* alias;   ///< "MM", or null
   const char* symbol;  ///< "mm", for column heads and messages
-  double factor;       ///< what one of it is in SI
+  double factor;       ///< one of this unit, in SI units
 };
 
 const std::vector<UnitName>& unit_names(UnitQuantity quantity);
@@ -34,7 +35,7 @@ struct UnitSymbols {
   explicit UnitSymbols(const Units& units);
   std::string length, mass, time, force;
   std::string area, volume, speed, spin, moment;
-  std::string energy;  ///< "J" in kilograms, metres and seconds, else built from the three: "t mm^2/s^2"
+  std::string energy;  ///< "J" if the units are kg, m and s, otherwise built from mass, length and time: "t mm^2/s^2"
 };
 
 }  // namespace qvslv

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "solver/model_file/reading.h"
 
 namespace qvslv {
@@ -46,7 +44,7 @@ double volume(const Shape& shape) {
   return 4.0 / 3.0 * k_pi * shape.radius * shape.radius * shape.radius;
 }
 
-/// Of a homogeneous solid, about its centre.
+/// Inertia of a homogeneous solid about its centre, in the axes of its shape.
 Inertia solid_inertia(const Shape& shape, double mass) {
   Inertia inertia;
   if (shape.kind == ShapeKind::box) {
@@ -66,12 +64,12 @@ Inertia solid_inertia(const Shape& shape, double mass) {
   return inertia;
 }
 
-/// A body's second moments (trace/2 E - I) can be no negative quantity in any direction.
+/// Whether a body can have this inertia: its second moments, trace(I)/2 E - I, must not be negative in any direction.
 bool physical(const Inertia& inertia) {
   const double half = 0.5 * (inertia.xx + inertia.yy + inertia.zz);
   const double a = half - inertia.xx, b = half - inertia.yy, c = half - inertia.zz;
   const double d = -inertia.xy, e = -inertia.xz, f = -inertia.yz;
-  const double slack = 1e-9 * half;  // rounding of numbers written to a few digits
+  const double slack = 1e-9 * half;  // allows for numbers that are rounded to a few digits
   const bool diagonal = a >= -slack && b >= -slack && c >= -slack;
   const bool minors =
       a * b - d * d >= -slack * half && a * c - e * e >= -slack * half && b * c - f * f >= -slack * half;

@@ -17,7 +17,7 @@ struct RoadRecipe {
   RoadSettings settings;
 };
 
-/// The same for a WAVE and a CURRENT file.
+/// A WAVE and a CURRENT file that the model file describes in the same way.
 struct WaveRecipe {
   std::string file, path;
   WaveSettings settings;
@@ -27,22 +27,22 @@ struct CurrentRecipe {
   CurrentSettings settings;
 };
 
-/// The whole mesh of a hull, for people.
+/// Figures of a hull's whole mesh, in the model's units, which `qvbrisk check` prints.
 struct HullSummary {
-  std::string name;  ///< of the element
+  std::string name;  ///< the element's name
   size_t nodes = 0, patches = 0;
   double volume = 0, area = 0;
-  Vec3 center = {0, 0, 0};  ///< of the volume, in the mesh's frame
+  Vec3 center = {0, 0, 0};  ///< centre of the volume, in the mesh's frame
 };
 
-/// What a model file comes to.
+/// Everything that reading a model file gives.
 struct ModelFile {
   Model model;
   std::vector<RoadRecipe> roads;  ///< to be made before a run, see bring_files_up_to_date
   std::vector<WaveRecipe> waves;
   std::vector<CurrentRecipe> currents;
   std::vector<HullSummary> hulls;
-  std::vector<std::string> warnings;  ///< what is suspicious but can be run
+  std::vector<std::string> warnings;  ///< one text each for what looks wrong but can be run
 };
 
 }  // namespace qvslv

@@ -2,7 +2,7 @@
 
 #include "solver/model_file/reading.h"
 
-/// Keys that name a data file, by its own name or by that of the table that describes it.
+/// Reads keys that name a data file: by the name of the file, or by the name of the table that describes it.
 namespace qvslv {
 
 namespace fs = std::filesystem;

@@ -78,7 +78,7 @@ std::string head(const char* table, int id, const std::string& name) {
   return std::string("\n[[") + table + "]]  # id " + std::to_string(id) + "\nname = " + quoted_text(name) + "\n";
 }
 
-/// Where the id is not the one that the reader would count to by itself.
+/// The key `id`, if counting would not give the reader this id; otherwise nothing.
 template <class Entities>
 std::string id_line(const Entities& entities, size_t index) {
   const Entities before(entities.begin(), entities.begin() + static_cast<std::ptrdiff_t>(index));
@@ -110,7 +110,7 @@ bool is_of_equation(size_t element, const Model& model) {
   return false;
 }
 
-/// What subroutines and expressions ask for by id or name.
+/// The tables of strings, variables, equations and splines, which subroutines and expressions name.
 std::string quantities_text(const Model& model) {
   std::string text;
   for (const StringEntity& entity : model.strings)

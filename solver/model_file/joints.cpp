@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 
 #include "solver/model/nearest_name.h"
 #include "solver/model_file/reading.h"
@@ -20,7 +19,7 @@ struct Coordinate {
   bool angle;
 };
 
-enum class Axis { none, x, z };  // which axis of the joint frames `axis` gives
+enum class Axis { none, x, z };  // which axis of the joint frames the key `axis` gives
 
 struct JointKind {
   const char* name;
@@ -77,8 +76,9 @@ Rotation columns(const Vec3& x, const Vec3& y, const Vec3& z) {
   return {x[0], x[1], x[2], y[0], y[1], y[2], z[0], z[1], z[2]};
 }
 
-/// Joint axes seen in the parent's. With `axis` as z, x is the parent's x made square to it (y where the axis is
-/// the parent's x); with `axis` as x, z is the parent's z made square to it (y where the axis is the parent's z).
+/// Joint axes in the parent's axes. If `axis` gives z, then x is the parent's x made square to it (the parent's y if z
+/// is the parent's x). If `axis` gives x, then z is the parent's z made square to it (the parent's y if x is the
+/// parent's z).
 Rotation joint_axes(const TableReader& table, const JointKind& kind) {
   if (!table.has("axis")) return table.rotation();
   if (kind.axis == Axis::none) table.fail("axis", std::string("a ") + kind.name + " joint has no axis");
@@ -121,7 +121,8 @@ std::vector<std::string> coordinate_names(const JointKind& kind) {
   return names;
 }
 
-/// Keys of `start` and `start_velocity`: the coordinates, and angles in degrees with _deg behind.
+/// Keys of `start` and `start_velocity`: the names of the coordinates; for an angle also its name with _deg, in
+/// degrees.
 std::vector<std::string> start_keys(const JointKind& kind) {
   std::vector<std::string> keys;
   for (const Coordinate& coordinate : kind.coordinates) {
@@ -148,7 +149,7 @@ std::vector<double> read_coordinates(const TableReader& joint, const char* key, 
 
 void append(std::vector<double>& values, const Vec3& more) { values.insert(values.end(), more.begin(), more.end()); }
 
-/// Ball and free joints: angles (and place), angular velocity (and velocity).
+/// Start of a ball or free joint: angles and angular velocity; of a free joint also its position and velocity.
 void read_spatial_start(const TableReader& joint, bool free, Joint& result) {
   std::vector<std::string> keys = {"angles", "angles_deg"}, velocity_keys = {"angular_velocity"};
   if (free) {
@@ -158,7 +159,7 @@ void read_spatial_start(const TableReader& joint, bool free, Joint& result) {
   Vec3 angles = {0, 0, 0}, position = angles, spin = angles, velocity = angles;
   if (joint.has("start")) {
     const TableReader start = joint.table("start", keys);
-    start.rotation();  // refuses both kinds of angles at once
+    start.rotation();  // throws if both kinds of angles are given
     angles = start.vector3("angles", {0, 0, 0});
     if (start.has("angles_deg"))
       for (size_t i = 0; i < 3; ++i) angles[i] = start.vector3("angles_deg")[i] * k_degree;

@@ -22,7 +22,7 @@ ParSlot par_slot(ParKind kind, const std::string& unit, const std::string& meani
 #define QV_RESULTS(list) \
   { list(QV_RESULT_SLOT, ) }
 
-/// A subroutine whose parameters and results are fixed, or those that begin its lists.
+/// A layout with these fixed parameters and results; the caller may add repeated ones.
 SubroutineLayout layout_of(const char* name, ElementKind kind, std::vector<ParSlot> par,
                            std::vector<ResultSlot> results) {
   SubroutineLayout layout;
@@ -64,7 +64,7 @@ SubroutineLayout soil_layout() {
   return layout;
 }
 
-/// Spans share the points over their common node.
+/// Number of contact points; neighbouring spans share the points over their common node.
 int track_points(const std::vector<double>& par) {
   const double along = count_in(par, QV_TRACK_POINTS_ALONG), nodes = count_in(par, QV_TRACK_NODE_COUNT);
   const double points = ((nodes - 1) * (along - 1) + 1) * count_in(par, QV_TRACK_POINTS_ACROSS);
@@ -87,7 +87,7 @@ SubroutineLayout track_layout() {
 SubroutineLayout track_velocity_layout() {
   SubroutineLayout layout = layout_of("qvsoil_mtl_velocity", ElementKind::report, QV_PAR(QV_TRACK_VELOCITY_PAR),
                                       QV_RESULTS(QV_TRACK_VELOCITY_RESULTS));
-  // The value is that of a variable, the derivative that of an equation.
+  // Mode 1 reads the value of a variable, any other mode the derivative of an equation.
   layout.decide = [](const std::vector<double>& par, std::vector<ParSlot>& slots) {
     const double mode = par[QV_TRACK_VELOCITY_MODE];
     if (mode >= 1 && mode < 2) slots[QV_TRACK_VELOCITY_SOURCE].kind = ParKind::variable;
@@ -95,7 +95,7 @@ SubroutineLayout track_velocity_layout() {
   return layout;
 }
 
-/// Patches stand behind the nodes and their own count.
+/// Number of patches, which stands behind the nodes.
 int hull_patches(const std::vector<double>& par) {
   const auto nodes = static_cast<size_t>(count_in(par, QV_HULL_NODE_COUNT));
   return count_in(par, QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * nodes);
@@ -121,7 +121,7 @@ SubroutineLayout hull_report_layout() {
   return layout;
 }
 
-/// Spline and equation are asked for as the mode tells; the WAVE file is only opened when the wave switch is 1.
+/// The mode decides whether spline and equation are read; the WAVE file is opened only if the wave switch is 1.
 void decide_thrust_slots(const std::vector<double>& par, std::vector<ParSlot>& slots) {
   const double mode = par[QV_THRUST_MODE], wave_switch = par[QV_THRUST_WAVE_SWITCH];
   if (!(mode >= 3 && mode < 4)) slots[QV_THRUST_SPLINE].kind = ParKind::unused;

@@ -34,7 +34,7 @@ struct ParSlot {
 enum class ResultQuantity { none, force, moment, length, area, volume, energy, speed, degrees };
 std::string unit_of(ResultQuantity quantity, const UnitSymbols& units);
 
-/// An entry of a result array, or the three of a vector.
+/// An entry of a result array, or the three entries of a vector.
 struct ResultSlot {
   int values = 1;      ///< 1, or 3 for x, y and z
   std::string column;  ///< name in results.csv, empty: not recorded; "%" stands for the point or body it belongs to
@@ -42,9 +42,8 @@ struct ResultSlot {
   std::string meaning;
 };
 
-/// Entries that follow the fixed ones again and again. Number `count` of them stand behind one another; the first
-/// begins at `first` plus what `step` says: {14, "2i"} is read "14 + 2i". A word `index` in a meaning is the number,
-/// from 0.
+/// A group of entries that is repeated `count` times behind the fixed ones. Group i, counted from 0, begins at `first`
+/// plus `step`: {14, "2i"} stands for 14 + 2i. In a meaning the word `index` stands for the number of the group.
 template <class Slot>
 struct Repeated {
   int first = 0;
@@ -54,17 +53,17 @@ struct Repeated {
   int (*count)(const std::vector<double>& par) = nullptr;
 };
 
-/// One of the thirteen exported subroutines. Functions of `par` may rely on the fixed entries being there, and throw
-/// std::runtime_error when a count among them is no sensible number.
+/// One of the thirteen exported subroutines. The functions that take `par` may rely on its fixed entries being there;
+/// they throw std::runtime_error if a count among the entries is no sensible number.
 struct SubroutineLayout {
   std::string name;
-  ElementKind kind = ElementKind::report;  ///< what an element of it is unless the file says otherwise
+  ElementKind kind = ElementKind::report;  ///< kind of its elements unless the file says otherwise
   std::vector<ParSlot> fixed_par;
-  std::vector<Repeated<ParSlot>> repeated_par;  ///< one behind the other
-  /// Sets the kinds of entries whose use another entry decides. Null: there are none.
+  std::vector<Repeated<ParSlot>> repeated_par;  ///< groups that follow one another
+  /// Sets the kinds of entries whose use another entry decides; null if there are none.
   void (*decide)(const std::vector<double>& par, std::vector<ParSlot>& slots) = nullptr;
   std::vector<ResultSlot> fixed_results;
-  Repeated<ResultSlot> repeated_results;  ///< no slots: there are none
+  Repeated<ResultSlot> repeated_results;  ///< without slots if there are none
 
   static constexpr int k_not_in_par = -1;
   // Positions in `par`.
@@ -77,7 +76,7 @@ struct SubroutineLayout {
 };
 
 const std::vector<SubroutineLayout>& subroutine_layouts();
-/// Null for a subroutine that is not one of the thirteen.
+/// Layout of a subroutine; null if it is not one of the thirteen.
 const SubroutineLayout* find_layout(const std::string& subroutine);
 
 /// All slots of a list, repeated ones included. Throws std::runtime_error when a count is no sensible number.

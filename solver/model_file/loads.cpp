@@ -13,7 +13,7 @@ const std::vector<std::string> k_road_keys = {
     // values in place of the preset's
     "shear_displacement", "shear_modulus", "sensitivity", "damp_ratio", "boundary_sinkage"};
 
-/// K of Wong's law, a length. Model files used to call it a modulus; that name is still read.
+/// Shear displacement K of Wong's law [length]. Model files used to call it a modulus; that name is still read.
 double shear_displacement(const TableReader& table, double of_preset) {
   if (!table.has("shear_modulus")) return table.positive("shear_displacement", of_preset);
   if (table.has("shear_displacement"))

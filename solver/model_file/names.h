@@ -16,12 +16,12 @@ public:
   /// Throws ModelError when the name is taken or is none that a file can refer to: it must not be empty, and may
   /// hold neither . : , ; quotes nor line breaks (paths and column heads are made of them).
   void add(const std::string& name, int index, const FilePosition& at);
-  /// A name the reader makes itself; may hold a dot, so that it never meets a user's.
+  /// Adds a name that the reader makes itself. It may hold a dot, so that it never meets a user's name.
   void add_internal(const std::string& name, int index) { m_indices[name] = index; }
   bool has(const std::string& name) const { return m_indices.count(name) != 0; }
   /// The names that a file gave, in alphabetical order.
   std::vector<std::string> known() const;
-  /// Throws ModelError with the nearest name when there is none of this name. `role` says who asks.
+  /// Index of a name. If nothing has this name, throws ModelError that offers the nearest one. `role` says who asks.
   int find(const std::string& name, const std::string& role, const FilePosition& at) const;
 
 private:

@@ -12,13 +12,13 @@ namespace {
 const std::vector<std::string> k_prefixes = {"marker", "body", "string", "variable", "equation", "spline", "force"};
 
 struct NamedEntry {
-  std::string prefix, name;  ///< both empty: no colon
+  std::string prefix, name;  ///< both empty if there is no colon
 };
 
 NamedEntry split(const Value& value) {
   if (value.kind != Value::Kind::text) return {};
   const size_t colon = value.text.find(':');
-  const bool alternative = value.text.find('?') != std::string::npos;  // the colon of a ? b : c
+  const bool alternative = value.text.find('?') != std::string::npos;  // its colon belongs to a ? b : c
   if (colon == std::string::npos || alternative) return {};
   return {value.text.substr(0, colon), value.text.substr(colon + 1)};
 }
@@ -33,7 +33,7 @@ double id_of(const Entities& entities, const NameTable& names, const std::string
   return entities[static_cast<size_t>(names.find(name, role, at))].id;
 }
 
-/// One entry: a number, an expression, or the id behind a name. That of a force is filled in later.
+/// One entry: a number, an expression, or the id behind a name. The id of a force is filled in later.
 double par_value(const Value& value, const TableReader& table, Reading& reading, size_t position) {
   const NamedEntry entry = split(value);
   if (entry.prefix.empty()) return table.number_of(value, "par");
@@ -53,7 +53,7 @@ double par_value(const Value& value, const TableReader& table, Reading& reading,
                    role + ": '" + entry.prefix + ":' is no kind of name; " + name_hint(entry.prefix, k_prefixes));
 }
 
-/// What may stand before the colon where a slot holds an id; empty where it holds none.
+/// What may stand before the colon if a slot holds an id; empty if it holds none.
 std::vector<std::string> prefixes_of(ParKind kind) {
   switch (kind) {
     case ParKind::marker:
@@ -108,7 +108,7 @@ std::string name_with_id(const Entities& entities, const char* prefix, double id
   return "";
 }
 
-/// A variable's id wins over an equation's where a value is asked for.
+/// Throws if an equation is named whose id a variable has too: asked for a value, the host answers with the variable's.
 void check_reads_equation(const Value& value, double id, const std::string& role, const Model& model) {
   if (split(value).prefix != "equation") return;
   const std::string variable = name_with_id(model.variables, "", id);
@@ -119,7 +119,7 @@ void check_reads_equation(const Value& value, double id, const std::string& role
                                  "and name that");
 }
 
-/// An id must be that of something of the right kind, however it was written.
+/// Throws if an id does not belong to something of the right kind, whether it was written as a name or as a number.
 void check_slot(const ParSlot& slot, size_t position, const TableReader& table, Reading& reading, double number) {
   const std::vector<std::string> prefixes = prefixes_of(slot.kind);
   if (prefixes.empty() || (slot.kind == ParKind::marker_or_none && number == 0)) return;
@@ -157,7 +157,7 @@ void check_par(const Element& element, const SubroutineLayout& layout, const Tab
   for (size_t i = 0; i < slots.size(); ++i) check_slot(slots[i], i, table, reading, element.par[i]);
 }
 
-/// An element and an applied force may share a name as long as nobody refers to it.
+/// Id of a force or element by name. Both may share a name as long as nothing refers to it.
 double force_id(const Reading& reading, const ForceReference& reference) {
   const Model& model = reading.file.model;
   const bool element = reading.elements.has(reference.name), applied = reading.forces.has(reference.name);

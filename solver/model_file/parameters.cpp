@@ -11,7 +11,7 @@ namespace qvslv {
 
 namespace {
 
-/// What every expression knows beside the model's parameters.
+/// Names that every expression knows besides the model's parameters.
 const std::vector<std::string> k_reserved = {"t",     "pi",   "sin",  "cos",  "tan",   "asin",  "acos",  "atan",
                                              "atan2", "sinh", "cosh", "tanh", "asinh", "acosh", "atanh", "log2",
                                              "log10", "log",  "ln",   "exp",  "sqrt",  "sign",  "rint",  "abs",
@@ -54,7 +54,7 @@ void check_parameter_name(const Value::Entry& entry) {
     throw ModelError(entry.at, "parameter '" + name + "': expressions use this name already; choose another");
 }
 
-/// The entries in an order in which each one's expression names only earlier ones.
+/// Sorts the entries so that each expression names only earlier entries.
 class DependencyOrder {
 public:
   explicit DependencyOrder(const Value& table) : m_table(table) {

@@ -22,12 +22,12 @@ public:
   /// A checked expression of time. Throws ModelError on a name nobody knows and on anything that does not compile.
   Expression expression(const std::string& text, const FilePosition& at) const;
 
-  /// An expression that may also read variables, equations and marker quantities. Only taken over: what it may name is
-  /// known once the whole file is read (see check_expressions).
+  /// An expression that may also read variables, equations and marker quantities. It is not checked here, because what
+  /// it may name is known only when the whole file is read (see check_expressions).
   Expression state_expression(const std::string& text, const FilePosition& at) const;
 
-  /// Complains when expressions use a name already, as a parameter or as one of their own words. `what` is the
-  /// thing that is to have it ("variable").
+  /// Throws ModelError if expressions use a name already, for a parameter or as one of their own words. `what` is the
+  /// kind of thing that is to get the name ("variable").
   void check_name_is_free(const std::string& name, const std::string& what, const FilePosition& at) const;
 
   /// Value of an expression that does not depend on time. Throws ModelError when it does, or is not finite.

@@ -11,33 +11,33 @@
 
 namespace qvslv {
 
-/// An entry of a `par` that is to hold the id of a force or element: of the one called `name`, or, without a name, the
-/// number written there, which is only checked.
+/// An entry of a `par` that holds the id of a force or element. With a `name` the entry gets the id of the thing that
+/// has this name; without one the file gave the number `id`, which is only checked.
 struct ForceReference {
   size_t element = 0;   ///< index into Model::elements
   size_t position = 0;  ///< in its `par`
   std::string name;
   double id = 0;
-  std::string role;
+  std::string role;  ///< who asks, for messages
   FilePosition at;
 };
 
-/// An equation whose right-hand side is a subroutine's result: its element is made behind those of the file.
+/// An equation whose right-hand side is a subroutine's result. Its element is made after the elements of the file.
 struct SubroutineEquation {
-  /// An entry of `par` that is to hold the id of a force.
+  /// An entry of `par` that gets the id of a force or element.
   struct NamedForce {
     size_t position;
     std::string name, role;
     FilePosition at;
   };
   size_t equation = 0;               ///< index into Model::equations
-  std::optional<TableReader> table;  ///< none: another element made it, with what follows
+  std::optional<TableReader> table;  ///< of the equation; none if an element made it and filled in the rest
   std::string subroutine;
   std::vector<double> par;
   std::vector<NamedForce> forces;
 };
 
-/// The id that comes next among variables or equations: one more than the largest so far.
+/// The next id among variables or equations: one more than the largest so far.
 template <class Entities>
 int next_id_of(const Entities& entities) {
   int largest = 0;
@@ -45,7 +45,7 @@ int next_id_of(const Entities& entities) {
   return largest + 1;
 }
 
-/// What the readers of the single tables share while a model file is read.
+/// State that the readers of the single tables share while a model file is read.
 struct Reading {
   ModelFile file;
   Parameters parameters;
@@ -76,15 +76,15 @@ struct Reading {
   int string_id(const std::string& text, const std::string& wished_name);
 };
 
-void read_units(const TableReader& root, Reading& reading);  // settings.cpp, as the next
-void read_simulation(const TableReader& root, Reading& reading);
+void read_units(const TableReader& root, Reading& reading);       // settings.cpp
+void read_simulation(const TableReader& root, Reading& reading);  // settings.cpp
 void read_bodies(const TableReader& root, Reading& reading);
 void read_markers(const TableReader& root, Reading& reading);
 void read_joints(const TableReader& root, Reading& reading);
 void read_variables(const TableReader& root, Reading& reading);
 void read_equations(const TableReader& root, Reading& reading);
 void read_splines(const TableReader& root, Reading& reading);
-void read_forces(const TableReader& root, Reading& reading);  // behind all that makes markers
+void read_forces(const TableReader& root, Reading& reading);  // after all readers that add markers
 void read_strings(const TableReader& root, Reading& reading);
 void read_roads(const TableReader& root, Reading& reading);
 void read_waves(const TableReader& root, Reading& reading);     // water.cpp
@@ -94,16 +94,16 @@ void read_currents(const TableReader& root, Reading& reading);  // water.cpp
 std::vector<TableReader> tables_of(const TableReader& root, const std::string& key,
                                    const std::vector<std::string>& known);
 
-/// A name like the wished one that is not taken yet and that a file can refer to.
+/// The wished name, or a similar one, that is not taken yet and that a file can refer to.
 std::string free_name(const NameTable& names, std::string wish);
 
-/// The file as the library will find it or as a recipe will make it, or ModelError saying where it was looked for and
-/// which table could describe it.
+/// Path of a data file: of the file that the library will find, or of the one that a recipe will make. If there is
+/// neither, throws ModelError that says where the file was looked for and which `table` could describe it.
 std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
                               const FilePosition& at, const std::string& table = "road");
 
-/// The file that an element's key means: that of a [[road]], [[wave]] or [[current]] with this name, else the text
-/// itself, which must be there or be described. Throws ModelError if it is neither.
+/// Name of the file that an element's key means: the file of the [[road]], [[wave]] or [[current]] with this name,
+/// otherwise the text itself. Throws ModelError if this file neither exists nor is described by a table.
 std::string road_file_of(const TableReader& table, const char* key, const Reading& reading);
 std::string wave_file_of(const TableReader& table, const char* key, const Reading& reading);
 std::string current_file_of(const TableReader& table, const char* key, const Reading& reading);

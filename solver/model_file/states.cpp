@@ -4,7 +4,7 @@ namespace qvslv {
 
 namespace {
 
-/// Variables and equations are read by name in expressions: one name, one meaning.
+/// Expressions read variables and equations by name, so the two must not share a name.
 void add_state_name(NameTable& own, const NameTable& other, const char* what, const char* other_what, int index,
                     const TableReader& table, const Reading& reading) {
   const std::string name = table.text("name");
@@ -42,7 +42,7 @@ void read_initial(const TableReader& table, Equation& equation) {
   equation.rate = initial[1];
 }
 
-/// Either an expression or a subroutine's result; the subroutine is read with the elements.
+/// The right-hand side is an expression or a subroutine's result; the subroutine is read with the elements.
 void read_right_side(const TableReader& table, size_t index, Equation& equation, Reading& reading) {
   const bool subroutine = table.has("subroutine");
   if (subroutine && table.has("value")) table.fail("value", "give either a value or a subroutine, not both");
@@ -55,7 +55,7 @@ void read_right_side(const TableReader& table, size_t index, Equation& equation,
     return;
   }
   equation.right_side.at = table.position("subroutine");
-  reading.elements.add(equation.name, k_none, table.position("name"));  // its element, made behind the others
+  reading.elements.add(equation.name, k_none, table.position("name"));  // its element is made after the others
   reading.subroutine_equations.push_back({index, table, "", {}, {}});
 }
 

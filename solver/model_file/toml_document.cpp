@@ -18,7 +18,7 @@ void take_table(const toml::table& table, const std::string& file, Value& value)
   value.kind = Value::Kind::table;
   for (const auto& [key, node] : table)
     value.table.push_back({std::string(key.str()), position_of(key.source(), file), converted(node, file)});
-  // The parser keeps keys sorted by name; the user's order is that of the file.
+  // The parser sorts keys by name; the user expects the order of the file.
   std::stable_sort(value.table.begin(), value.table.end(), [](const Value::Entry& a, const Value::Entry& b) {
     return a.at.line != b.at.line ? a.at.line < b.at.line : a.at.column < b.at.column;
   });

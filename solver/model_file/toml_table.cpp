@@ -12,7 +12,7 @@ namespace {
 
 constexpr double k_degree = 0.017453292519943295;  // [rad]
 
-/// Where a key that should not be there stands.
+/// Position of an unexpected key, or of its value if the key has none (an override has no line).
 const FilePosition& key_position(const Value::Entry& entry) { return entry.at.line != 0 ? entry.at : entry.value.at; }
 
 }  // namespace

@@ -10,14 +10,14 @@
 
 namespace qvslv {
 
-/// What the whole document is called.
+/// Name of the whole document in messages.
 constexpr const char* k_root = "model";
 
 /// Reads one table of a model file, key by key. Every complaint is a ModelError that names the table, the key and
 /// what would be right. Wherever a number is expected, an expression in quotes will do.
 class TableReader {
 public:
-  /// Complains at once about a key that is not in `known`. `what` names the table in messages ("body 'wheel'").
+  /// Throws at once if the table has a key that is not in `known`. `what` names the table in messages ("body 'wheel'").
   TableReader(const Value& table, std::string what, const Parameters& parameters, std::vector<std::string> known);
 
   const FilePosition& at() const { return m_table->at; }
@@ -40,12 +40,12 @@ public:
   Vec3 vector3(const std::string& key) const;
   Vec3 vector3(const std::string& key, const Vec3& otherwise) const;
   std::vector<std::string> texts(const std::string& key) const;
-  /// One of a list of words.
+  /// A text that must be one of `words`.
   std::string choice(const std::string& key, const std::vector<std::string>& words) const;
   /// A number or a text, as an expression of time.
   Expression expression(const std::string& key) const;
   Expression expression_of(const Value& value, const std::string& key) const;
-  /// The same, of states too: not checked before the whole file is read.
+  /// A number or a text, as an expression that may read states too; it is not checked before the whole file is read.
   Expression state_expression(const std::string& key) const;
   Expression state_expression_of(const Value& value, const std::string& key) const;
   double number_of(const Value& value, const std::string& key) const;
@@ -69,7 +69,7 @@ private:
   std::vector<std::string> m_known;
 };
 
-/// Rotation that turns about x, then the new y, then the new z [rad].
+/// Rotation Rx Ry Rz, column by column: a turn about x, then about the new y, then about the new z [rad].
 Rotation body_fixed_xyz(const Vec3& angles);
 
 }  // namespace qvslv

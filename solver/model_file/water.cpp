@@ -14,7 +14,7 @@ const std::vector<std::string> k_wave_keys = {"name", "file",     "kind",      "
                                               "Tp",   "gamma",    "seed",      "depth",  "direction", "components",
                                               "ramp", "duration", "time_step", "extent", "x_step",    "gravity"};
 
-/// Beside the model; no other recipe may describe the same file.
+/// Path of a recipe's file, which lies beside the model. Throws if another recipe describes the same file.
 template <class Recipe>
 std::string path_of_recipe(const TableReader& table, const Reading& reading, const char* kind,
                            const std::vector<Recipe>& others) {
@@ -95,7 +95,7 @@ void warn_about(const WaveSettings& wave, const TableReader& table, Reading& rea
          ": from there on the water keeps its last shape");
 }
 
-/// { profile = "linear", speeds = [0.5, 1.5], over = "y", range = [-20, 20] }, with `speed` for the other kinds.
+/// Reads { profile = "linear", speeds = [0.5, 1.5], over = "y", range = [-20, 20] }; the other kinds have one `speed`.
 CurrentProfile read_profile(const TableReader& current, const char* key) {
   CurrentProfile profile;
   if (!current.has(key)) return profile;

@@ -11,7 +11,7 @@ namespace {
 
 Vec3 to_array(const SimTK::Vec3& v) { return {v[0], v[1], v[2]}; }
 
-/// The list of columns in the making.
+/// Collects the columns; their order is that of the calls.
 class ColumnList {
 public:
   explicit ColumnList(const Model& model) : m_model(model), m_units(model.units) {}

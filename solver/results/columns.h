@@ -9,13 +9,13 @@
 
 namespace qvslv {
 
-/// The engine at an output time, with what several columns are taken from, computed once.
+/// The engine at an output time. Motions that several columns read are computed once.
 struct Moment {
   explicit Moment(const Engine& engine);
 
   struct BodyMotion {
     BodyPose pose;                    ///< of the centre of mass, in ground axes
-    Vec3 velocity, angular_velocity;  ///< likewise
+    Vec3 velocity, angular_velocity;  ///< of the centre of mass and of the body, in ground axes
   };
 
   const Engine& engine;
@@ -32,7 +32,7 @@ struct Column {
 /// The columns of results.csv in their order: time; per body its centre of mass (x, y, z), quaternion (qw, qx, qy, qz),
 /// velocity of the centre of mass (vx, vy, vz) and angular velocity (wx, wy, wz), all in ground axes; per joint its
 /// coordinates and their rates; per element its columns, results of its latest call; variables, and equations (y, and
-/// y' as its rate); kinetic and potential energy. The model outlives them.
+/// y' as its rate); kinetic and potential energy. The model must outlive the columns.
 std::vector<Column> result_columns(const Model& model);
 
 std::vector<std::string> headers_of(const std::vector<Column>& columns);

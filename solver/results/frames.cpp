@@ -20,8 +20,8 @@ std::array<double, 4> quaternion_of(const SimTK::Rotation& rotation) {
 
 Vec3 vector_at(const double* values) { return {values[0], values[1], values[2]}; }
 
-/// The force x of a belt's first point holds the whole contact area besides; the belt's sum tells that area, once a
-/// step has been taken.
+/// Contact area of a belt, which the library adds to the x component of its first point's force. The belt's sum reports
+/// the area after the first accepted step; before that, and without a sum, this is 0.
 double area_in_first_force(const Engine& engine, const Element& belt) {
   const Model& model = engine.multibody().model();
   for (size_t i = 0; i < model.elements.size(); ++i) {

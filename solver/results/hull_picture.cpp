@@ -10,10 +10,10 @@ namespace qvslv {
 
 namespace {
 
-/// A count or an id: truncated, -1 for what no container could hold.
+/// A count or an id, truncated; -1 if it is negative or too large for any container.
 int whole(double value) { return value >= 0 && value < 2e9 ? static_cast<int>(value) : -1; }
 
-/// A count at a place of `par` whose items, of three numbers each, must all be there; -1 when they are not.
+/// The count that stands at `place` in `par`, before its items of three numbers each; -1 if not all items are there.
 int count_at(const std::vector<double>& par, size_t place) {
   if (place >= par.size()) return -1;
   const int count = whole(par[place]);
@@ -29,7 +29,7 @@ std::optional<TriangleMesh> read_mesh(const std::vector<double>& par) {
   for (int k = 0; k < nodes; ++k, at += 3) mesh.points.push_back({at[0], at[1], at[2]});
   const int patches = count_at(par, QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * static_cast<size_t>(nodes));
   ++at;
-  bool spare = false;  // the node behind the last, at the origin
+  bool spare = false;  // whether a patch names the node behind the last, at the origin
   for (int k = 0; k < patches; ++k, at += 3) {
     const std::array<int, 3> patch = {whole(at[0]), whole(at[1]), whole(at[2])};
     bool inside = true;
@@ -43,7 +43,7 @@ std::optional<TriangleMesh> read_mesh(const std::vector<double>& par) {
   return mesh;
 }
 
-/// Depth under the water of a point in the water's frame, 0 where there is none.
+/// Depth of a point, given in the water's frame, under the water; 0 if no water is there.
 double depth_of(const Water& water, double time, const Vec3& point) {
   return is_over(water, point[0]) ? find_level(water, time, point[0]) - point[2] : 0;
 }

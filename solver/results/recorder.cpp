@@ -25,7 +25,7 @@ std::string string_text(const Model& model, int id) {
   return {};
 }
 
-/// All roads of the model, each once, where their markers stand.
+/// All roads of the model in ground axes, each once, at the poses of their markers.
 TriangleMesh place_roads(const Engine& engine, const Report& report) {
   const Model& model = engine.multibody().model();
   TriangleMesh terrain;
@@ -47,7 +47,7 @@ TriangleMesh place_roads(const Engine& engine, const Report& report) {
   return terrain;
 }
 
-/// The water that a hull floats in: index into the recording's, k_none when its file cannot be read.
+/// Adds the water that a hull floats in. Returns its index in Recording::waters, or k_none if its file cannot be read.
 int place_water(Recording& recording, const Hull& hull, const Report& report) {
   const Model& model = *recording.model;
   const Element& element = model.elements[static_cast<size_t>(hull.element)];
@@ -63,7 +63,7 @@ int place_water(Recording& recording, const Hull& hull, const Report& report) {
   return static_cast<int>(recording.waters.size()) - 1;
 }
 
-/// Patch meshes of the model, each with its water.
+/// Adds the patch meshes of the model, each with its water.
 void place_hulls(Recording& recording, const Report& report) {
   const Model& model = *recording.model;
   std::map<std::pair<int, int>, int> waters;  // by string and marker

@@ -19,14 +19,14 @@ namespace qvslv {
 class Recorder {
 public:
   /// Opens the files, which replace those of an earlier run, and places the roads. The engine is at its start.
-  /// @param report  told when a road, a hull or a water cannot be drawn; may be empty
+  /// @param report  called with a text if a road, a hull or a water cannot be drawn; may be empty
   Recorder(const Engine& engine, const std::string& folder, const std::function<void(const std::string&)>& report);
 
-  /// The engine is at an output time: one row, and a frame when one is due.
+  /// Adds a row, and a frame if one is due. The engine is at an output time.
   void record(const Engine& engine);
 
   const Recording& recording() const { return m_recording; }
-  /// Written so far, relative to the folder.
+  /// Files written so far, relative to the folder.
   std::vector<std::string> files() const;
 
 private:
@@ -39,7 +39,7 @@ private:
   std::ofstream m_csv;
   std::string m_csv_path;
   std::unique_ptr<VtkWriter> m_vtk;
-  std::unique_ptr<ContactAxes> m_contact_axes;  ///< for belts; null: the model has none
+  std::unique_ptr<ContactAxes> m_contact_axes;  ///< null if the model has no belt
 };
 
 }  // namespace qvslv

@@ -8,10 +8,10 @@
 /// Models of one belt over a row of wheels on level ground, for tests that hold it against closed forms.
 namespace qvtest {
 
-/// A soil with all that a belt meets [SI, rad].
+/// Values of a soil that the closed forms need [SI, rad].
 struct track_soil {
   const char* preset;
-  double n, kc, kphi, cohesion, friction_angle, shear_modulus;
+  double n, kc, kphi, cohesion, friction_angle, shear_modulus;  ///< the last is Wong's shear displacement K
 
   /// Bekker's pressure at depth z under a footprint whose shorter side is b; 0 above the ground.
   double pressure(double z, double b) const;
@@ -22,11 +22,11 @@ struct track_soil {
 /// Presets of `qvbrisk make road`, soft to firm, whose depths differ by an order of magnitude.
 extern const track_soil k_track_soils[5];
 
-/// Wong's shear curve, as a share of the strength, at a shear displacement of r shear moduli.
+/// Wong's shear curve, as a share of the strength, at a displacement of r times the shear displacement K.
 /// @param sensitivity  strength at r = 1 over that after long slip
 double shear_curve(double r, double sensitivity);
 
-/// Belt of the models, and where its wheels stand [m]. The hull's frame is midway between the axles, on their level.
+/// Belt of the models and the places of its wheels [m]. The hull's frame is midway between the axles, on their level.
 struct belt {
   int wheels = 4;
   double spacing = 0.5, width = 0.3, thickness = 0.02;
@@ -53,16 +53,16 @@ struct belt {
 std::string belt_model(const belt& gear, const track_soil& soil, const std::string& simulation, const std::string& road,
                        const std::string& joint, const std::string& drive, const std::string& more = "");
 
-/// Runs a model text in a folder of its own; fails the test when the run does or has anything to tell.
+/// Runs a model text in a folder of its own; fails the test if the run fails or gives any message.
 ResultTable run_belt(const std::string& model);
 
-/// What the points of a span hand over, as integrals along it.
+/// Forces that the points of a span hand over, as integrals along it.
 ///
 /// A span has N rows from its first to its last point, and each counts as an N-th of it: the two rows at its ends weigh
 /// as much as any other. The sum is the trapezoid rule times (N - 1)/N, and the mean of both ends for the N-th that is
-/// left. What the trapezoid rule itself is off by, h^2/12 times the change of slope, is the tolerance.
+/// left. The tolerance is the error of the trapezoid rule itself, h^2/12 times the change of slope.
 struct span_loads {
-  double total = 0, end = 0;  ///< of all points, and what the lever gives to the wheel where the span ends [N]
+  double total = 0, end = 0;  ///< of all points, and the part that the wheel at the span's end gets [N]
   double tolerance = 0;       ///< of either [N]
 };
 span_loads normal_loads(const belt& gear, const track_soil& soil, double height, int span);

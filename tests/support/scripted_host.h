@@ -39,7 +39,7 @@ public:
 
   /// Called before every request is answered, with its name and first id (0 if it has none).
   std::function<void(const std::string& name, int id)> before_request;
-  std::vector<std::string> requests;  // "AM 1 3", in order, when `log` is set
+  std::vector<std::string> requests;  // "AM 1 3", in order, if `log` is set
   bool log = false;
   int unanswered = 0;
   bool units_were_zeroed = true;   // whether both arrays were zero whenever units were asked for

@@ -8,7 +8,7 @@
 
 namespace qvtest {
 
-/// A folder for the files of one test, gone with it.
+/// A folder for the files of one test; it is removed with this object.
 class TemporaryFolder {
 public:
   TemporaryFolder() {
@@ -39,7 +39,7 @@ private:
   std::filesystem::path m_folder;
 };
 
-/// A file in a folder of this process, which goes when the process ends.
+/// Path of a file in a folder of this process, which is removed when the process ends.
 inline std::string temporary_path(const std::string& name) {
   static const TemporaryFolder folder;
   return folder.path(name);
