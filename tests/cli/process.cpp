@@ -10,6 +10,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/support/temporary_folder.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -65,8 +67,8 @@ CommandResult run_command(const std::vector<std::string>& arguments, const fs::p
 
 fs::path fresh_folder() {
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-  const fs::path folder =
-      fs::path(testing::TempDir()) / ("qvbrisk_" + std::string(test.test_suite_name()) + "_" + test.name());
+  // In a folder of this process: two suites may run at a time.
+  const fs::path folder = qvtest::temporary_path(std::string(test.test_suite_name()) + "_" + test.name());
   fs::remove_all(folder);
   fs::create_directories(folder);
   return folder;

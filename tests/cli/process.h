@@ -31,7 +31,7 @@ private:
   int m_status = 0;
 };
 
-/// A new empty folder with the name of the running test.
+/// A new empty folder with the name of the running test, which goes when the process ends.
 std::filesystem::path fresh_folder();
 
 std::string file_text(const std::filesystem::path& path);
