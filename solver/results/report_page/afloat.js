@@ -1,8 +1,10 @@
 'use strict';
-// Hulls, whose patches are painted by whether they are under the water, and the water as a sheet over its columns.
+// Draws the hulls, with wet patches in another colour than dry ones, and the water as a sheet over its columns.
+// Needs THREE, `page`, `colorMap` and `bodyShapes`; replay.js calls makeAfloat.
 const afloatColors = { wet: '#1f6f93', dry: '#e3b25c', line: '#1f5673' };
 
-// Patches with corners of their own, so that each has a colour. Nodes are in the axes of the hull's body.
+// Mesh of a hull. Patches do not share corners, so that each patch has its own colour. Nodes are in the axes of the
+// hull's body.
 function makeHull(info, firstNode, firstPatch) {
   const nodes = page.arrays.hull_nodes, corners = page.arrays.hull_patches, count = 9 * info.patches;
   const places = new Float32Array(count), box = new THREE.Box3(), p = new THREE.Vector3();
@@ -25,7 +27,7 @@ function makeHull(info, firstNode, firstPatch) {
   const wet = new THREE.Color(afloatColors.wet).toArray(), dry = new THREE.Color(afloatColors.dry).toArray();
   const plain = new THREE.Color(bodyShapes.colors[Math.max(info.body, 0) % bodyShapes.colors.length]).toArray();
 
-  // `bits` starts at a frame's first byte.
+  // Colours the patches; `bits` holds one bit per patch of all hulls, 1 if wet, and starts at a frame's first byte.
   function paint(bits, painted) {
     for (let patch = 0; patch < info.patches; ++patch) {
       const bit = firstPatch + patch, color = !painted ? plain : bits[bit >> 3] >> (bit & 7) & 1 ? wet : dry;
@@ -36,7 +38,7 @@ function makeHull(info, firstNode, firstPatch) {
   return { body: info.body, mesh, net, box, reach, paint };
 }
 
-// The surface over the columns of a water, in the frame of its marker, with lines every `step`.
+// The surface of a water over its columns, in the frame of its marker, with a grid of lines every `step`.
 function makeSheet(info, first, step, [lowest, highest]) {
   const xs = page.arrays.water_x.subarray(first, first + info.columns), columns = info.columns, [low, high] = info.y;
   const group = new THREE.Group(), axis = (k) => new THREE.Vector3().fromArray(info.axes, 3 * k);
@@ -51,7 +53,7 @@ function makeSheet(info, first, step, [lowest, highest]) {
   const sheet = new THREE.Mesh(geometry, new THREE.MeshPhongMaterial({ vertexColors: THREE.VertexColors, transparent: true, opacity: 0.42,
     side: THREE.DoubleSide, depthWrite: false, shininess: 60, specular: 0x445566 }));
 
-  // Lines along x follow the columns; those across lie between two of them.
+  // Lines along x follow the columns; a line across x lies between two columns and interpolates their levels.
   const multiples = (from, to) => Array.from({ length: Math.max(0, Math.floor(to / step) - Math.ceil(from / step) + 1) }, (_, k) => (Math.ceil(from / step) + k) * step);
   const rims = [low, ...multiples(low, high), high];
   const across = columns > 1 ? [xs[0], ...multiples(xs[0], xs[columns - 1]), xs[columns - 1]] : [];
@@ -87,7 +89,7 @@ function makeSheet(info, first, step, [lowest, highest]) {
     });
     lineGeometry.attributes.position.needsUpdate = true;
   }
-  // Levels of a frame and the next, and where between them the time is.
+  // Shows the levels between frame `now` and frame `next`; `fraction` runs from 0 to 1 between them.
   function show(now, next, fraction) {
     for (let k = 0; k < columns; ++k) level[k] = now[first + k] * (1 - fraction) + next[first + k] * fraction;
     placeSheet();
@@ -96,7 +98,7 @@ function makeSheet(info, first, step, [lowest, highest]) {
   return { body: info.body, group, show };
 }
 
-// All that floats; null without a hull.
+// Hulls and waters of the run; null if the model has no hull.
 function makeAfloat() {
   const { data, arrays } = page;
   if (!(data.hulls || []).length || !page.frames) return null;
@@ -112,7 +114,7 @@ function makeAfloat() {
   const largest = Math.max(...hulls.map((hull) => hull.reach));
   const span = Math.max(0, ...data.waters.map((water) => water.y[1] - water.y[0]));
   const step = page.niceStep(Math.max(0.5 * largest, 0.06 * span, 1e-9));
-  // Lowest and highest level of some columns in the run.
+  // Lowest and highest level of `count` columns during the run.
   function extremes(from, count) {
     let low = Infinity, high = -Infinity;
     for (let frame = 0; frame < page.frames; ++frame) {
@@ -127,12 +129,12 @@ function makeAfloat() {
   }
 
   const ofBody = (body) => hulls.filter((hull) => hull.body === body);
-  // Widens a box by the hulls of a body where that stands.
+  // Widens a box by the hulls of a body at a pose.
   function enclose(bounds, body, place, turn) {
     const pose = new THREE.Matrix4().compose(place, turn, new THREE.Vector3(1, 1, 1));
     for (const hull of ofBody(body)) bounds.union(hull.box.clone().applyMatrix4(pose));
   }
-  // A hull stands for the shape of its body where that lies within it.
+  // Whether the hulls of a body replace its shape: the body has no shape, or it lies inside the hulls' box.
   function covers(body, shape) {
     const box = ofBody(body).reduce((sum, hull) => sum.union(hull.box), new THREE.Box3());
     if (box.isEmpty()) return false;

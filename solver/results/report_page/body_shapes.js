@@ -1,5 +1,5 @@
 'use strict';
-// Bodies as meshes. Sectors of two shades let a turning wheel or ball be seen to turn.
+// Makes meshes of bodies. Sectors in two shades show that a wheel or ball turns. Needs THREE.
 const bodyShapes = (() => {
   const colors = ['#2f6db3', '#d0762c', '#3c8f5a', '#8d5bb0', '#b8443f', '#5f6b76', '#b0932b', '#2b98a8'];
 
@@ -12,7 +12,7 @@ const bodyShapes = (() => {
     return geometry;
   }
 
-  // 0 or 1 for a place on the surface.
+  // Shade, 0 or 1, of a place on the surface.
   function sector(shape, p) {
     if (shape.kind === 'sphere') return (p[0] > 0) ^ (p[1] > 0) ^ (p[2] > 0);
     if (shape.kind !== 'cylinder') return 0;
@@ -34,7 +34,7 @@ const bodyShapes = (() => {
     return flat;
   }
 
-  // Half the extents along the body's axes.
+  // Half the extents of a shape along the body's axes.
   function halfSize(shape) {
     const half = new THREE.Vector3();
     if (shape.kind === 'box') return half.fromArray(shape.size).multiplyScalar(0.5);
@@ -42,14 +42,15 @@ const bodyShapes = (() => {
     return shape.kind === 'sphere' ? half : half.setComponent(shape.axis, shape.length / 2);
   }
 
-  // Half the greatest extent; 0 without a shape.
+  // Distance from the centre to the farthest point of a shape; 0 without a shape.
   function reach(shape) {
     if (!shape) return 0;
     if (shape.kind === 'box') return Math.hypot(...shape.size) / 2;
     return shape.kind === 'sphere' ? shape.radius : Math.hypot(shape.radius, shape.length / 2);
   }
 
-  // What is under the ground shows through it. The front faces of these shapes hide none of their own.
+  // Draws a pale copy of the parts that something else hides, so that a wheel shows through the ground. The shapes
+  // are convex, so their own faces never hide a front face.
   function ghost(geometry, color) {
     const mesh = new THREE.Mesh(geometry, new THREE.MeshBasicMaterial({ color, transparent: true, opacity: 0.28,
       depthFunc: THREE.GreaterDepth, depthWrite: false }));

@@ -1,10 +1,10 @@
 'use strict';
-// A camera on a sphere around a target: left button orbits, right button or shift pans, the wheel zooms, two fingers
-// pan and zoom.
+// A camera on a sphere around a target: the left button orbits, the right button or shift pans, the wheel zooms, two
+// fingers pan and zoom. Needs THREE; `up` is a unit vector along an axis, and `onChange` is called after every move.
 function makeOrbitCamera(element, up, onChange) {
   const camera = new THREE.PerspectiveCamera(38, 1, 0.01, 1000);
   camera.up.copy(up);
-  // Plan directions: `east` and `north` span the ground.
+  // `east` and `north` are level and at right angles: the azimuth counts from east.
   const east = Math.abs(up.x) > 0.5 ? new THREE.Vector3(0, 1, 0) : new THREE.Vector3(1, 0, 0);
   const north = new THREE.Vector3().crossVectors(up, east);
   const orbit = { camera, target: new THREE.Vector3(), distance: 10, azimuth: -1.05, elevation: 0.42, place, look };

@@ -1,5 +1,6 @@
 'use strict';
-// Colour maps of even steps for the eye; [r, g, b] from 0 to 1 for a value from 0 to 1.
+// Colour maps whose steps look even: `color` gives [r, g, b] from 0 to 1 for a value from 0 to 1, `legend` and
+// `key` make legends of them. Needs `page`.
 const colorMap = (() => {
   const table = (text) => text.split(' ').map((hex) => [0, 2, 4].map((k) => parseInt(hex.substr(k, 2), 16) / 255));
   const maps = {
@@ -33,7 +34,7 @@ const colorMap = (() => {
     box.append(head, bar, marks);
     return box;
   }
-  // Colours that stand for a thing each.
+  // Legend of single colours: `entries` are pairs of a colour and what it stands for.
   function key(title, entries) {
     const box = document.createElement('div'), head = document.createElement('b'), line = document.createElement('div');
     box.className = 'legend';

@@ -1,5 +1,5 @@
 'use strict';
-// What is told about the run: outcome, figures, messages, settings.
+// Fills the head and the tables of the page with the run's outcome, figures, messages and settings. Needs `page`.
 function fillHeader() {
   const { data, byId, number, withUnit } = page, run = data.run, units = data.units;
   const words = { finished: 'Finished', interrupted: 'Interrupted', stopped: 'Stopped by a subroutine', failed: 'Failed' };

@@ -1,5 +1,6 @@
 'use strict';
-// Puts the page together. A part that cannot work leaves the others alone.
+// Puts the page together and connects its controls; loaded last, it needs all other scripts. If the replay cannot
+// work, the rest of the page still does.
 (() => {
   const { data, byId } = page;
   fillHeader();
@@ -83,7 +84,8 @@
     replay.refresh();
   }
 
-  // The end is seen first: the whole track, and how a run ended that failed. `#t=1.5` in the address starts elsewhere.
+  // The page starts at the end of the run, which shows the whole track and how a failed run ended. With `#t=1.5` in the
+  // address it starts at this time.
   const asked = /(?:^#|&)t=([-+.\de]+)/.exec(location.hash);
   clock.set(asked ? Number(asked[1]) : clock.end);
   document.body.dataset.ready = 'yes';

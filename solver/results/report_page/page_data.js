@@ -1,5 +1,6 @@
 'use strict';
-// What the page shows: the JSON and the arrays that stand beside it, and small helpers for texts.
+// Reads what the page shows, the JSON and the base64 arrays beside it, and offers helpers for numbers and texts.
+// Loaded before all scripts that use `page`; needs nothing but the document.
 const page = (() => {
   const data = JSON.parse(document.getElementById('page-data').textContent);
 
@@ -12,19 +13,19 @@ const page = (() => {
     arrays[name] = new kinds[info.type](bytes.buffer);
   }
 
-  // First point of each frame.
+  // Index of the first contact point of each frame.
   const firstPoint = [0];
   for (const count of arrays.point_counts) firstPoint.push(firstPoint[firstPoint.length - 1] + count);
 
-  // Names may hold dots, as may quantities: the longest name that fits owns a column.
+  // Names and quantities may hold dots, so the longest name that fits owns a column.
   const names = [...data.bodies.map((b) => b.name), ...data.joints, ...data.elements.map((e) => e.name)].sort((a, b) => b.length - a.length);
   function ownerOf(column) {
     const owner = names.find((name) => column.startsWith(name + '.'));
     return owner !== undefined ? owner : column.slice(0, Math.max(column.lastIndexOf('.'), 0));
   }
 
-  // Columns as { name, owner, quantity, unit, values, isState }; owner '' for those of the whole run. Variables and
-  // equations are states; their names may be those of bodies too.
+  // Columns as { name, owner, quantity, unit, values, isState }; a column of the whole run has the owner ''. Variables
+  // and equations are states; a state may have the same name as a body.
   const states = new Set(data.states);
   const rows = arrays.row_times.length;
   const columns = (data.columns || []).slice(1).map((header, k) => {
@@ -48,7 +49,7 @@ const page = (() => {
     const v = ['vx', 'vy', 'vz'].map((q) => columnByName.get(body.name + '.' + q));
     if (v.every(Boolean)) derive(body.name, 'speed', v[0].unit, (k) => Math.hypot(v[0].values[k], v[1].values[k], v[2].values[k]));
   }
-  // Reports of hulls give angles from 0 to 360: about the upright they would jump.
+  // Reports of hulls give angles from 0 to 360 degrees, which jump when the hull is upright; the signed ones do not.
   for (const element of data.elements.filter((e) => e.subroutine === 'qvhydro_report')) {
     for (const quantity of ['roll', 'pitch']) {
       const angle = columnByName.get(element.name + '.' + quantity);
@@ -58,7 +59,7 @@ const page = (() => {
   const kinetic = columnByName.get('kinetic_energy'), potential = columnByName.get('potential_energy');
   if (kinetic && potential) derive('', 'total_energy', kinetic.unit, (k) => kinetic.values[k] + potential.values[k]);
 
-  // A number as an engineer writes it: 4 digits, no trailing zeros.
+  // A number as text, with 4 digits and without trailing zeros.
   function number(value, digits = 4) {
     if (!Number.isFinite(value)) return String(value);
     if (value === 0) return '0';
@@ -68,21 +69,21 @@ const page = (() => {
   }
   const withUnit = (value, unit) => number(value) + (unit ? ' ' + unit : '');
 
-  // A round number not below a value, whose quarters are short to write.
+  // The next round number not below a value; its quarters have few digits.
   function roundUp(value) {
     if (!(value > 0)) return value;
     const power = 10 ** Math.floor(Math.log10(value));
     return power * [1, 1.2, 1.6, 2, 2.4, 3, 4, 5, 6, 8, 10].find((round) => round * power >= value * (1 - 1e-6));
   }
 
-  // 1, 2 or 5 times a power of ten, near a value.
+  // The number 1, 2 or 5 times a power of ten that is near a value.
   function niceStep(value) {
     const power = 10 ** Math.floor(Math.log10(value));
     const factor = value / power;
     return power * (factor < 1.5 ? 1 : factor < 3.5 ? 2 : factor < 7.5 ? 5 : 10);
   }
 
-  // Last index whose time is not after `time`.
+  // The last index whose time is not after `time`; 0 if there is none. `times` increase.
   function indexAt(times, time) {
     let low = 0, high = times.length - 1;
     while (low < high) {

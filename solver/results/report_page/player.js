@@ -1,5 +1,5 @@
 'use strict';
-// The time that all of the page shows, and the controls that move it.
+// `clock` is the time that all parts of the page show; makePlayer connects the controls that move it. Needs `page`.
 const clock = (() => {
   const listeners = [];
   const times = page.frames ? page.arrays.frame_times : page.arrays.row_times;
@@ -41,7 +41,7 @@ function makePlayer() {
     clock.set(time);
     if (running) requestAnimationFrame(tick);
   }
-  // Model time that passes in a second.
+  // One second in the model's unit of time.
   function secondsPerUnit() {
     const unit = { ms: 1000, min: 1 / 60, h: 1 / 3600 }[page.data.units.time];
     return unit || 1;

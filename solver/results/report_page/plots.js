@@ -1,5 +1,6 @@
 'use strict';
-// Plots of columns over time. One plot is marked; ticks in the list add to it. All share a time span and the cursor.
+// Plots of columns over time. One plot is active, and ticks in the list of columns add to it; all plots share
+// a time span and the cursor. Needs Chart, `page` and `clock`.
 function makePlots() {
   const { data, arrays, columns, byId, rows } = page;
   const colors = ['#1f77b4', '#d95f02', '#2a9d55', '#8e5bb5', '#c0392b', '#7a6a53', '#e377c2', '#0f9aa8', '#a59a1f', '#5b6b7b'];
@@ -28,7 +29,8 @@ function makePlots() {
                           ticks: { maxRotation: 0, maxTicksLimit: 11, callback: (v) => page.number(v) }, grid: { color: '#eef1f5' } } };
     unitsOf(chart).forEach((unit, k) => {
       const [low, high] = extremes(chart.columns.filter((c) => c.unit === unit));
-      // Rounding is no signal: values that are constant to single precision are drawn on a scale that starts at 0.
+      // Values that are constant to single precision get a scale that starts at 0, so that rounding does not look
+      // like a signal.
       const flat = high - low <= 1e-5 * Math.max(Math.abs(low), Math.abs(high));
       scales['y' + k] = { type: 'linear', position: k % 2 ? 'right' : 'left', title: { display: Boolean(unit), text: `[${unit}]` },
                           suggestedMin: flat ? Math.min(0, 1.2 * low) : undefined, suggestedMax: flat ? Math.max(0, 1.2 * high) : undefined,
@@ -80,7 +82,7 @@ function makePlots() {
     }
   }
 
-  // Click: the replay goes there. Drag: zoom. Double click: all.
+  // A click moves the replay to its time, dragging zooms to a span, and a double click shows the whole run.
   function listen(chart, box) {
     let from = null;
     const mark = chart.mark;
@@ -205,7 +207,7 @@ function makePlots() {
     const upName = 'xyz'[data.up.axis];
     const changes = (c) => c.values.some((v) => Number.isFinite(v) && v !== 0);
     const same = (a, b) => a.unit === b.unit && a.values.every((v, k) => v === b.values[k]);
-    // A sum over one element repeats it: shown once.
+    // A sum over one element repeats its column, so equal columns are shown once.
     const owned = (kind, test, most = 8) => columns.filter((c) => kindOf(c.owner) === kind && test(c)).reduce(
       (chosen, c) => kind === 'element' && chosen.some((other) => same(other, c)) ? chosen : [...chosen, c], []).slice(0, most);
     const runs = (owner, subroutine) => data.elements.some((e) => e.name === owner && subroutine.test(e.subroutine));
@@ -223,7 +225,7 @@ function makePlots() {
       ['Energies of the whole model', owned('whole model', (c) => !c.isState && /energy/.test(c.quantity))],
     ];
     for (const [name, chosen] of wanted) if (chosen.length) addChart(name, chosen);
-    // Elements that report something else: one plot each, of the unit that most columns have.
+    // Each element that reports something else gets one plot, of the columns with its most frequent unit.
     const others = owned('element', (c) => !/^(force|torque|moment)_|area/.test(c.quantity) && !isAfloat(c.owner) && changes(c), 64);
     for (const owner of [...new Set(others.map((c) => c.owner))].slice(0, 4)) {
       const mine = others.filter((c) => c.owner === owner), count = (unit) => mine.filter((c) => c.unit === unit).length;

@@ -1,5 +1,6 @@
 'use strict';
-// The 3D picture: bodies, ground, contact points and forces at a time of the run.
+// The 3D picture of the run at a time: bodies, ground, hulls and water, contact points and forces. Needs THREE,
+// `page`, `colorMap`, `bodyShapes` and the makers of camera, terrain and hulls. Throws if the browser has no WebGL.
 function makeReplay() {
   const { data, arrays, byId } = page;
   const stage = byId('stage'), canvas = byId('view');
@@ -18,7 +19,7 @@ function makeReplay() {
   // --- poses ---------------------------------------------------------------------------------------------------
   const placeOf = (frame, body, out = new THREE.Vector3()) => out.fromArray(arrays.poses, 7 * (frame * bodies + body));
   const turnOf = (frame, body, out = new THREE.Quaternion()) => out.fromArray(arrays.poses, 7 * (frame * bodies + body) + 3);
-  const finite = (v) => Number.isFinite(v.x + v.y + v.z);  // a run may end in values that are none
+  const finite = (v) => Number.isFinite(v.x + v.y + v.z);  // a failed run may end in values that are not finite
   const afloat = makeAfloat();
   const reach = data.bodies.map((b, k) => Math.max(bodyShapes.reach(b.shape), afloat ? afloat.reach(k) : 0));
 
@@ -46,7 +47,7 @@ function makeReplay() {
   }
   const travel = centroid(page.frames - 1).distanceTo(centroid(0));
 
-  // --- what can be seen of contacts ----------------------------------------------------------------------------
+  // --- values of contact points --------------------------------------------------------------------------------
   const pointCount = arrays.points.length / 8;
   const pointValue = {
     depth: (k) => arrays.points[8 * k + 6],
@@ -70,7 +71,7 @@ function makeReplay() {
 
   // --- the scene -----------------------------------------------------------------------------------------------
   const largest = Math.max(0, ...reach);
-  // Lines about a body apart, some tens over the terrain.
+  // Grid lines are about a body's size apart, but at most some tens of them cross the terrain.
   const ground = new THREE.Box3().setFromArray(arrays.terrain_points).getSize(new THREE.Vector3()).length();
   const gridStep = page.niceStep(Math.max(1.6 * largest, 0.01 * ground, 1e-9));
   const terrain = makeTerrain(runMost.depth, gridStep);
@@ -84,7 +85,7 @@ function makeReplay() {
   if (terrain) scene.add(terrain.mesh);
   else if (!afloat || !afloat.hasSheet) scene.add(makeFloor());
 
-  // Without a terrain: a grid under the lowest place of the run.
+  // A grid under the lowest place of the run, for a model without a terrain.
   function makeFloor() {
     const size = bounds.getSize(new THREE.Vector3());
     size.setComponent(data.up.axis, 0);
@@ -112,7 +113,7 @@ function makeReplay() {
     return line;
   });
 
-  // Points lie under the ground: they are drawn over everything.
+  // Contact points lie under the ground, so they are drawn over everything.
   const most = Math.max(1, ...arrays.point_counts);
   const dot = document.createElement('canvas');
   dot.width = dot.height = 32;
@@ -176,7 +177,7 @@ function makeReplay() {
       shapes[b].quaternion.copy(turnOf(frame, b)).slerp(turnOf(next, b), fraction);
     }
   }
-  // Between frames the points of a contact go along with its body.
+  // Between frames the points of a contact move with its body; returns this displacement.
   function drift(element, frame) {
     const body = data.elements[element].body;
     return body < 0 ? new THREE.Vector3() : shapes[body].position.clone().sub(placeOf(frame, body));
@@ -260,7 +261,7 @@ function makeReplay() {
     if (now && finite(now)) {
       orbit.target.copy(now);
       const radius = state.follow === 'all' ? widest : reach[Number(state.follow)] || axisSize;
-      orbit.distance = distanceFor((afloat ? 3 : 2.1) * radius);  // of what floats, the water around it is seen too
+      orbit.distance = distanceFor((afloat ? 3 : 2.1) * radius);  // around something afloat the water is shown too
     } else {
       bounds.getCenter(orbit.target);
       orbit.distance = distanceFor(0.62 * bounds.getSize(new THREE.Vector3()).length() + 0.3 * largest);
@@ -296,7 +297,7 @@ function makeReplay() {
     drawGizmo(orbit.camera);
     stage.dataset.drawn = 'yes';
   }
-  // Shows a time: the frame at or before it, bodies moved on towards the next one.
+  // Shows a time: contacts of the frame at or before it, and bodies and water interpolated towards the next frame.
   function show(time) {
     const times = arrays.frame_times, frame = page.indexAt(times, time), next = Math.min(frame + 1, page.frames - 1);
     const fraction = next > frame ? Math.min(Math.max((time - times[frame]) / (times[next] - times[frame]), 0), 1) : 0;
@@ -319,7 +320,7 @@ function makeReplay() {
     if (name === 'follow') fit();
     refresh();
   }
-  // The contact point under the pointer, as text; null without one.
+  // Text on the contact point under the pointer; null if there is none.
   function describe(x, y) {
     if (!points.visible) return null;
     const place = pointGeometry.attributes.position.array, p = new THREE.Vector3();
@@ -339,7 +340,7 @@ function makeReplay() {
     draw();
     return canvas.toDataURL('image/png');
   }
-  // A new size empties the canvas: it is drawn at once.
+  // A new size empties the canvas, so the picture is drawn again at once.
   new ResizeObserver(() => { resize(); draw(); }).observe(stage);
   resize();
   state.follow = travel > 1.2 * widest && bodies ? (bodies === 1 ? '0' : 'all') : 'free';
@@ -354,7 +355,7 @@ function makeReplay() {
            } };
 }
 
-// The ground axes in the corner.
+// Draws the ground axes in the corner.
 function drawGizmo(camera) {
   const canvas = page.byId('gizmo'), g = canvas.getContext('2d'), half = canvas.width / 2;
   g.clearRect(0, 0, canvas.width, canvas.height);

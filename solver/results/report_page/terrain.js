@@ -1,9 +1,11 @@
 'use strict';
 // The ground: shaded, with grid lines, and with the track that contact points leave. The track is a plan-view texture
-// of the deepest sinkage so far, so that it is as sharp as the contact points are dense, on any mesh.
+// of the deepest sinkage so far, so that it is as sharp as the contact points are dense, on any mesh. Needs THREE,
+// `page` and `colorMap`; replay.js calls makeTerrain.
 
-// How an element's points lie in plan: along the level direction of its body's y axis and across it. The points of a
-// grid share these coordinates row by row, so that the gaps between them are the grid's.
+// Direction in plan, as [cos, sin], along which an element's points are sorted: the level part of its body's y axis, or
+// of its x axis if y is upright. The points of a row or column share a coordinate along or across it, so that gaps
+// between coordinates are gaps of the grid.
 function planFrame(element, frame, axisA, axisB) {
   const body = page.data.elements[element].body, bodies = page.data.bodies.length;
   const turn = new THREE.Quaternion();
@@ -16,6 +18,7 @@ function planFrame(element, frame, axisA, axisB) {
   return [1, 0];
 }
 
+// Median gap between the rows of a grid; `values` are the coordinates of its points.
 function rowGap(values) {
   values.sort((a, b) => a - b);
   const slack = 0.2 * (values[values.length - 1] - values[0]) / values.length ** 0.75;
@@ -24,7 +27,7 @@ function rowGap(values) {
   return gaps.length ? gaps.sort((a, b) => a - b)[gaps.length >> 1] : 0;
 }
 
-// Half the cell of the grid that a point stands for, per element: [along, across].
+// Half the size of the grid cell that a point stands for, per element: [along, across] in the direction of planFrame.
 function halfCells(axisA, axisB) {
   const { arrays, data, firstPoint } = page;
   const fullest = data.elements.map(() => ({ frame: -1, count: 0 }));
@@ -119,7 +122,7 @@ const terrainShader = {
     #endif
     vec2 at = (plan - trackBox.xy) / trackBox.zw;
     if (showTrack > 0.5 && all(greaterThan(at, vec2(0.0))) && all(lessThan(at, vec2(1.0)))) {
-      vec4 mark = texture2D(track, at);  // premultiplied: nothing pressed is all 0
+      vec4 mark = texture2D(track, at);  // premultiplied; all 0 where no point has pressed
       diffuseColor.rgb = diffuseColor.rgb * (1.0 - mark.a) + mark.rgb;
     }`,
 };
