@@ -1,13 +1,12 @@
 #include <algorithm>
 
+#include "qvbrisk/constants.h"
 #include "solver/model/nearest_name.h"
 #include "solver/model_file/reading.h"
 
 namespace qvslv {
 
 namespace {
-
-constexpr double k_degree = 0.017453292519943295;  // [rad]
 
 const std::vector<std::string> k_joint_keys = {"name",          "type",  "body",           "parent",     "position",
                                                "body_position", "axis",  "angles",         "angles_deg", "marker",
@@ -142,7 +141,7 @@ std::vector<double> read_coordinates(const TableReader& joint, const char* key, 
     const std::string degrees = name + "_deg";
     if (table.has(name) && table.has(degrees))
       table.fail(degrees, "give the angle once, either in radians or in degrees");
-    values[i] = table.has(degrees) ? table.number(degrees) * k_degree : table.number(name, 0);
+    values[i] = table.has(degrees) ? table.number(degrees) * DTOR : table.number(name, 0);
   }
   return values;
 }
@@ -162,7 +161,7 @@ void read_spatial_start(const TableReader& joint, bool free, Joint& result) {
     start.rotation();  // throws if both kinds of angles are given
     angles = start.vector3("angles", {0, 0, 0});
     if (start.has("angles_deg"))
-      for (size_t i = 0; i < 3; ++i) angles[i] = start.vector3("angles_deg")[i] * k_degree;
+      for (size_t i = 0; i < 3; ++i) angles[i] = start.vector3("angles_deg")[i] * DTOR;
     position = start.vector3("position", {0, 0, 0});
   }
   if (joint.has("start_velocity")) {

@@ -4,13 +4,12 @@
 #include <charconv>
 #include <cmath>
 
+#include "qvbrisk/constants.h"
 #include "solver/model/nearest_name.h"
 
 namespace qvslv {
 
 namespace {
-
-constexpr double k_degree = 0.017453292519943295;  // [rad]
 
 /// Position of an unexpected key, or of its value if the key has none (an override has no line).
 const FilePosition& key_position(const Value::Entry& entry) { return entry.at.line != 0 ? entry.at : entry.value.at; }
@@ -169,7 +168,7 @@ Rotation TableReader::rotation() const {
   if (has("angles") && has("angles_deg")) fail("angles_deg", "give either angles [rad] or angles_deg, not both");
   if (has("angles")) return body_fixed_xyz(vector3("angles"));
   Vec3 angles = vector3("angles_deg", {0, 0, 0});
-  for (double& angle : angles) angle *= k_degree;
+  for (double& angle : angles) angle *= DTOR;
   return body_fixed_xyz(angles);
 }
 

@@ -11,7 +11,7 @@ namespace qvtest {
 /// Values of a soil that the closed forms need [SI, rad].
 struct track_soil {
   const char* preset;
-  double n, kc, kphi, cohesion, friction_angle, shear_modulus;  ///< the last is Wong's shear displacement K
+  double n, kc, kphi, cohesion, friction_angle, shear_displacement;  ///< the last is Wong's K
 
   /// Bekker's pressure at depth z under a footprint whose shorter side is b; 0 above the ground.
   double pressure(double z, double b) const;

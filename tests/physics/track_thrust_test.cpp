@@ -35,7 +35,7 @@ TEST(LockedTrackDragged, FollowsTheShearCurveOverTheWayItWasDragged) {
     const ResultTable table = run_carried(gear, soil, k_drag, 0, 0);
     const double strength = gear.area() * soil.strength(soil.pressure(0.04, gear.shorter_side()));
     for (size_t row = 1; row < table.rows(); ++row) {
-      const double r = -k_drag * table["time [s]"][row] / soil.shear_modulus;
+      const double r = -k_drag * table["time [s]"][row] / soil.shear_displacement;
       EXPECT_NEAR(table["belt_shear.force_x [N]"][row], strength * qvtest::shear_curve(r, k_sensitivity),
                   1e-6 * strength)
           << soil.preset << ", row " << row;
@@ -61,7 +61,7 @@ TEST(TrackSlippingEvenly, FollowsTheShearCurveOverTheDisplacementThatItsStepsAdd
       double displacement = 0;
       for (size_t row = 1; row < table.rows(); ++row) {
         displacement += (c.belt - c.hull) * table["time [s]"][row];
-        const double share = qvtest::shear_curve(std::fabs(displacement) / soil.shear_modulus, k_sensitivity);
+        const double share = qvtest::shear_curve(std::fabs(displacement) / soil.shear_displacement, k_sensitivity);
         EXPECT_NEAR(table["belt_shear.force_x [N]"][row], std::copysign(strength * share, displacement),
                     1e-6 * strength)
             << c.why << ", " << soil.preset << ", row " << row;
@@ -86,7 +86,7 @@ TEST(LeaningTrackSlippingEvenly, HasTheThrustOfTheStrengthIntegratedAlongIt) {
     double displacement = 0;
     for (size_t row = 1; row < table.rows(); ++row) {
       displacement += 0.05 * table["time [s]"][row];
-      const double share = qvtest::shear_curve(displacement / soil.shear_modulus, k_sensitivity);
+      const double share = qvtest::shear_curve(displacement / soil.shear_displacement, k_sensitivity);
       EXPECT_NEAR(table["belt_shear.force_x [N]"][row], share * (soil.cohesion * plan + normal * slope),
                   1.1 * slope * tolerance)
           << soil.preset << ", row " << row;
@@ -102,7 +102,7 @@ TEST(TrackDraggedSideways, IsHeldBackAtItsWheels) {
     const ResultTable table = run_carried(gear, soil, 0, k_drift, 0);
     const double strength = gear.area() * soil.strength(soil.pressure(0.04, gear.shorter_side()));
     for (size_t row = 1; row < table.rows(); ++row) {
-      const double r = k_drift * table["time [s]"][row] / soil.shear_modulus;
+      const double r = k_drift * table["time [s]"][row] / soil.shear_displacement;
       const double force = -strength * qvtest::shear_curve(r, k_sensitivity);
       for (int wheel = 0; wheel < 4; ++wheel) {
         const std::string column = "belt_wheel_" + std::to_string(wheel + 1) + ".force_y [N]";
