@@ -214,7 +214,8 @@ TEST(Command, ExpandPrintsWhatTheSubroutineIsCalledWith) {
   const CommandResult result = run_command({"expand", "press.toml"}, folder_with_model());
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_THAT(result.out, HasSubstr("subroutine = \"qvsoil_interaction\"\n"));
-  EXPECT_THAT(result.out, HasSubstr("  1,                      # par[9]           shape: 1 plate, any other value wheel\n"));
+  EXPECT_THAT(result.out,
+              HasSubstr("  1,                      # par[9]           shape: 1 plate, any other value wheel\n"));
 }
 
 TEST(Command, MadeRoadHasTheSameBytesForTheSameSeedInAnyProcess) {

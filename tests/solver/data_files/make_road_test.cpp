@@ -181,7 +181,7 @@ class RoadFile : public testing::Test {
 protected:
   void SetUp() override {
     m_folder = fs::path(testing::TempDir()) /
-              ("road_file_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+               ("road_file_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(m_folder);
     fs::create_directories(m_folder);
   }

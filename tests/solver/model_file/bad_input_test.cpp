@@ -140,8 +140,9 @@ TEST(BadInput, PageShowsEveryMistakeAndItsMessage) {
 TEST(BadInput, ParameterListOfTheWrongLengthShowsTheExpectedLayout) {
   const std::string message =
       message_of(changed("par = [0, 1, \"body:ball\", 0.2]", "par = [0, 1, \"body:ball\"]"), {});
-  EXPECT_THAT(message,
-              HasSubstr("\n  par[1]  n: number of balls\n  par[2]  body of ball 0\n  par[3]  diameter of ball 0 [length]"));
+  EXPECT_THAT(
+      message,
+      HasSubstr("\n  par[1]  n: number of balls\n  par[2]  body of ball 0\n  par[3]  diameter of ball 0 [length]"));
 }
 
 TEST(BadInput, FileThatIsNotThereIsSaidSo) {
