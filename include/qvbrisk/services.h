@@ -91,8 +91,9 @@ void get_string_s(void* handle, int id, int* length, wchar_t* text, int* err);
 void GET_QVSPATH_S(void* handle, int* length, wchar_t* path, int* err);
 
 /* Asks the host to end the analysis. It returns, and the subroutine completes its call; the host stops behind it.
- * The library asks this if there is no memory for a road. The three ints are 1, 0, 1 in every call; nothing here gives
- * them a meaning. `message` is null if there is none. `status` is 0 before the call and not looked at afterwards. */
+ * The library asks this if a road cannot be read for a reason that has no message, as when memory runs out. The three
+ * ints are 1, 0, 1 in every call; nothing here gives them a meaning. `message` is null if there is none. `status` is 0
+ * before the call and not looked at afterwards. */
 void stop_solver(void* handle, int, int, int, const char* message, int* status);
 
 /* Reports that a user subroutine failed; called once per failed call, after which the subroutine returns.
