@@ -108,7 +108,7 @@ public:
   double shear_stress_1;   ///< of Wong's law, along tangent 1 [force/length^2]
   double shear_stress_2;   ///< of Wong's law, along tangent 2 [force/length^2]
   double effective_area;   ///< the point's share of the contact area [length^2]
-  double dynamic_sinkage;  ///< sinkage that shearing adds, 0 or negative [length]
+  double dynamic_sinkage;  ///< sinkage that shearing adds, as a rule 0 or negative [length]
   double static_sinkage;   ///< the sinkage that enters Bekker's law, 0 or negative [length]
   std::string soil_type;   ///< the road's
 

@@ -59,7 +59,7 @@ inline double get_effective_area(const contact_patch& patch, double area_ratio) 
 /// ratio under a fractional exponent gives NaN, which shows in the result.
 /// @param last_pressure  of the last converged step, positive in compression    @param shear_disp  j1, j2 [length]
 /// @param power  remembers the pressure's power, which stays the same between converged steps
-/// @return       0 or negative [length]
+/// @return       [length], 0 or negative unless c is negative
 inline double get_dynamic_sinkage(const qvsoilrdf::CDynamicSinkage& dynamic, double last_pressure,
                                   const double* shear_disp, remembered_power& power) {
   if (dynamic.critical_pressure == 0.0) return 0.0;

@@ -29,10 +29,10 @@ struct Column {
   std::function<double(const Moment&)> value;
 };
 
-/// The columns of results.csv in their order: time; per body its centre of mass (x, y, z), quaternion (qw, qx, qy, qz),
-/// velocity of the centre of mass (vx, vy, vz) and angular velocity (wx, wy, wz), all in ground axes; per joint its
-/// coordinates and their rates; per element its columns, results of its latest call; variables, and equations (y, and
-/// y' as its rate); kinetic and potential energy. The model must outlive the columns.
+/// The columns of results.csv in their order (docs/engine.md, "Files of a run"): time; per body place, quaternion,
+/// velocity and angular velocity, all in ground axes; per joint its coordinates and their rates; per element its
+/// columns, results of its latest call; variables, and equations (y, and y' as its rate); kinetic and potential energy.
+/// The model must outlive the columns.
 std::vector<Column> result_columns(const Model& model);
 
 std::vector<std::string> headers_of(const std::vector<Column>& columns);

@@ -1,7 +1,7 @@
-// Tables of `par` and `result` in the documentation, made from the layouts of the public header.
+// Makes the tables of `par` and `result` in the documentation from the layouts of the public header.
 //
-//   docs_tables --check FILE...   fails, with file and line, if a table is not as it would be made, or if a list has
-//   none docs_tables --write FILE...   makes the tables anew
+//   docs_tables --check FILE...   fails, with file and line, if a table differs or a list has no table
+//   docs_tables --write FILE...   makes the tables anew
 //
 // A table stands between the lines <!-- layout SUBROUTINE par --> (or result) and <!-- end of layout -->.
 
