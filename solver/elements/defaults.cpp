@@ -63,6 +63,7 @@ std::vector<ResultColumn> default_columns(const Element& element, const Model& m
   const SubroutineLayout* layout = find_layout(element.subroutine);
   if (layout != nullptr) return columns_of(*layout, element, model);
   std::vector<ResultColumn> columns;
+  columns.reserve(static_cast<size_t>(element.result_length));
   for (int i = 0; i < element.result_length; ++i) columns.push_back({i, "result_" + std::to_string(i), ""});
   return columns;
 }

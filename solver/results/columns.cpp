@@ -135,6 +135,7 @@ std::vector<Column> result_columns(const Model& model) {
 
 std::vector<std::string> headers_of(const std::vector<Column>& columns) {
   std::vector<std::string> headers;
+  headers.reserve(columns.size());
   for (const Column& column : columns) headers.push_back(column.header);
   return headers;
 }
