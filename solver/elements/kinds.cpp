@@ -8,7 +8,7 @@
 
 namespace qvslv {
 
-// Each is defined in the file of its name.
+// Each is defined in the file of its name; plain_kind is type = "subroutine".
 ReadableKind plain_kind();
 ReadableKind soil_contact_kind();
 ReadableKind track_kind();

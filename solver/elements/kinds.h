@@ -16,7 +16,8 @@ public:
   virtual ~KindReader() = default;
 
   /// The plain elements that a table stands for, one or more. They will follow Model::elements as it is now, and get
-  /// the table's name (and a number, if there are several) unless they have names already.
+  /// the table's name (and a number, if there are several) unless they have names already. Each has had set_defaults
+  /// (elements/defaults.h), which fills in what follows from `par`.
   virtual std::vector<Element> read(const TableReader& table, Reading& reading) = 0;
 
   /// Called once the elements of all tables are there: fills in numbers and counts that need all of them, and may add
