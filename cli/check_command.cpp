@@ -9,6 +9,7 @@
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
+#include "cli/tell_findings.h"
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
@@ -23,6 +24,7 @@ namespace {
 
 struct FileRequest {
   std::string file;
+  bool strict = false, json = false;
   std::vector<std::string> overrides;
 };
 
@@ -41,15 +43,11 @@ void tell_road(const qvslv::RoadCheck& road) {
   for (const auto& [key, value] : road.values) std::printf("  %-17s %g\n", key.c_str(), value);
 }
 
-int check_road(const std::string& file) {
+qvslv::Findings check_road(const std::string& file, bool describe) {
   if (!std::filesystem::is_regular_file(file)) throw UsageError("there is no road file " + file);
   const qvslv::RoadCheck road = qvslv::check_road_file(file);
-  tell_road(road);
-  for (size_t i = 0; i < road.found.size(); ++i)
-    std::fprintf(stderr, "%s: %s\n", road.found[i].refused ? "error" : "warning", road.findings()[i].c_str());
-  if (road.refused()) return k_bad_input;
-  std::printf(road.found.empty() ? "ok\n" : "can be read; see the warnings\n");
-  return k_done;
+  if (describe) tell_road(road);
+  return road.found;
 }
 
 const char* plural(size_t count) { return count == 1 ? "" : "s"; }
@@ -77,10 +75,8 @@ void tell_model(const qvslv::ModelFile& file) {
                 hull.center[2]);
 }
 
-/// Tells about the roads that the model uses and that exist; files that a run makes are only announced. True if a
-/// road's reader would refuse it.
-bool tell_files_of(const qvslv::ModelFile& file) {
-  bool refused = false;
+/// Tells about the files that the model uses and that exist; files that a run makes are only announced.
+void tell_files_of(const qvslv::ModelFile& file) {
   tell_water_of(file);
   for (const qvslv::RoadRecipe& recipe : file.roads)
     if (qvslv::road_file_state(recipe.path, recipe.settings) != qvslv::RoadFileState::current)
@@ -92,23 +88,35 @@ bool tell_files_of(const qvslv::ModelFile& file) {
     const std::string& name = file.model.strings[static_cast<size_t>(element.road_string) - 1].text;
     const std::string path = qvslv::find_data_file(name, file.model.path);
     if (path.empty() || !seen.insert(path).second) continue;
-    const qvslv::RoadCheck road = qvslv::check_road_file(path);
     std::printf("  road ");
-    tell_road(road);
-    refused = refused || road.refused();
+    tell_road(qvslv::check_road_file(path));
   }
-  return refused;
 }
 
-int check_model(const FileRequest& request) {
-  const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides);
-  tell_model(file);
-  const bool refused = tell_files_of(file);
-  for (const std::string& warning : file.warnings)
-    std::fprintf(stderr, "%s: %s\n", refused ? "error" : "warning", warning.c_str());
-  if (refused) return k_bad_input;
-  std::printf(file.warnings.empty() ? "ok\n" : "can be run; see the warnings\n");
-  return k_done;
+/// A mistake that ends the reading of the model is one more finding, so that `--json` can list it.
+qvslv::Findings check_model(const FileRequest& request, bool describe) {
+  try {
+    const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides);
+    if (describe) tell_model(file);
+    if (describe) tell_files_of(file);
+    return file.findings;
+  } catch (const qvslv::ModelError& mistake) {
+    if (!request.json) throw;
+    return {{qvslv::Level::error, "model", mistake.at, mistake.text}};
+  }
+}
+
+int check(const FileRequest& request) {
+  const std::string ending = ending_of(request.file);
+  const bool describe = !request.json;
+  qvslv::Findings findings = ending == ".rdf"       ? check_road(request.file, describe)
+                             : ending == ".wave"    ? check_wave(request.file, describe)
+                             : ending == ".current" ? check_current(request.file, describe)
+                                                    : check_model(request, describe);
+  if (request.strict) make_strict(findings);
+  if (describe) return conclude(findings, "can be used; see the warnings");
+  std::fputs(json_text(findings).c_str(), stdout);
+  return any_error(findings) ? k_bad_input : k_done;
 }
 
 void add_overrides(CLI::App* command, FileRequest& request) {
@@ -126,14 +134,9 @@ void add_check_command(CLI::App& app, Action& action) {
   command->add_option("file", request->file, "Model file (TOML), road (.rdf), WAVE (.wave) or CURRENT file (.current)")
       ->required();
   add_overrides(command, *request);
-  command->callback([request, &action] {
-    action = [request] {
-      const std::string ending = ending_of(request->file);
-      if (ending == ".rdf") return check_road(request->file);
-      if (ending == ".wave") return check_wave(request->file);
-      return ending == ".current" ? check_current(request->file) : check_model(*request);
-    };
-  });
+  command->add_flag("--strict", request->strict, "Take every warning for an error");
+  command->add_flag("--json", request->json, "Print all findings as JSON, and nothing else");
+  command->callback([request, &action] { action = [request] { return check(*request); }; });
 }
 
 void add_expand_command(CLI::App& app, Action& action) {
@@ -145,7 +148,7 @@ void add_expand_command(CLI::App& app, Action& action) {
   command->callback([request, &action] {
     action = [request] {
       const qvslv::ModelFile file = qvslv::read_model_file(request->file, request->overrides);
-      for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
+      tell(file.findings);
       std::fputs(qvslv::expanded(file.model).c_str(), stdout);
       return static_cast<int>(k_done);
     };

@@ -20,19 +20,6 @@ std::string text_of(const std::string& file, const char* kind) {
   return text;
 }
 
-int conclude(const std::string& file, const std::vector<qvslv::WaterFinding>& found) {
-  bool refused = false;
-  for (const qvslv::WaterFinding& finding : found) {
-    const std::string place = finding.line > 0 ? ":" + std::to_string(finding.line) : "";
-    std::fprintf(stderr, "%s: %s%s: %s\n", finding.refused ? "error" : "warning", file.c_str(), place.c_str(),
-                 finding.text.c_str());
-    refused = refused || finding.refused;
-  }
-  if (refused) return k_bad_input;
-  std::printf(found.empty() ? "ok\n" : "can be read; see the warnings\n");
-  return k_done;
-}
-
 struct Range {
   double least, most;
 };
@@ -46,19 +33,20 @@ Range range_of(const std::vector<std::vector<double>>& table) {
   return range;
 }
 
+void tell_wave(const std::string& file, const qvslv::WaveFile& wave) {
+  const Range elevation = range_of(wave.elevation), velocity = range_of(wave.velocity);
+  std::printf("%s: %zu times from %g to %g, %zu positions from %g to %g\n", file.c_str(), wave.time.size(),
+              wave.time.front(), wave.time.back(), wave.x.size(), wave.x.front(), wave.x.back());
+  std::printf("  elevation %g to %g, vertical velocity %g to %g\n", elevation.least, elevation.most, velocity.least,
+              velocity.most);
+}
+
 }  // namespace
 
-int check_wave(const std::string& file) {
-  const qvslv::WaveCheck check = qvslv::check_wave_text(text_of(file, "WAVE"));
-  if (check.wave) {
-    const qvslv::WaveFile& wave = *check.wave;
-    const Range elevation = range_of(wave.elevation), velocity = range_of(wave.velocity);
-    std::printf("%s: %zu times from %g to %g, %zu positions from %g to %g\n", file.c_str(), wave.time.size(),
-                wave.time.front(), wave.time.back(), wave.x.size(), wave.x.front(), wave.x.back());
-    std::printf("  elevation %g to %g, vertical velocity %g to %g\n", elevation.least, elevation.most, velocity.least,
-                velocity.most);
-  }
-  return conclude(file, check.found);
+qvslv::Findings check_wave(const std::string& file, bool describe) {
+  const qvslv::WaveCheck check = qvslv::check_wave_text(text_of(file, "WAVE"), file);
+  if (check.wave && describe) tell_wave(file, *check.wave);
+  return check.found;
 }
 
 void tell_current_table(const char* name, const qvslv::CurrentTable& table) {
@@ -73,12 +61,13 @@ void tell_current_table(const char* name, const qvslv::CurrentTable& table) {
   }
 }
 
-int check_current(const std::string& file) {
-  const qvslv::CurrentCheck check = qvslv::check_current_text(text_of(file, "CURRENT"));
+qvslv::Findings check_current(const std::string& file, bool describe) {
+  const qvslv::CurrentCheck check = qvslv::check_current_text(text_of(file, "CURRENT"), file);
+  if (!describe) return check.found;
   std::printf("%s:\n", file.c_str());
   tell_current_table("x", check.current.along_x);
   tell_current_table("y", check.current.along_y);
-  return conclude(file, check.found);
+  return check.found;
 }
 
 void tell_water_of(const qvslv::ModelFile& file) {

@@ -7,9 +7,9 @@
 
 namespace qvcli {
 
-// Tell what a WAVE or CURRENT file holds and what its readers would misunderstand. Return the exit code.
-int check_wave(const std::string& file);
-int check_current(const std::string& file);
+// Check a WAVE or CURRENT file. If `describe` is set, print what it holds.
+qvslv::Findings check_wave(const std::string& file, bool describe);
+qvslv::Findings check_current(const std::string& file, bool describe);
 
 /// Prints one line about a table of a CURRENT file; nothing if it is empty.
 void tell_current_table(const char* name, const qvslv::CurrentTable& table);

@@ -8,6 +8,7 @@
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/progress_line.h"
+#include "cli/tell_findings.h"
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
 #include "solver/model/units.h"
@@ -34,7 +35,7 @@ void catch_interrupt() {
 
 struct RunRequest {
   std::string model, out, plugin_path, typed;
-  bool quiet = false;
+  bool quiet = false, strict = false;
   std::vector<std::string> overrides;
 };
 
@@ -86,8 +87,10 @@ void tell_outcome(const qvslv::RunSummary& summary, const RunRequest& request, c
 }
 
 int run(RunRequest request) {
-  const qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
-  for (const std::string& warning : file.warnings) std::fprintf(stderr, "warning: %s\n", warning.c_str());
+  qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
+  if (request.strict) make_strict(file.findings);
+  tell(file.findings);
+  if (any_error(file.findings)) return k_bad_input;
   for (const std::string& line : qvslv::bring_files_up_to_date(file))
     if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
   if (request.out.empty()) request.out = default_results_folder(request.model);
@@ -132,6 +135,7 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
       ->add_option("--set", request->overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
       ->type_name("KEY=VALUE")
       ->allow_extra_args(false);
+  command->add_flag("--strict", request->strict, "Take every warning for an error");
   command->add_flag("-q,--quiet", request->quiet, "Print warnings and faults only");
   command->callback([request, &action] { action = [request] { return run(*request); }; });
 }

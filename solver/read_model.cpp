@@ -53,8 +53,8 @@ void warn_about_roads(Reading& reading) {
     const std::string& name = reading.model().strings[static_cast<size_t>(element.road_string - 1)].text;
     const std::string path = find_data_file(name, reading.model().path);
     if (path.empty() || !seen.insert(path).second) continue;
-    for (const std::string& finding : check_road_file(path, &reading.model().units).findings())
-      reading.file.warnings.push_back(finding);
+    const Findings found = check_road_file(path, &reading.model().units).found;
+    reading.file.findings.insert(reading.file.findings.end(), found.begin(), found.end());
   }
 }
 

@@ -55,7 +55,7 @@ public:
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) m_lines.push_back(std::move(line));
     if (!text.empty() && text.find("\r\n") != std::string::npos)
-      note(false, 1,
+      note(Level::warning, "road-line-ends", 1,
            "the lines end with CR LF (Windows); the CR becomes part of every unquoted text, so that "
            "NORMAL_PRESSURE=BEKKER and SHEAR_PRESSURE=WONG are refused and SOIL_TYPE=CONCRETE is not known; "
            "convert the file (dos2unix)");
@@ -68,14 +68,14 @@ public:
   }
 
 private:
-  void note(bool refused, size_t line_number, const std::string& text) {
-    m_check.found.push_back({refused, static_cast<int>(line_number), text});
+  void note(Level level, const char* id, size_t line_number, const std::string& text) {
+    m_check.found.push_back(finding_in(m_check.path, static_cast<int>(line_number), level, id, text));
   }
 
   void main_line() {
     const std::string& line = m_lines[m_next++];
     if (line.size() >= k_line_limit) {
-      note(true, m_next,
+      note(Level::error, "road-long-line", m_next,
            "the line has " + std::to_string(line.size()) +
                " characters; lines outside the node and element blocks must be shorter than 640");
       m_ended = true;
@@ -97,21 +97,25 @@ private:
     if (key.empty()) {
       const std::string plain = key_in(line, k_plain_keys);
       if (!plain.empty())
-        note(false, m_next, plain + " in quotes has no effect: write " + plain + "=value without quotes");
+        note(Level::warning, "road-quoted-key", m_next,
+             plain + " in quotes has no effect: write " + plain + "=value without quotes");
       return;
     }
     if (first == std::string::npos) {
-      note(true, m_next, key + ": the value needs a quote on both sides");
+      note(Level::error, "road-quote-missing", m_next, key + ": the value needs a quote on both sides");
       return;
     }
-    if (second == std::string::npos) note(false, m_next, key + ": the closing quote is missing");
+    if (second == std::string::npos)
+      note(Level::warning, "road-quote-open", m_next, key + ": the closing quote is missing");
     quoted_value(key, upper_case(field.substr(first + 1, second == std::string::npos ? second : second - first - 1)));
   }
 
   void quoted_value(const std::string& key, const std::string& value) {
     if (key == "FILE_TYPE" || key == "METHOD") {
       const std::string only = key == "METHOD" ? "3D_SOIL" : "RDF";
-      if (value != only) note(true, m_next, key + " '" + value + "' is not supported: only '" + only + "' is");
+      if (value != only)
+        note(Level::error, "road-not-supported", m_next,
+             key + " '" + value + "' is not supported: only '" + only + "' is");
       return;
     }
     const UnitQuantity quantity = key == "LENGTH"  ? UnitQuantity::length
@@ -121,9 +125,10 @@ private:
                                                    : UnitQuantity::angle;
     const UnitName* unit = find_unit(quantity, value);
     if (unit == nullptr) {
-      note(true, m_next, key + " '" + value + "' is no unit known here; " + name_hint(value, all_unit_names(quantity)));
+      note(Level::error, "road-unit", m_next,
+           key + " '" + value + "' is no unit known here; " + name_hint(value, all_unit_names(quantity)));
     } else if (m_units != nullptr && quantity != UnitQuantity::angle && unit->factor != model_factor(quantity)) {
-      note(false, m_next,
+      note(Level::warning, "road-other-unit", m_next,
            key + " '" + value +
                "' is not the model's unit; road values are used as they stand, nothing "
                "is converted");
@@ -142,20 +147,21 @@ private:
     if (key.empty()) {
       const std::string quoted = key_in(line, k_quoted_keys);
       if (!quoted.empty())
-        note(false, m_next, quoted + " without quotes has no effect: write " + quoted + " = 'value'");
+        note(Level::warning, "road-unquoted-key", m_next,
+             quoted + " without quotes has no effect: write " + quoted + " = 'value'");
       return;
     }
     if (key == "SOIL_TYPE") {
       m_check.soil_type = value;
       if (value != "CONCRETE" && trimmed(value) == "CONCRETE")
-        note(false, m_next,
+        note(Level::warning, "road-soil-blanks", m_next,
              "the value is '" + trimmed(value) +
                  "' with blanks (or a CR) around it, which is not CONCRETE; "
                  "write SOIL_TYPE=CONCRETE");
     } else if (key == "NORMAL_PRESSURE" || key == "SHEAR_PRESSURE") {
       const std::string only = key == "NORMAL_PRESSURE" ? "BEKKER" : "WONG";
       if (value != only)
-        note(true, m_next,
+        note(Level::error, "road-law", m_next,
              key + ": the value is '" + value + "', only '" + only + "' is supported; write " + key + "=" + only +
                  " without blanks");
     } else if (key == "NUMBER_OF_NODES") {
@@ -194,7 +200,7 @@ private:
       if (taken == count) break;
       const std::vector<double> numbers = numbers_in(line);
       if (numbers.size() < 4) {
-        note(true, m_next + 1,
+        note(Level::error, "road-block-short", m_next + 1,
              key + " says " + std::to_string(count) + ", but only " + std::to_string(taken) +
                  " lines of four numbers follow (the reader takes this line for the next one)");
         return;
@@ -203,7 +209,7 @@ private:
       ++taken;
     }
     if (taken < count) {
-      note(false, head,
+      note(Level::warning, "road-block-ends", head,
            key + " says " + std::to_string(count) + ", but the file ends after " + std::to_string(taken) +
                "; the road is made of what is there");
     } else if (m_next < m_lines.size()) {
@@ -218,13 +224,13 @@ private:
     const bool keyword = line.find('=') != std::string::npos &&
                          (!key_in(line, k_plain_keys).empty() || !key_in(line, k_quoted_keys).empty());
     if (keyword) {
-      note(false, m_next + 1,
+      note(Level::warning, "road-swallowed-line", m_next + 1,
            "the line directly after a block is thrown away, and this one holds a keyword: put an empty "
            "line before it");
     } else if (numbers_in(line).size() >= 4) {
       size_t more = m_next;
       while (more < m_lines.size() && numbers_in(m_lines[more]).size() >= 4) ++more;
-      note(false, m_next + 1,
+      note(Level::warning, "road-more-lines", m_next + 1,
            key + " says " + std::to_string(count) + ", but " + std::to_string(more - m_next) +
                " more such lines follow; they are not read");
     }
@@ -246,7 +252,7 @@ private:
     for (size_t i = 0; i < 3; ++i) {
       if (v[i] >= 1 && v[i] < static_cast<double>(m_check.nodes) + 1.0) continue;
       if (!m_told_node)
-        note(true, m_next + 1,
+        note(Level::error, "road-node-number", m_next + 1,
              "the element names node " + number_text(v[i]) + ", nodes are numbered 1 to " +
                  std::to_string(m_check.nodes));
       m_told_node = true;
@@ -261,14 +267,17 @@ private:
   }
 
   void check_whole() {
-    if (m_check.nodes == 0) note(true, 0, "the file holds no nodes (no NUMBER_OF_NODES line was read)");
+    if (m_check.nodes == 0)
+      note(Level::error, "road-no-nodes", 0, "the file holds no nodes (no NUMBER_OF_NODES line was read)");
     if (m_check.nodes > 0 && m_check.elements == 0)
-      note(true, 0, "the file holds no elements (no NUMBER_OF_ELEMENTS line was read)");
+      note(Level::error, "road-no-elements", 0, "the file holds no elements (no NUMBER_OF_ELEMENTS line was read)");
     if (m_check.soil_type == "CONCRETE") return;
     for (const char* key : {"SENSITIVITY", "MAX_SHEAR_DISP"})
-      if (soil_value(key) == 0) note(false, 0, std::string(key) + " is missing or 0: the soil carries no shear");
+      if (soil_value(key) == 0)
+        note(Level::warning, "road-no-shear", 0, std::string(key) + " is missing or 0: the soil carries no shear");
     if (soil_value("COHESIVE_COEFF") == 0 && soil_value("FRICTIONAL_COEFF") == 0)
-      note(false, 0, "COHESIVE_COEFF and FRICTIONAL_COEFF are missing or 0: the soil carries no load");
+      note(Level::warning, "road-no-load", 0,
+           "COHESIVE_COEFF and FRICTIONAL_COEFF are missing or 0: the soil carries no load");
   }
 
   const Units* m_units;
@@ -279,17 +288,6 @@ private:
 };
 
 }  // namespace
-
-bool RoadCheck::refused() const {
-  return std::any_of(found.begin(), found.end(), [](const Finding& finding) { return finding.refused; });
-}
-
-std::vector<std::string> RoadCheck::findings() const {
-  std::vector<std::string> lines;
-  for (const Finding& finding : found)
-    lines.push_back(path + (finding.line > 0 ? ":" + std::to_string(finding.line) : "") + ": " + finding.text);
-  return lines;
-}
 
 RoadCheck check_road_text(const std::string& text, const std::string& path, const Units* units) {
   return RoadInspector(text, path, units).inspect();

@@ -4,28 +4,19 @@
 #include <utility>
 #include <vector>
 
+#include "solver/model/finding.h"
 #include "solver/model/model.h"
 
 namespace qvslv {
 
 /// What a road file holds, and what its reader would refuse or silently misunderstand.
 struct RoadCheck {
-  struct Finding {
-    bool refused = false;  ///< true: the reader stops there; false: it reads on, with a result hardly meant
-    int line = 0;          ///< from 1; 0: the file as a whole
-    std::string text;
-  };
-
   std::string path;
   long nodes = 0, elements = 0;  ///< numbers of lines that are really there
   double x_min = 0, x_max = 0, y_min = 0, y_max = 0, z_min = 0, z_max = 0;
   std::string soil_type;
   std::vector<std::pair<std::string, double>> values;  ///< soil values in file order
-  std::vector<Finding> found;
-
-  bool refused() const;
-  /// The findings as "road.rdf:12: text".
-  std::vector<std::string> findings() const;
+  Findings found;  ///< errors: the reader stops there; warnings: it reads on, with a result hardly meant
 };
 
 /// Reads a road file line by line as the library's reader does, and notes what that would refuse or lose. With `units`,

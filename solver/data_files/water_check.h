@@ -2,31 +2,26 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "solver/data_files/current_file.h"
 #include "solver/data_files/wave_file.h"
+#include "solver/model/finding.h"
 
 namespace qvslv {
 
-/// Something in a WAVE or CURRENT file that its readers would refuse, or read differently from what was meant.
-struct WaterFinding {
-  bool refused = false;
-  int line = 0;  ///< from 1; 0: the file as a whole
-  std::string text;
-};
-
 struct WaveCheck {
   std::optional<WaveFile> wave;  ///< the table as the subroutines read it; none if they refuse it
-  std::vector<WaterFinding> found;
+  Findings found;
 };
 
 struct CurrentCheck {
   CurrentFile current;
-  std::vector<WaterFinding> found;
+  Findings found;
 };
 
-WaveCheck check_wave_text(const std::string& text);
-CurrentCheck check_current_text(const std::string& text);
+/// What a WAVE or CURRENT file holds, and what its readers would refuse (an error) or read differently from what was
+/// meant (a warning). `path` is named in the findings.
+WaveCheck check_wave_text(const std::string& text, const std::string& path = "");
+CurrentCheck check_current_text(const std::string& text, const std::string& path = "");
 
 }  // namespace qvslv

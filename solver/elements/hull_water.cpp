@@ -96,7 +96,7 @@ void warn_about_reach(const TableReader& table, const TriangleMesh& mesh, int hu
       number_text(reach.high) + " in the axes of '" + water.name + "', and '" + file + "' has water from " +
       number_text(first) + " to " + number_text(wave->high) +
       ": corners beyond get no drag, triangles beyond no buoyancy; move the water marker or the body";
-  reading.file.warnings.emplace_back(ModelError(table.at(), text).what());
+  reading.file.findings.push_back({Level::warning, "hull-off-table", table.at(), text});
 }
 
 }  // namespace qvslv

@@ -41,8 +41,10 @@ void check_foreign(const TableReader& table, const Element& element, Reading& re
                                  (in_equation ? "the key result_length)" : "the keys kind and result_length)"));
   const std::string nearest = nearest_name(element.subroutine, known);
   if (!nearest.empty())
-    reading.file.warnings.push_back(table.what() + ": the subroutine '" + element.subroutine +
-                                    "' is taken as your own; '" + nearest + "' is the known one of a similar name");
+    reading.file.findings.push_back({Level::warning, "subroutine-similar", table.position("subroutine"),
+                                     table.what() + ": the subroutine '" + element.subroutine +
+                                         "' is taken as your own; '" + nearest +
+                                         "' is the known one of a similar name"});
 }
 
 ElementKind kind_named(const std::string& word) {

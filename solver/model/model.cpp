@@ -14,14 +14,12 @@ const char* integrator_name(Integrator integrator) {
   return "runge-kutta-merson";
 }
 
-namespace {
-
 std::string placed(const FilePosition& at, const std::string& text) {
-  if (at.line == 0) return at.file.empty() ? text : at.file + ": " + text;
-  return at.file + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + text;
+  std::string place = at.file;
+  if (at.line > 0) place += ":" + std::to_string(at.line);
+  if (at.line > 0 && at.column > 0) place += ":" + std::to_string(at.column);
+  return place.empty() ? text : place + ": " + text;
 }
-
-}  // namespace
 
 ModelError::ModelError(const FilePosition& where, const std::string& what)
     : std::runtime_error(placed(where, what)), at(where), text(what) {}

@@ -21,6 +21,9 @@ struct FilePosition {
   int column = 0;
 };
 
+/// "file:line:column: text", without the parts of the place that are 0 or empty.
+std::string placed(const FilePosition& at, const std::string& text);
+
 /// A mistake in a model file. what() reads "file:line:column: text"; the text says what is wrong and what is meant.
 class ModelError : public std::runtime_error {
 public:

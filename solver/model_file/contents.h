@@ -6,6 +6,7 @@
 #include "solver/data_files/make_current.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/make_wave.h"
+#include "solver/model/finding.h"
 #include "solver/model/model.h"
 
 namespace qvslv {
@@ -42,7 +43,7 @@ struct ModelFile {
   std::vector<WaveRecipe> waves;
   std::vector<CurrentRecipe> currents;
   std::vector<HullSummary> hulls;
-  std::vector<std::string> warnings;  ///< one text each for what looks wrong but can be run
+  Findings findings;  ///< what looks wrong in the model and its files
 };
 
 }  // namespace qvslv

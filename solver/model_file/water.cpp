@@ -85,14 +85,14 @@ WaveSettings read_wave(const TableReader& table, const Model& model) {
 
 void warn_about(const WaveSettings& wave, const TableReader& table, Reading& reading) {
   const FilePosition& at = table.at();
-  const auto warn = [&](const std::string& text) {
-    reading.file.warnings.emplace_back(ModelError(at, table.what() + ": " + text).what());
+  const auto warn = [&](const char* id, const std::string& text) {
+    reading.file.findings.push_back({Level::warning, id, at, table.what() + ": " + text});
   };
-  for (const std::string& doubt : doubts_about(wave)) warn(doubt);
+  for (const std::string& doubt : doubts_about(wave)) warn("wave-settings", doubt);
   const double end = reading.model().simulation.end_time;
   if (wave.kind != WaveKind::still && wave.duration < end)
-    warn("the table ends at " + number_text(wave.duration) + ", the run at " + number_text(end) +
-         ": from there on the water keeps its last shape");
+    warn("wave-ends-early", "the table ends at " + number_text(wave.duration) + ", the run at " + number_text(end) +
+                                ": from there on the water keeps its last shape");
 }
 
 /// Reads { profile = "linear", speeds = [0.5, 1.5], over = "y", range = [-20, 20] }; the other kinds have one `speed`.

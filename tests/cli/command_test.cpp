@@ -124,6 +124,40 @@ TEST(Command, SetReachesTheRun) {
   EXPECT_EQ(ResultTable(folder / "r/results.csv").rows(), 3u);
 }
 
+TEST(Check, JsonListsEveryFindingWithItsPlaceAndNothingElse) {
+  const fs::path folder = folder_with_model();
+  run_command({"make", "road", "--out", "bad.rdf", "--size", "2", "2", "--spacing", "1"}, folder);
+  std::string road = file_text(folder / "bad.rdf");
+  const std::string good = "SENSITIVITY=";
+  write_text(folder / "bad.rdf", road.replace(road.find(good), good.size(), "SENSE="));
+  const CommandResult warned = run_command({"check", "bad.rdf", "--json"}, folder);
+  EXPECT_EQ(warned.code, 0);
+  EXPECT_EQ(warned.err, "");
+  EXPECT_THAT(warned.out, StartsWith("{\n  \"ok\": true,"));
+  EXPECT_THAT(warned.out, HasSubstr("\"level\": \"warning\",\n      \"id\": \"road-no-shear\",\n      \"file\": "
+                                    "\"bad.rdf\",\n      \"line\": 0,"));
+  const CommandResult refused = run_command({"check", "press.toml", "--json", "--set", "gravity=1"}, folder);
+  EXPECT_EQ(refused.code, 2);
+  EXPECT_THAT(refused.out, HasSubstr("\"id\": \"model\""));
+}
+
+TEST(Command, StrictTakesWarningsForErrors) {
+  const fs::path folder = folder_with_model();
+  run_command({"make", "road", "--out", "bad.rdf", "--size", "2", "2", "--spacing", "1"}, folder);
+  std::string road = file_text(folder / "bad.rdf");
+  const std::string good = "SENSITIVITY=";
+  write_text(folder / "bad.rdf", road.replace(road.find(good), good.size(), "SENSE="));
+  const std::string use = "element.soil.road=bad.rdf";
+  EXPECT_EQ(run_command({"check", "press.toml", "--set", use}, folder).code, 0);
+  EXPECT_EQ(run_command({"check", "press.toml", "--set", use, "--strict"}, folder).code, 2);
+  const CommandResult lenient = run_command({"run", "press.toml", "--set", use, "--quiet"}, folder);
+  EXPECT_EQ(lenient.code, 0);
+  EXPECT_THAT(lenient.err, HasSubstr("SENSITIVITY is missing"));
+  const CommandResult strict = run_command({"run", "press.toml", "--set", use, "--strict"}, folder);
+  EXPECT_EQ(strict.code, 2);
+  EXPECT_THAT(strict.err, HasSubstr("error: "));
+}
+
 TEST(Command, ModelMistakeEndsWithTwoAndLeavesNothing) {
   const fs::path folder = folder_with_model();
   const CommandResult result = run_command({"run", "press.toml", "--set", "body.plate.mass=-1"}, folder);
@@ -133,16 +167,34 @@ TEST(Command, ModelMistakeEndsWithTwoAndLeavesNothing) {
   EXPECT_THAT(names_in(folder), ElementsAre("press.toml"));
 }
 
-TEST(Command, FaultInASubroutineEndsWithOneAndItsText) {
+TEST(Command, RoadThatTheSubroutineWouldRefuseIsRefusedBeforeTheRun) {
   const fs::path folder = folder_with_model();
   run_command({"make", "road", "--out", "bad.rdf", "--size", "2", "2", "--spacing", "1"}, folder);
   std::string road = file_text(folder / "bad.rdf");
   const std::string good = "NORMAL_PRESSURE=BEKKER";
   write_text(folder / "bad.rdf", road.replace(road.find(good), good.size(), "NORMAL_PRESSURE = BEKKER"));
   const CommandResult result = run_command({"run", "press.toml", "--set", "element.soil.road=bad.rdf"}, folder);
-  EXPECT_THAT(result.err, HasSubstr("warning: bad.rdf:11: NORMAL_PRESSURE: the value is ' BEKKER'"));
-  EXPECT_THAT(result.err, HasSubstr("is an unsupported NORMAL PRESSURE"));
-  EXPECT_THAT(result.err, HasSubstr("soil"));
+  EXPECT_THAT(result.err, HasSubstr("bad.rdf:11: NORMAL_PRESSURE: the value is ' BEKKER'"));
+  EXPECT_THAT(result.err, StartsWith("error: "));
+  EXPECT_EQ(result.code, 2);
+}
+
+TEST(Command, FaultInASubroutineEndsWithOneAndItsText) {
+  const fs::path folder = fresh_folder();
+  const std::string element = k_model.substr(0, k_model.find("[[element]]")) + R"toml(
+[[string]]
+name = "file"
+text = "field.rdf"
+[[element]]
+name = "soil"
+type = "subroutine"
+subroutine = "qvsoil_interaction"
+par = [0, "marker:plate", 0, 5, "string:file", "marker:ground", 0, 1, 1, 1, 0.5, 0.5, 2, 2, "marker:ground"]
+)toml";
+  write_text(folder / "press.toml", element);
+  const CommandResult result = run_command({"run", "press.toml"}, folder);
+  EXPECT_THAT(result.err, HasSubstr("element soil at time 0: USUB ERROR: SOILINTERACTION ERROR : The road index "
+                                    "(parameter 3) is 5"));
   EXPECT_EQ(result.code, 1);
 }
 

@@ -112,7 +112,7 @@ TEST(CheckCommand, NamesFileAndLineOfWhatWouldBeMisunderstoodInWaterFiles) {
   const CommandResult wave = run_command({"check", "a.wave"}, folder);
   EXPECT_EQ(wave.code, 0);
   EXPECT_THAT(wave.err, HasSubstr("warning: a.wave:2: '1' was taken for the separator"));
-  EXPECT_THAT(wave.out, HasSubstr("can be read; see the warnings\n"));
+  EXPECT_THAT(wave.out, HasSubstr("can be used; see the warnings\n"));
   write_text(folder / "a.current", "0,0\n");
   const CommandResult current = run_command({"check", "a.current"}, folder);
   EXPECT_EQ(current.code, 2);

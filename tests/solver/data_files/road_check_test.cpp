@@ -46,7 +46,7 @@ std::string with_crlf(const std::string& text) {
 
 TEST(RoadCheck, GoodRoadHasNoFindingsAndIsCounted) {
   const qvslv::RoadCheck check = qvslv::check_road_text(k_good_road, "road.rdf");
-  EXPECT_TRUE(check.findings().empty());
+  EXPECT_TRUE(check.found.empty());
   EXPECT_EQ(check.nodes, 4);
   EXPECT_EQ(check.elements, 2);
   EXPECT_DOUBLE_EQ(check.x_max, 1);
@@ -100,8 +100,8 @@ TEST(RoadCheck, EveryTrapIsFoundAtItsLine) {
   for (const trap_case& row : k_traps) {
     SCOPED_TRACE(row.why);
     const qvslv::RoadCheck check = qvslv::check_road_text(row.text, "road.rdf");
-    EXPECT_THAT(check.findings(), testing::Contains(HasSubstr(row.finding)));
-    EXPECT_EQ(check.refused(), row.refused);
+    EXPECT_THAT(finding_texts(check.found), testing::Contains(HasSubstr(row.finding)));
+    EXPECT_EQ(any_error(check.found), row.refused);
   }
 }
 
@@ -110,11 +110,11 @@ TEST(RoadCheck, ConcreteRoadNeedsNoSoilValues) {
   std::string bare = text;
   for (const char* line : {"FRICTIONAL_COEFF=1e6\n", "SENSITIVITY=1\n", "MAX_SHEAR_DISP=0.01\n"})
     bare.erase(bare.find(line), std::string(line).size());
-  EXPECT_TRUE(qvslv::check_road_text(bare, "road.rdf").findings().empty());
+  EXPECT_TRUE(qvslv::check_road_text(bare, "road.rdf").found.empty());
 }
 
 TEST(RoadCheck, LineOf639CharactersIsStillRead) {
-  EXPECT_TRUE(qvslv::check_road_text(spoilt("a remark", std::string(639, 'x')), "road.rdf").findings().empty());
+  EXPECT_TRUE(qvslv::check_road_text(spoilt("a remark", std::string(639, 'x')), "road.rdf").found.empty());
 }
 
 TEST(RoadCheck, ComparesTheUnitsWithTheModels) {
@@ -123,8 +123,8 @@ TEST(RoadCheck, ComparesTheUnitsWithTheModels) {
   millimetres.length_factor = 0.001;
   const qvslv::RoadCheck check = qvslv::check_road_text(k_good_road, "road.rdf", &millimetres);
   ASSERT_EQ(check.found.size(), 1u);
-  EXPECT_THAT(check.findings().front(), HasSubstr("road.rdf:3: LENGTH 'M' is not the model's unit"));
-  EXPECT_FALSE(check.refused());
+  EXPECT_THAT(finding_text(check.found.front()), HasSubstr("road.rdf:3: LENGTH 'M' is not the model's unit"));
+  EXPECT_FALSE(any_error(check.found));
 }
 
 }  // namespace

@@ -39,10 +39,11 @@ std::string wave(const std::string& from, const std::string& to) { return spoilt
 std::string current(const std::string& from, const std::string& to) { return spoilt(k_good_current, from, to); }
 
 /// "error|warning line: text"
-std::vector<std::string> texts_of(const std::vector<qvslv::WaterFinding>& found) {
+std::vector<std::string> texts_of(const qvslv::Findings& found) {
   std::vector<std::string> texts;
-  for (const qvslv::WaterFinding& finding : found)
-    texts.push_back((finding.refused ? "error " : "warning ") + std::to_string(finding.line) + ": " + finding.text);
+  for (const qvslv::Finding& finding : found)
+    texts.push_back(std::string(level_name(finding.level)) + " " + std::to_string(finding.at.line) + ": " +
+                    finding.text);
   return texts;
 }
 
@@ -124,9 +125,9 @@ TEST(WaterCheck, EveryTrapIsFound) {
 TEST(WaterCheck, IsRefusedHereExactlyWhereTheLibraryRefuses) {
   const qvtest::TemporaryFolder folder;
   std::string message;
-  const auto refused = [](const std::vector<qvslv::WaterFinding>& found) {
-    for (const qvslv::WaterFinding& finding : found)
-      if (finding.refused) return true;
+  const auto refused = [](const qvslv::Findings& found) {
+    for (const qvslv::Finding& finding : found)
+      if (finding.level == qvslv::Level::error) return true;
     return false;
   };
   for (const trap_case& row : k_wave_traps) {

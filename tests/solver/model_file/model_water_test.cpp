@@ -77,7 +77,7 @@ TEST(ModelFileWater, WavesTakeGravityAndDurationFromTheModel) {
 }
 
 TEST(ModelFileWater, ATableThatEndsBeforeTheRunIsWarnedOf) {
-  EXPECT_THAT(qvslv::read_model_text(k_water_model, "model.toml").warnings,
+  EXPECT_THAT(finding_texts(qvslv::read_model_text(k_water_model, "model.toml").findings),
               ElementsAre("model.toml:16:1: wave 2: the table ends at 20, the run at 40: from there on the water keeps "
                           "its last shape"));
 }
@@ -87,7 +87,7 @@ const std::string k_swell = "kind = \"regular\"\nheight = 1\nperiod = 9\nduratio
 TEST(ModelFileWater, StillWaterTakesAnExtentAndOutlastsTheRun) {
   const std::string text = changed(k_swell, "kind = \"still\"\nextent = 12\n");
   const qvslv::ModelFile file = qvslv::read_model_text(text, "model.toml");
-  EXPECT_TRUE(file.warnings.empty());
+  EXPECT_TRUE(file.findings.empty());
   const qvslv::WaveSettings& still = file.waves[1].settings;
   EXPECT_EQ(still.kind, qvslv::WaveKind::still);
   EXPECT_EQ(qvslv::settings_line(still), "MADE BY qvbrisk, wave still, duration 1, extent 12");
