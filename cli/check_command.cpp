@@ -3,19 +3,18 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
 #include "cli/tell_findings.h"
-#include "solver/data_files/find_data_file.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
 #include "solver/model/model.h"
 #include "solver/model_file/contents.h"
 #include "solver/model_file/expand.h"
+#include "solver/model_file/recipes.h"
 #include "solver/read_model.h"
 
 namespace qvcli {
@@ -24,6 +23,8 @@ namespace {
 
 struct FileRequest {
   std::string file;
+  std::string made = qvslv::default_made_folder();
+  std::string files;  ///< of expand: folder for the files to take along
   bool strict = false, json = false;
   std::vector<std::string> overrides;
 };
@@ -79,24 +80,20 @@ void tell_model(const qvslv::ModelFile& file) {
 void tell_files_of(const qvslv::ModelFile& file) {
   tell_water_of(file);
   for (const qvslv::RoadRecipe& recipe : file.roads)
-    if (qvslv::road_file_state(recipe.path, recipe.settings) != qvslv::RoadFileState::current)
-      std::printf("  road %s: a run makes it first (%lld triangles)\n", recipe.path.c_str(),
+    if (qvslv::made_file_state(recipe.path, recipe.settings) != qvslv::MadeFileState::current)
+      std::printf("  road %s: a run makes it first (%lld triangles)\n", recipe.file.c_str(),
                   static_cast<long long>(qvslv::triangle_count(recipe.settings)));
-  std::set<std::string> seen;
-  for (const qvslv::Element& element : file.model.elements) {
-    if (element.road_string == 0) continue;
-    const std::string& name = file.model.strings[static_cast<size_t>(element.road_string) - 1].text;
-    const std::string path = qvslv::find_data_file(name, file.model.path);
-    if (path.empty() || !seen.insert(path).second) continue;
+  for (const qvslv::InputFile& input : file.inputs) {
+    if (input.role != "road" || !std::filesystem::is_regular_file(input.path)) continue;
     std::printf("  road ");
-    tell_road(qvslv::check_road_file(path));
+    tell_road(qvslv::check_road_file(input.path));
   }
 }
 
 /// A mistake that ends the reading of the model is one more finding, so that `--json` can list it.
 qvslv::Findings check_model(const FileRequest& request, bool describe) {
   try {
-    const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides);
+    const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides, request.made);
     if (describe) tell_model(file);
     if (describe) tell_files_of(file);
     return file.findings;
@@ -124,6 +121,7 @@ void add_overrides(CLI::App* command, FileRequest& request) {
       ->add_option("--set", request.overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
       ->type_name("KEY=VALUE")
       ->allow_extra_args(false);
+  add_made_option(command, request.made);
 }
 
 }  // namespace
@@ -144,11 +142,16 @@ void add_expand_command(CLI::App& app, Action& action) {
   CLI::App* command =
       app.add_subcommand("expand", "Print the elements of a model file as plain subroutine calls (TOML)");
   command->add_option("model", request->file, "Model file (TOML)")->required();
+  command->add_option("--files", request->files,
+                      "Also write the files that the model describes into this folder, under the model's names");
   add_overrides(command, *request);
   command->callback([request, &action] {
     action = [request] {
-      const qvslv::ModelFile file = qvslv::read_model_file(request->file, request->overrides);
+      const qvslv::ModelFile file = qvslv::read_model_file(request->file, request->overrides, request->made);
       tell(file.findings);
+      if (!request->files.empty())
+        for (const std::string& line : qvslv::write_files_to_take_along(file, request->files))
+          std::fprintf(stderr, "%s\n", line.c_str());
       std::fputs(qvslv::expanded(file.model).c_str(), stdout);
       return static_cast<int>(k_done);
     };

@@ -72,12 +72,12 @@ qvslv::Findings check_current(const std::string& file, bool describe) {
 
 void tell_water_of(const qvslv::ModelFile& file) {
   for (const qvslv::WaveRecipe& wave : file.waves)
-    if (qvslv::wave_file_state(wave.path, wave.settings) != qvslv::MadeFileState::current)
-      std::printf("  wave %s: a run makes it first (%d times, %d positions)\n", wave.path.c_str(),
+    if (qvslv::made_file_state(wave.path, wave.settings) != qvslv::MadeFileState::current)
+      std::printf("  wave %s: a run makes it first (%d times, %d positions)\n", wave.file.c_str(),
                   qvslv::time_rows(wave.settings), qvslv::columns_along_x(wave.settings));
   for (const qvslv::CurrentRecipe& current : file.currents)
-    if (qvslv::current_file_state(current.path, current.settings) != qvslv::MadeFileState::current)
-      std::printf("  current %s: a run makes it first\n", current.path.c_str());
+    if (qvslv::made_file_state(current.path, current.settings) != qvslv::MadeFileState::current)
+      std::printf("  current %s: a run makes it first\n", current.file.c_str());
 }
 
 }  // namespace qvcli

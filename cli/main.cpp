@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/standard_streams.h"
 #include "solver/model/model.h"
 #include "solver/model/nearest_name.h"
 
@@ -18,7 +19,7 @@ std::string typed_command(int argc, char** argv) {
 /// Tells the nearest command if the first word is none: it is most often a mistyped one.
 void hint_at_command(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return;
-  const std::vector<std::string> commands = {"run", "check", "expand", "make", "version"};
+  const std::vector<std::string> commands = {"run", "rerun", "check", "expand", "make", "version"};
   for (const std::string& command : commands)
     if (command == argv[1]) return;
   std::fprintf(stderr, "qvbrisk: there is no command '%s'; %s\n", argv[1], qvslv::name_hint(argv[1], commands).c_str());
@@ -27,9 +28,12 @@ void hint_at_command(int argc, char** argv) {
 int command_line(int argc, char** argv) {
   CLI::App app("Stand-alone solver for user subroutines on deformable soil and in water.", "qvbrisk");
   app.require_subcommand(1);
-  app.footer("Exit codes: 0 done, 1 fault in the run, 2 bad input, 3 stopped by a subroutine, 130 interrupted.");
+  app.footer(
+      "Exit codes: 0 done, 1 fault in the run, 2 bad input, 3 stopped by a subroutine, 130 interrupted (ctrl-C, "
+      "SIGTERM).");
   qvcli::Action action;
   qvcli::add_run_command(app, action, typed_command(argc, argv));
+  qvcli::add_rerun_command(app, action, typed_command(argc, argv));
   qvcli::add_check_command(app, action);
   qvcli::add_expand_command(app, action);
   qvcli::add_make_command(app, action);
@@ -69,4 +73,7 @@ int perform(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return perform(argc, argv); }
+int main(int argc, char** argv) {
+  qvcli::guard_standard_streams();
+  return qvcli::check_output(perform(argc, argv));
+}

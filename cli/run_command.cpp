@@ -8,6 +8,7 @@
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/progress_line.h"
+#include "cli/run_model.h"
 #include "cli/tell_findings.h"
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
@@ -23,21 +24,15 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-void note_interrupt(int) { interrupted = 1; }
+void note_interrupt(int signal) { interrupted = signal; }
 
-/// The first ctrl-C ends the run in good order; a second one ends the process.
+/// The first ctrl-C, or a batch system's request to end, ends the run in good order; a second one ends the process.
 void catch_interrupt() {
   struct sigaction action = {};
   action.sa_handler = note_interrupt;
   action.sa_flags = static_cast<int>(SA_RESETHAND);
-  sigaction(SIGINT, &action, nullptr);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
 }
-
-struct RunRequest {
-  std::string model, out, plugin_path, typed;
-  bool quiet = false, strict = false;
-  std::vector<std::string> overrides;
-};
 
 int exit_code(qvslv::RunOutcome outcome) {
   switch (outcome) {
@@ -71,7 +66,7 @@ const char* outcome_word(qvslv::RunOutcome outcome) {
 const char* how_to_look(const std::string& file) {
   if (file == "report.html") return "open in a browser: replay and plots";
   if (file == "results.csv") return "one row per output time, for a spreadsheet or a script";
-  if (file == "run.json") return "settings, messages and timings of the run";
+  if (file == "run.json") return "the model, its inputs with digests, warnings, timings";
   if (std::filesystem::path(file).extension() == ".pvd") return "open in ParaView: bodies and terrain in motion";
   return nullptr;
 }
@@ -86,14 +81,35 @@ void tell_outcome(const qvslv::RunSummary& summary, const RunRequest& request, c
     if (const char* hint = how_to_look(file)) std::fprintf(stream, "  %-20s %s\n", file.c_str(), hint);
 }
 
+/// Old results must not be taken for those of a model that could not be run.
+void remove_old_results(const RunRequest& request) {
+  try {
+    qvslv::remove_results(request.out);
+  } catch (const std::exception&) {  // another run goes on there, or nothing of ours is there
+  }
+}
+
 int run(RunRequest request) {
-  qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides);
-  if (request.strict) make_strict(file.findings);
+  if (request.out.empty()) request.out = default_results_folder(request.model);
+  try {
+    qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides, request.made);
+    if (request.strict) make_strict(file.findings);
+    const int code = run_model_file(file, request);
+    if (any_error(file.findings)) remove_old_results(request);
+    return code;
+  } catch (const qvslv::ModelError&) {
+    remove_old_results(request);
+    throw;
+  }
+}
+
+}  // namespace
+
+int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
   tell(file.findings);
   if (any_error(file.findings)) return k_bad_input;
-  for (const std::string& line : qvslv::bring_files_up_to_date(file))
+  for (const std::string& line : qvslv::make_missing_files(file))
     if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
-  if (request.out.empty()) request.out = default_results_folder(request.model);
 
   const std::string time_unit = qvslv::UnitSymbols(file.model.units).time;
   ProgressLine progress_line(!request.quiet, time_unit);
@@ -103,6 +119,8 @@ int run(RunRequest request) {
   options.command = request.typed;
   options.overrides = request.overrides;
   options.interrupted = &interrupted;
+  options.strict = request.strict;
+  options.force = request.force;
   options.on_progress = [&](const qvslv::Progress& progress) { progress_line.show(progress); };
   std::string last_message;
   options.on_message = [&](const std::string& message) {
@@ -111,7 +129,7 @@ int run(RunRequest request) {
     last_message = message;
   };
   catch_interrupt();
-  const qvslv::RunSummary summary = qvslv::run_model(file.model, options);
+  const qvslv::RunSummary summary = qvslv::run_model(file, options);
   progress_line.clear();
   const bool told = last_message.find(summary.message) != std::string::npos;
   if (!summary.message.empty() && !told) std::fprintf(stderr, "%s\n", summary.message.c_str());
@@ -119,7 +137,10 @@ int run(RunRequest request) {
   return exit_code(summary.outcome);
 }
 
-}  // namespace
+void add_made_option(CLI::App* command, std::string& folder) {
+  command->add_option("--made", folder, "Folder for the files that are made for a model, shared between runs")
+      ->capture_default_str();
+}
 
 void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
   auto request = std::make_shared<RunRequest>();
@@ -135,7 +156,9 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
       ->add_option("--set", request->overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
       ->type_name("KEY=VALUE")
       ->allow_extra_args(false);
+  add_made_option(command, request->made);
   command->add_flag("--strict", request->strict, "Take every warning for an error");
+  command->add_flag("--force", request->force, "Take the results folder from a run that still goes on");
   command->add_flag("-q,--quiet", request->quiet, "Print warnings and faults only");
   command->callback([request, &action] { action = [request] { return run(*request); }; });
 }

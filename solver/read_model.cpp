@@ -2,13 +2,13 @@
 
 #include <filesystem>
 #include <fstream>
-#include <set>
 #include <sstream>
 
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/road_check.h"
 #include "solver/elements/kinds.h"
 #include "solver/model/check_expressions.h"
+#include "solver/model_file/document_json.h"
 #include "solver/model_file/reading.h"
 #include "solver/model_file/toml_override.h"
 
@@ -42,19 +42,36 @@ void read_root(const Value& document, Reading& reading) {
   read_waves(root, reading);
   read_currents(root, reading);
   read_elements(root, reading);
+  resolve_file_strings(reading);
   check_expressions(model);
 }
 
-/// Warns of text in existing road files that the library's reader would silently misunderstand.
-void warn_about_roads(Reading& reading) {
-  std::set<std::string> seen;
-  for (const Element& element : reading.model().elements) {
-    if (element.road_string == 0) continue;
-    const std::string& name = reading.model().strings[static_cast<size_t>(element.road_string - 1)].text;
-    const std::string path = find_data_file(name, reading.model().path);
-    if (path.empty() || !seen.insert(path).second) continue;
-    const Findings found = check_road_file(path, &reading.model().units).found;
-    reading.file.findings.insert(reading.file.findings.end(), found.begin(), found.end());
+/// Is it made for this model? Such a file is whole, or will be.
+bool is_described(const InputFile& input, const ModelFile& file) {
+  for (const RoadRecipe& road : file.roads)
+    if (road.path == input.path) return true;
+  return false;
+}
+
+/// Tells what the library's reader would refuse or silently misunderstand in the road files that are there already.
+void check_roads(ModelFile& file) {
+  for (const InputFile& input : file.inputs) {
+    if (input.role != "road" || is_described(input, file)) continue;
+    const Findings found = check_road_file(input.path, &file.model.units).found;
+    file.findings.insert(file.findings.end(), found.begin(), found.end());
+  }
+}
+
+/// Tells when a file beside the model has the name of one that a table describes: it is not the one that is used.
+template <class Recipe>
+void check_files_beside(const std::vector<Recipe>& recipes, ModelFile& file) {
+  for (const Recipe& recipe : recipes) {
+    const std::string beside = find_data_file(recipe.file, file.model.path);
+    if (beside.empty() || made_file_state(beside, recipe.settings) != MadeFileState::foreign) continue;
+    file.findings.push_back(finding_in(file.model.path, 0, Level::warning, "file-beside-table",
+                                       "the file '" + recipe.file +
+                                           "' beside the model is not used: a table of this name describes one, which "
+                                           "is made; to use the file, take the table out"));
   }
 }
 
@@ -68,18 +85,28 @@ std::string file_text(const std::string& path) {
 
 }  // namespace
 
-ModelFile read_model_text(const std::string& text, const std::string& path, const std::vector<std::string>& overrides) {
+ModelFile read_model_text(const std::string& text, const std::string& path, const std::vector<std::string>& overrides,
+                          const std::string& made_folder) {
   Value document = parse_toml(text, path);
   for (const std::string& option : overrides) apply_override(document, option);
   Reading reading;
-  reading.model().path = path;
+  ModelFile& file = reading.file;
+  file.model.path = path;
+  file.text = text;
+  file.resolved = json_text(document);
+  file.made_folder = made_folder;
+  file.inputs.push_back({"model", path, path_beside(path, fs::path(path).filename().string())});
   read_root(document, reading);
-  warn_about_roads(reading);
-  return std::move(reading.file);
+  check_roads(file);
+  check_files_beside(file.roads, file);
+  check_files_beside(file.waves, file);
+  check_files_beside(file.currents, file);
+  return std::move(file);
 }
 
-ModelFile read_model_file(const std::string& path, const std::vector<std::string>& overrides) {
-  return read_model_text(file_text(path), path, overrides);
+ModelFile read_model_file(const std::string& path, const std::vector<std::string>& overrides,
+                          const std::string& made_folder) {
+  return read_model_text(file_text(path), path, overrides, made_folder);
 }
 
 }  // namespace qvslv

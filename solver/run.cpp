@@ -1,5 +1,6 @@
 #include "solver/run.h"
 
+#include <dlfcn.h>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -9,10 +10,14 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
+#include "solver/data_files/made_file.h"
 #include "solver/engine/engine.h"
+#include "solver/results/output_file.h"
 #include "solver/results/recorder.h"
 #include "solver/results/report_page.h"
+#include "solver/results/results_folder.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
@@ -49,29 +54,39 @@ private:
   long m_count = 0;
 };
 
+/// The shared library or program that holds an address.
+std::string file_of(const void* address) {
+  Dl_info found = {};
+  return dladdr(address, &found) != 0 && found.dli_fname != nullptr ? found.dli_fname : "";
+}
+
 /// One run from its folder to its summary.
 class Run {
 public:
   Run(const Model& model, const RunOptions& options) : m_model(model), m_options(options), m_began(Clock::now()) {
-    m_record.out_folder = options.out_folder;
     m_record.plugin_path = options.plugin_path;
     m_record.command = options.command;
     m_record.overrides = options.overrides;
+    m_record.model_text = options.model_text;
+    m_record.resolved_model = options.resolved_model;
+    m_record.inputs = options.inputs;
+    m_record.warnings = options.warnings;
     m_record.running = true;
     m_record.started = now_utc();
   }
 
   RunSummary run() {
     try {
-      std::filesystem::create_directories(m_options.out_folder);
-      m_summary.files = {"run.json"};
+      m_folder.emplace(m_options.out_folder, m_options.force);
+      m_folder->add("run.json");
       write_record();
     } catch (const std::exception& error) {
-      finish(RunOutcome::failed, std::string("cannot write the results: ") + error.what());
+      finish(RunOutcome::failed, error.what());
       return m_summary;
     }
     try {
       const Plugin plugin(m_options.plugin_path);
+      note_inputs(plugin);
       Engine engine(m_model, plugin, [this](const std::string& text) { tell(text); });
       integrate(engine);
     } catch (const std::bad_alloc&) {
@@ -84,11 +99,26 @@ public:
   }
 
 private:
+  void note_inputs(const Plugin& plugin) {
+    m_record.inputs.push_back({"library", m_options.plugin_path, plugin.path()});
+    m_record.inputs.push_back({"solver", "libqvslv.so", file_of(reinterpret_cast<const void*>(&now_utc))});
+    m_record.inputs.push_back({"command", "qvbrisk", "/proc/self/exe"});
+    for (InputFile& input : m_record.inputs) {
+      std::error_code failure;
+      const std::filesystem::path path = std::filesystem::canonical(input.path, failure);
+      if (!failure) input.path = path.string();
+      if (input.role == "model") {
+        input.digest = digest_of_text(m_options.model_text);  // what was read; the file may be edited meanwhile
+      } else {
+        take_digest(input);
+      }
+    }
+  }
+
   void integrate(Engine& engine) {
     engine.start();
     if (engine.fault().raised()) return finish(engine.fault().outcome(), engine.fault().message());
-    m_recorder =
-        std::make_unique<Recorder>(engine, m_options.out_folder, [this](const std::string& text) { tell(text); });
+    m_recorder = std::make_unique<Recorder>(engine, *m_folder, [this](const std::string& text) { tell(text); });
     try {
       m_recorder->record(engine);
       advance(engine, *m_recorder);
@@ -99,7 +129,6 @@ private:
     m_summary.time = engine.time();
     m_summary.steps = engine.steps();
     m_summary.evaluations = engine.evaluations();
-    for (const std::string& file : m_recorder->files()) m_summary.files.push_back(file);
   }
 
   /// The library never searches a water table backwards in time. After a rejected step the water therefore stays ahead
@@ -107,12 +136,12 @@ private:
   void warn_about_rejected_steps(const Engine& engine) {
     const std::vector<Water>& waters = m_recorder->recording().waters;
     if (engine.rejected_steps() == 0 || std::none_of(waters.begin(), waters.end(), is_moving)) return;
-    tell(fmt::format(
-        "warning: the integrator tried {} of {} steps again with a smaller one; after that the waves stand ahead of "
-        "the "
-        "time for a moment. For the exact sea take integrator = \"runge-kutta-fixed\" with a step, or a max_step so "
-        "small that this line goes away",
-        engine.rejected_steps(), engine.steps()));
+    warn("waves-ahead",
+         fmt::format(
+             "the integrator tried {} of {} steps again with a smaller one; after that the waves stand ahead of the "
+             "time for a moment. For the exact sea take integrator = \"runge-kutta-fixed\" with a step, or a max_step "
+             "so small that this line goes away",
+             engine.rejected_steps(), engine.steps()));
   }
 
   void advance(Engine& engine, Recorder& recorder) {
@@ -137,6 +166,14 @@ private:
     if (m_options.on_message) m_options.on_message(text);
   }
 
+  /// Something that looks wrong while the run goes on, or at its end. Under `strict` it is a fault.
+  void warn(const char* id, const std::string& text) {
+    const Finding finding = finding_in(m_model.path, 0, Level::warning, id, text);
+    m_record.warnings.push_back(finding);
+    if (m_options.strict) return fail(text);
+    tell("warning: " + finding_text(finding));
+  }
+
   void finish(RunOutcome outcome, const std::string& message) {
     m_summary.outcome = outcome;
     m_summary.message = message;
@@ -144,10 +181,32 @@ private:
     if (!message.empty()) tell(message);
   }
 
+  /// Trouble after the integration. A fault that ended the run stands as its reason.
+  void fail(const std::string& message) {
+    if (m_summary.outcome == RunOutcome::failed) return tell(message);
+    finish(RunOutcome::failed, message);
+  }
+
   void close_record() {
+    for (const InputFile& input : m_record.inputs)
+      if (input.role != "model" && !is_unchanged(input))
+        warn("input-changed", "the file " + input.path +
+                                  " was changed while the run went on; run.json tells what was "
+                                  "in it at the start");
     m_record.running = false;
     m_summary.wall_seconds = wall_seconds();
+    try {
+      m_folder->check_held();
+    } catch (const std::exception& error) {  // nothing more can be written
+      m_summary.files.clear();
+      if (m_summary.message != error.what()) fail(error.what());
+      return;
+    }
     attempt([this] { write_page(); });
+    attempt([this] {
+      if (m_recorder) m_recorder->close();
+      m_folder->check_there(m_folder->files());
+    });
     attempt([this] { write_record(); });  // even if the page could not be written: the record says so
   }
 
@@ -156,21 +215,29 @@ private:
     try {
       write();
     } catch (const std::exception& error) {
-      if (m_summary.outcome == RunOutcome::finished) finish(RunOutcome::failed, error.what());
+      fail(error.what());
     }
   }
 
-  /// Written even if nothing was recorded, because otherwise an earlier run's page would stay in the folder.
+  /// Written even if nothing was recorded: what a user opens tells how the run ended.
   void write_page() {
+    const std::string path = m_folder->add("report.html");
+    note_files();
     m_record.summary = m_summary;
-    m_record.summary.files.insert(m_record.summary.files.begin(), "report.html");
-    write_report_page(m_model, m_recorder ? m_recorder->recording() : Recording{}, m_record);
-    m_summary.files = m_record.summary.files;
+    write_new_file(path, report_page(m_model, m_recorder ? m_recorder->recording() : Recording{}, m_record));
   }
 
   void write_record() {
+    note_files();
     m_record.summary = m_summary;
-    write_run_record(m_model, m_record);
+    write_file_whole(run_record_text(m_model, m_record), m_folder->path() + "/run.json");
+  }
+
+  /// The page first: it is what a user opens first.
+  void note_files() {
+    m_summary.files = m_folder->files();
+    const auto page = std::find(m_summary.files.begin(), m_summary.files.end(), "report.html");
+    if (page != m_summary.files.end()) std::rotate(m_summary.files.begin(), page, page + 1);
   }
 
   double wall_seconds() const { return std::chrono::duration<double>(Clock::now() - m_began).count(); }
@@ -178,6 +245,7 @@ private:
   const Model& m_model;
   const RunOptions& m_options;
   Clock::time_point m_began;
+  std::optional<ResultsFolder> m_folder;
   RunRecord m_record;
   RunSummary m_summary;
   std::unique_ptr<Recorder> m_recorder;  ///< null if the run ended before its start
@@ -186,5 +254,17 @@ private:
 }  // namespace
 
 RunSummary run_model(const Model& model, const RunOptions& options) { return Run(model, options).run(); }
+
+RunSummary run_model(const ModelFile& file, RunOptions options) {
+  options.model_text = file.text;
+  options.resolved_model = file.resolved;
+  options.inputs = file.inputs;
+  options.warnings = file.findings;
+  return Run(file.model, options).run();
+}
+
+void remove_results(const std::string& folder) {
+  if (std::filesystem::is_directory(folder)) ResultsFolder(folder, false);
+}
 
 }  // namespace qvslv

@@ -6,10 +6,16 @@ namespace qvslv {
 
 namespace fs = std::filesystem;
 
+std::string path_beside(const std::string& model_path, const std::string& name) {
+  std::error_code failure;  // a current folder that was removed has no path
+  const fs::path folder = fs::current_path(failure) / fs::path(model_path).parent_path();
+  return (folder / name).lexically_normal().string();
+}
+
 std::string find_data_file(const std::string& name, const std::string& model_path) {
-  if (fs::is_regular_file(name)) return name;
-  const fs::path beside = fs::path(model_path).parent_path() / name;
-  return fs::is_regular_file(beside) ? beside.string() : "";
+  const std::string path = path_beside(model_path, name);
+  std::error_code failure;
+  return fs::is_regular_file(path, failure) ? path : "";
 }
 
 }  // namespace qvslv

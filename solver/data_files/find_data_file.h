@@ -4,8 +4,10 @@
 
 namespace qvslv {
 
-/// Finds the file that a subroutine opens for a name that the model gives: the file of that name as it stands, else the
-/// one in the model's folder. Returns its path, or an empty text if neither exists; a folder does not count.
+/// Absolute path of a name in a model: names are meant from the model's folder, whatever the current folder is.
+std::string path_beside(const std::string& model_path, const std::string& name);
+
+/// The same if there is a file, else an empty text; a folder does not count.
 std::string find_data_file(const std::string& name, const std::string& model_path);
 
 }  // namespace qvslv

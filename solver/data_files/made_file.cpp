@@ -1,15 +1,20 @@
 #include "solver/data_files/made_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
+
+#include "solver/data_files/file_digest.h"
 
 namespace qvslv {
 
@@ -19,14 +24,26 @@ namespace {
   throw std::runtime_error("cannot write " + path + ": " + std::strerror(cause));
 }
 
-void write_to(const std::string& path, const std::string& text) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) cannot_write(path, errno);
+/// Writes through a new file of a name that no other process has, and returns this name.
+std::string write_beside(const std::string& path, const std::string& text) {
+  std::string part = path + ".partXXXXXX";
+  const int number = mkostemp(part.data(), O_CLOEXEC);
+  if (number < 0) cannot_write(path, errno);
+  const mode_t mask = umask(0);
+  umask(mask);
+  fchmod(number, 0666 & ~mask);  // mkostemp lets only the owner read
+  std::FILE* file = fdopen(number, "wb");
   int cause = std::fwrite(text.data(), 1, text.size(), file) == text.size() ? 0 : errno;
   if (std::fclose(file) != 0 && cause == 0) cause = errno;
-  if (cause == 0) return;
-  std::remove(path.c_str());
+  if (cause == 0) return part;
+  std::remove(part.c_str());
   cannot_write(path, cause);
+}
+
+/// The value of an environment variable that holds an absolute path; else an empty text.
+std::string absolute_path_in(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && value[0] == '/' ? value : "";
 }
 
 /// The last line of a file, without its line end. Reads only the end of the file, since tables are long.
@@ -44,6 +61,20 @@ std::string last_line(std::ifstream& stream) {
 
 }  // namespace
 
+std::string default_made_folder() {
+  std::string cache = absolute_path_in("XDG_CACHE_HOME");
+  if (cache.empty() && !absolute_path_in("HOME").empty()) cache = absolute_path_in("HOME") + "/.cache";
+  return cache.empty() ? "" : cache + "/qvbrisk/made";
+}
+
+std::string made_path(const std::string& folder, const std::string& name, const std::string& settings_line) {
+  constexpr size_t k_digits = 16;  // 64 bits: no two files of one folder will ever share them
+  const std::filesystem::path given(name);
+  const std::string hash =
+      digest_of_text("makers " + std::to_string(k_maker_version) + "\n" + settings_line).sha256.substr(0, k_digits);
+  return folder + "/" + given.stem().string() + "-" + hash + given.extension().string();
+}
+
 MadeFileState state_by_last_line(const std::string& path, const std::string& settings_line) {
   std::ifstream stream(path, std::ios::binary);
   if (!stream) return MadeFileState::missing;
@@ -53,8 +84,7 @@ MadeFileState state_by_last_line(const std::string& path, const std::string& set
 }
 
 void write_file_whole(const std::string& text, const std::string& path) {
-  const std::string part = path + ".part" + std::to_string(getpid());
-  write_to(part, text);
+  const std::string part = write_beside(path, text);
   std::error_code failure;
   std::filesystem::rename(part, path, failure);
   if (!failure) return;

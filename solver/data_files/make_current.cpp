@@ -73,7 +73,7 @@ std::string settings_line(const CurrentSettings& settings) {
          profile_text(settings.along_y);
 }
 
-MadeFileState current_file_state(const std::string& path, const CurrentSettings& settings) {
+MadeFileState made_file_state(const std::string& path, const CurrentSettings& settings) {
   return state_by_last_line(path, settings_line(settings));
 }
 

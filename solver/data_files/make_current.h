@@ -50,7 +50,7 @@ CurrentFile current_tables(const CurrentSettings& settings);
 /// must not change.
 std::string settings_line(const CurrentSettings& settings);
 
-MadeFileState current_file_state(const std::string& path, const CurrentSettings& settings);
+MadeFileState made_file_state(const std::string& path, const CurrentSettings& settings);
 
 /// Writes a CURRENT file, which appears whole or not at all. Throws std::runtime_error with the cause if it cannot be
 /// written, std::invalid_argument if the settings have a mistake.

@@ -53,8 +53,7 @@ private:
 /// over. A road whose line differs counts as outdated: the wording must not change.
 std::string settings_line(const RoadSettings& settings);
 
-using RoadFileState = MadeFileState;
-RoadFileState road_file_state(const std::string& path, const RoadSettings& settings);
+MadeFileState made_file_state(const std::string& path, const RoadSettings& settings);
 
 /// The text that write_road_file writes.
 std::string road_text(const RoadSettings& settings);

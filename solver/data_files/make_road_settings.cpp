@@ -69,16 +69,16 @@ std::string settings_line(const RoadSettings& s) {
   return text + ", units " + s.units.length + " " + s.units.force + " " + s.units.mass + " " + s.units.time;
 }
 
-RoadFileState road_file_state(const std::string& path, const RoadSettings& settings) {
+MadeFileState made_file_state(const std::string& path, const RoadSettings& settings) {
   std::ifstream stream(path);
-  if (!stream) return RoadFileState::missing;
+  if (!stream) return MadeFileState::missing;
   constexpr int k_head_lines = 5;
   std::string line;
   for (int i = 0; i < k_head_lines && std::getline(stream, line); ++i) {
     if (line.rfind(k_made_mark, 0) != 0) continue;
-    return line == settings_line(settings) ? RoadFileState::current : RoadFileState::outdated;
+    return line == settings_line(settings) ? MadeFileState::current : MadeFileState::outdated;
   }
-  return RoadFileState::foreign;
+  return MadeFileState::foreign;
 }
 
 }  // namespace qvslv

@@ -82,7 +82,7 @@ double significant_height(const WaveFile& wave);
 /// must not change.
 std::string settings_line(const WaveSettings& settings);
 
-MadeFileState wave_file_state(const std::string& path, const WaveSettings& settings);
+MadeFileState made_file_state(const std::string& path, const WaveSettings& settings);
 
 /// Makes the table of completed settings, writes it as a WAVE file, which appears whole or not at all, and returns it.
 /// Throws std::runtime_error with the cause if the file cannot be written, std::invalid_argument if the settings have a

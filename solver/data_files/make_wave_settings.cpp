@@ -162,7 +162,7 @@ std::string settings_line(const WaveSettings& s) {
   return text + ", gravity " + number_text(s.gravity);
 }
 
-MadeFileState wave_file_state(const std::string& path, const WaveSettings& settings) {
+MadeFileState made_file_state(const std::string& path, const WaveSettings& settings) {
   return state_by_last_line(path, settings_line(settings));
 }
 

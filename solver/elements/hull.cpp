@@ -185,7 +185,6 @@ std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullE
   if (static_cast<size_t>(hull.parts) > mesh.triangles.size())
     table.fail("parts", "there are only " + std::to_string(mesh.triangles.size()) + " triangles to share");
   tell(mesh, hull, reading);
-  check_water_files(table, reading);
   warn_about_reach(table, mesh, hull.body, hull.water_marker, reading);
   if (wants_report(table)) hull.report = read_report(table, hull, reading);
 

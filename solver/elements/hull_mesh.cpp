@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/hull_mesh.h"
@@ -106,12 +105,13 @@ TriangleMesh read_shape_mesh(const TableReader& hull) {
   return mesh;
 }
 
-TriangleMesh read_file_mesh(const TableReader& hull, const Reading& reading) {
+TriangleMesh read_file_mesh(const TableReader& hull, Reading& reading) {
   const std::string name = hull.text("mesh"), path = find_data_file(name, reading.file.model.path);
   if (path.empty())
-    hull.fail("mesh", "there is no file '" + name + "', neither in the current folder nor beside the model in " +
-                          std::filesystem::absolute(reading.file.model.path).parent_path().lexically_normal().string() +
+    hull.fail("mesh", "there is no file '" + name + "' beside the model in " + folder_of(reading.file.model) +
+                          where_else(name) +
                           " (an STL, OBJ or PLY file is expected, or mesh = { shape = \"box\", size = [..] })");
+  reading.file.inputs.push_back({"mesh", name, path});
   TriangleMesh mesh = read_mesh_file(path);
   const double scale = hull.positive("mesh_scale", 1);
   for (Vec3& point : mesh.points)
@@ -121,7 +121,7 @@ TriangleMesh read_file_mesh(const TableReader& hull, const Reading& reading) {
 
 }  // namespace
 
-TriangleMesh read_hull_mesh(const TableReader& table, const Reading& reading) {
+TriangleMesh read_hull_mesh(const TableReader& table, Reading& reading) {
   const Value::Kind kind = table.value("mesh").kind;
   if (kind != Value::Kind::text && kind != Value::Kind::table)
     table.fail("mesh", "the name of a file or a shape, { shape = \"box\", size = [..] }, is expected, not " +

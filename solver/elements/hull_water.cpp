@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <optional>
 
-#include "solver/data_files/find_data_file.h"
-
 namespace qvslv {
 
 namespace fs = std::filesystem;
@@ -50,7 +48,7 @@ struct Range {
 std::optional<Range> range_of_wave(const std::string& file, const Reading& reading) {
   for (const WaveRecipe& recipe : reading.file.waves)
     if (fs::path(recipe.file).lexically_normal() == fs::path(file)) return Range{0, recipe.settings.extent};
-  const std::optional<WaveFile> wave = read_wave_file(find_data_file(file, reading.file.model.path));
+  const std::optional<WaveFile> wave = read_wave_file(data_file_path(file, reading.file));
   if (!wave || wave->x.empty()) return std::nullopt;
   return Range{wave->x.front(), wave->x.back()};
 }
@@ -68,14 +66,6 @@ Range reach_of(const TriangleMesh& mesh, const Pose& body, const std::optional<P
 Pose pose_of(const Marker& marker) { return {marker.position, marker.orientation}; }
 
 }  // namespace
-
-void check_water_files(const TableReader& table, const Reading& reading) {
-  const std::string wave = wave_file_of(table, "wave", reading), current = current_file_of(table, "current", reading);
-  const bool in_another_folder = !fs::path(reading.file.model.path).parent_path().empty();
-  if (!in_another_folder || !fs::is_regular_file(wave) || fs::is_regular_file(current)) return;
-  table.fail("current", "'" + current + "' is beside the model, but '" + wave +
-                            "' is in the current folder, and then both are looked for there only; move one of them");
-}
 
 void warn_about_reach(const TableReader& table, const TriangleMesh& mesh, int hull_body, int water_marker,
                       Reading& reading) {

@@ -82,7 +82,8 @@ EngineHost::EngineHost(const ModelReadings& readings, const Multibody& multibody
   m_variable_of_id = index_by_id(model.variables);
   m_equation_of_id = index_by_id(model.equations);
   m_spline_of_id = index_by_id(model.splines);
-  for (const StringEntity& entity : model.strings) m_strings.emplace_back(entity.id, widen(entity.text));
+  for (const StringEntity& entity : model.strings)
+    m_strings.emplace_back(entity.id, widen(entity.path.empty() ? entity.text : entity.path));
   m_path = widen(model.path);
 }
 

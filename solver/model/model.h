@@ -133,7 +133,9 @@ struct AppliedForce {
 struct StringEntity {
   int id = 0;
   std::string name;
-  std::string text;
+  std::string text;  ///< as the model gives it
+  std::string path =
+      {};  ///< if a subroutine takes the text for a file: the absolute path of this file, which it is told
 };
 
 enum class ElementKind {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/data_files/input_file.h"
 #include "solver/data_files/make_current.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/make_wave.h"
@@ -14,7 +15,7 @@ namespace qvslv {
 /// A road file that the model file describes by its settings instead of bringing it along.
 struct RoadRecipe {
   std::string file;  ///< as the model names it
-  std::string path;  ///< where the file belongs: beside the model
+  std::string path;  ///< of the file that is made before a run: in the folder for made files
   RoadSettings settings;
 };
 
@@ -39,10 +40,14 @@ struct HullSummary {
 /// Everything that reading a model file gives.
 struct ModelFile {
   Model model;
-  std::vector<RoadRecipe> roads;  ///< to be made before a run, see bring_files_up_to_date
+  std::string text;               ///< of the model file
+  std::string resolved;           ///< JSON text of the document that was read, after all overrides
+  std::string made_folder;        ///< for the files that the model describes; empty: there is none
+  std::vector<RoadRecipe> roads;  ///< to be made before a run, see make_missing_files
   std::vector<WaveRecipe> waves;
   std::vector<CurrentRecipe> currents;
   std::vector<HullSummary> hulls;
+  std::vector<InputFile> inputs;
   Findings findings;  ///< what looks wrong in the model and its files
 };
 

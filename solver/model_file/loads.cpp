@@ -1,10 +1,7 @@
-#include <filesystem>
 
 #include "solver/model_file/reading.h"
 
 namespace qvslv {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -101,14 +98,12 @@ void read_strings(const TableReader& root, Reading& reading) {
 
 void read_roads(const TableReader& root, Reading& reading) {
   for (const TableReader& table : tables_of(root, "road", k_road_keys)) {
-    const std::string file = table.text("file");
-    const int index = static_cast<int>(reading.file.roads.size());
-    if (file.empty()) table.fail("file", "the road needs a file name");
-    if (table.has("name")) reading.roads.add(table.text("name"), index, table.position("name"));
-    const std::string path = (fs::path(reading.model().path).parent_path() / file).lexically_normal().string();
-    for (const RoadRecipe& other : reading.file.roads)
-      if (other.path == path) table.fail("file", "another [[road]] describes this file already");
-    reading.file.roads.push_back({file, path, read_road(table, reading.model().units)});
+    std::vector<RoadRecipe>& roads = reading.file.roads;
+    if (table.has("name"))
+      reading.roads.add(table.text("name"), static_cast<int>(roads.size()), table.position("name"));
+    const RoadSettings settings = read_road(table, reading.model().units);
+    const std::string path = path_of_recipe(table, reading, settings_line(settings), "road", roads);
+    roads.push_back({table.text("file"), path, settings});
   }
 }
 

@@ -89,12 +89,6 @@ bool contains(const std::vector<std::string>& names, const std::string& name) {
   throw ModelError(at, role + ": " + written + " is no " + prefixes[0] + "; write \"" + prefixes[0] + ":name\"");
 }
 
-/// The kind of table that could describe a file, going by its slot's meaning.
-std::string table_for(const std::string& meaning) {
-  if (meaning.find("WAVE") != std::string::npos) return "wave";
-  return meaning.find("CURRENT") != std::string::npos ? "current" : "road";
-}
-
 template <class Entities>
 std::string name_at(const Entities& entities, const char* prefix, double id) {
   if (!(id >= 1 && id < static_cast<double>(entities.size()) + 1)) return "";
@@ -180,6 +174,11 @@ double force_id(const Reading& reading, const ForceReference& reference) {
 }
 
 }  // namespace
+
+std::string table_for(const std::string& meaning) {
+  if (meaning.find("WAVE") != std::string::npos) return "wave";
+  return meaning.find("CURRENT") != std::string::npos ? "current" : "road";
+}
 
 void read_par(const TableReader& table, const SubroutineLayout* layout, Element& element, Reading& reading) {
   if (table.value("par").kind != Value::Kind::list)

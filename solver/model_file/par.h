@@ -12,6 +12,9 @@ namespace qvslv {
 /// With a layout, length and ids are checked against it; without one the list is taken as it is written.
 void read_par(const TableReader& table, const SubroutineLayout* layout, Element& element, Reading& reading);
 
+/// The table that can describe a file with this meaning in a `par`: "road", "wave" or "current".
+std::string table_for(const std::string& meaning);
+
 /// Notes that an entry of a `par` gets the id of a force or element, which may stand anywhere in the file;
 /// number_elements fills it in.
 /// @param element   index into Model::elements, of the element whose `par` it is

@@ -2,8 +2,6 @@
 
 #include <filesystem>
 
-#include "solver/data_files/find_data_file.h"
-
 namespace qvslv {
 
 namespace fs = std::filesystem;
@@ -44,6 +42,14 @@ int Reading::string_id(const std::string& text, const std::string& wished_name) 
   return entities.back().id;
 }
 
+std::string folder_of(const Model& model) { return fs::path(path_beside(model.path, ".")).parent_path().string(); }
+
+std::string where_else(const std::string& name) {
+  std::error_code failure;
+  if (!fs::is_regular_file(name, failure)) return "";
+  return "; the one in the current folder is not taken: names are meant from the model's folder";
+}
+
 std::vector<TableReader> tables_of(const TableReader& root, const std::string& key,
                                    const std::vector<std::string>& known) {
   std::vector<TableReader> result;
@@ -54,22 +60,25 @@ std::vector<TableReader> tables_of(const TableReader& root, const std::string& k
   return result;
 }
 
+std::string data_file_path(const std::string& name, const ModelFile& file) {
+  const std::string beside = path_beside(file.model.path, name);
+  std::string made;
+  const auto look_in = [&](const auto& recipes) {
+    for (const auto& recipe : recipes)
+      if (path_beside(file.model.path, recipe.file) == beside) made = recipe.path;
+  };
+  look_in(file.roads);
+  look_in(file.waves);
+  look_in(file.currents);
+  return made.empty() ? find_data_file(name, file.model.path) : made;
+}
+
 std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
                               const FilePosition& at, const std::string& table) {
-  const std::string& model_path = reading.file.model.path;
-  std::string path = find_data_file(name, model_path);
+  std::string path = data_file_path(name, reading.file);
   if (!path.empty()) return path;
-  const std::string folder = fs::absolute(model_path).parent_path().lexically_normal().string();
-  const fs::path beside = (fs::path(model_path).parent_path() / name).lexically_normal();
-  const auto made = [&](const auto& recipes) {
-    for (const auto& recipe : recipes)
-      if (fs::path(recipe.path).lexically_normal() == beside) path = recipe.path;
-    return !path.empty();
-  };
-  if (made(reading.file.roads) || made(reading.file.waves) || made(reading.file.currents)) return path;
-  throw ModelError(at, role + ": there is no file '" + name +
-                           "', neither in the current folder nor beside the model in " + folder + " (a [[" + table +
-                           "]] table could describe it)");
+  throw ModelError(at, role + ": there is no file '" + name + "' beside the model in " + folder_of(reading.file.model) +
+                           where_else(name) + " (a [[" + table + "]] table could describe it)");
 }
 
 }  // namespace qvslv

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "solver/data_files/find_data_file.h"
+#include "solver/data_files/made_file.h"
 #include "solver/model_file/contents.h"
 #include "solver/model_file/names.h"
 #include "solver/model_file/parameters.h"
@@ -94,11 +96,37 @@ void read_currents(const TableReader& root, Reading& reading);  // water.cpp
 std::vector<TableReader> tables_of(const TableReader& root, const std::string& key,
                                    const std::vector<std::string>& known);
 
+/// Fills in the paths of the strings that subroutines take for the names of files, and notes these files as inputs.
+void resolve_file_strings(Reading& reading);
+
 /// The wished name, or a similar one, that is not taken yet and that a file can refer to.
 std::string free_name(const NameTable& names, std::string wish);
 
-/// Path of a data file: of the file that the library will find, or of the one that a recipe will make. If there is
-/// neither, throws ModelError that says where the file was looked for and which `table` could describe it.
+/// Path of the file that will be made for a table with these settings. Throws ModelError if the table names no file, or
+/// one that another table of its kind describes.
+template <class Recipe>
+std::string path_of_recipe(const TableReader& table, const Reading& reading, const std::string& settings_line,
+                           const char* kind, const std::vector<Recipe>& others) {
+  const std::string file = table.text("file"), beside = path_beside(reading.file.model.path, file);
+  if (file.empty()) table.fail("file", std::string("the ") + kind + " needs a file name");
+  for (const Recipe& other : others)
+    if (path_beside(reading.file.model.path, other.file) == beside)
+      table.fail("file", std::string("another [[") + kind + "]] describes this file already");
+  return made_path(reading.file.made_folder, file, settings_line);
+}
+
+/// Folder of the model, absolute.
+std::string folder_of(const Model& model);
+
+/// For messages: a hint if a file of this name is in the current folder, which is not looked into; else empty.
+std::string where_else(const std::string& name);
+
+/// Absolute path of a data file: of the one that a table describes, else of the one beside the model; empty if there is
+/// neither.
+std::string data_file_path(const std::string& name, const ModelFile& file);
+
+/// The same; if there is neither, throws ModelError that says where the file was looked for and which `table` could
+/// describe it.
 std::string require_data_file(const std::string& name, const Reading& reading, const std::string& role,
                               const FilePosition& at, const std::string& table = "road");
 

@@ -1,30 +1,15 @@
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 #include "solver/model_file/reading.h"
 
 namespace qvslv {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 const std::vector<std::string> k_wave_keys = {"name", "file",     "kind",      "height", "period",    "Hs",
                                               "Tp",   "gamma",    "seed",      "depth",  "direction", "components",
                                               "ramp", "duration", "time_step", "extent", "x_step",    "gravity"};
-
-/// Path of a recipe's file, which lies beside the model. Throws if another recipe describes the same file.
-template <class Recipe>
-std::string path_of_recipe(const TableReader& table, const Reading& reading, const char* kind,
-                           const std::vector<Recipe>& others) {
-  const std::string file = table.text("file");
-  if (file.empty()) table.fail("file", std::string("the ") + kind + " needs a file name");
-  std::string path = (fs::path(reading.file.model.path).parent_path() / file).lexically_normal().string();
-  for (const Recipe& other : others)
-    if (other.path == path) table.fail("file", std::string("another [[") + kind + "]] describes this file already");
-  return path;
-}
 
 /// A regular wave has a height and a period, a spectrum Hs and Tp.
 double height_or_period(const TableReader& table, bool regular, const char* of_wave, const char* of_spectrum) {
@@ -131,10 +116,11 @@ CurrentProfile read_profile(const TableReader& current, const char* key) {
 void read_waves(const TableReader& root, Reading& reading) {
   for (const TableReader& table : tables_of(root, "wave", k_wave_keys)) {
     std::vector<WaveRecipe>& waves = reading.file.waves;
-    const std::string path = path_of_recipe(table, reading, "wave", waves);
+    const WaveSettings settings = read_wave(table, reading.model());
+    const std::string path = path_of_recipe(table, reading, settings_line(settings), "wave", waves);
     if (table.has("name"))
       reading.waves.add(table.text("name"), static_cast<int>(waves.size()), table.position("name"));
-    waves.push_back({table.text("file"), path, read_wave(table, reading.model())});
+    waves.push_back({table.text("file"), path, settings});
     warn_about(waves.back().settings, table, reading);
   }
 }
@@ -142,12 +128,12 @@ void read_waves(const TableReader& root, Reading& reading) {
 void read_currents(const TableReader& root, Reading& reading) {
   for (const TableReader& table : tables_of(root, "current", {"name", "file", "along_x", "along_y"})) {
     std::vector<CurrentRecipe>& currents = reading.file.currents;
-    const std::string path = path_of_recipe(table, reading, "current", currents);
     if (table.has("name"))
       reading.currents.add(table.text("name"), static_cast<int>(currents.size()), table.position("name"));
     const CurrentSettings settings{read_profile(table, "along_x"), read_profile(table, "along_y")};
     const std::string mistake = mistake_in(settings);
     if (!mistake.empty()) table.fail(mistake);
+    const std::string path = path_of_recipe(table, reading, settings_line(settings), "current", currents);
     currents.push_back({table.text("file"), path, settings});
   }
 }

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <map>
 #include <set>
-#include <stdexcept>
 
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/road_mesh.h"
@@ -18,10 +17,15 @@ namespace {
 
 using Report = std::function<void(const std::string&)>;
 
-std::string string_text(const Model& model, int id) {
-  for (const StringEntity& entity : model.strings) {
-    if (entity.id == id) return entity.text;
-  }
+/// The text of a string and the file that it names.
+struct NamedFile {
+  std::string name, path;
+};
+
+NamedFile named_file(const Model& model, int id) {
+  for (const StringEntity& entity : model.strings)
+    if (entity.id == id)
+      return {entity.text, entity.path.empty() ? find_data_file(entity.text, model.path) : entity.path};
   return {};
 }
 
@@ -32,11 +36,10 @@ TriangleMesh place_roads(const Engine& engine, const Report& report) {
   std::set<std::pair<int, int>> seen;
   for (const Element& element : model.elements) {
     if (element.road_string == 0 || !seen.emplace(element.road_string, element.road_marker).second) continue;
-    const std::string name = string_text(model, element.road_string);
-    const std::string file = find_data_file(name, model.path);
-    const auto mesh = read_road_mesh(file);
+    const NamedFile file = named_file(model, element.road_string);
+    const auto mesh = read_road_mesh(file.path);
     if (!mesh) {
-      if (report) report("element " + element.name + ": no picture of the road " + name + ": it cannot be read");
+      if (report) report("element " + element.name + ": no picture of the road " + file.name + ": it cannot be read");
       continue;
     }
     const SimTK::Transform pose = engine.multibody().find_pose(engine.state(), element.road_marker);
@@ -51,11 +54,10 @@ TriangleMesh place_roads(const Engine& engine, const Report& report) {
 int place_water(Recording& recording, const Hull& hull, const Report& report) {
   const Model& model = *recording.model;
   const Element& element = model.elements[static_cast<size_t>(hull.element)];
-  const std::string name = string_text(model, hull.wave_string);
-  const std::string file = find_data_file(name, model.path);
-  auto wave = read_wave_file(file);
+  const NamedFile file = named_file(model, hull.wave_string);
+  auto wave = read_wave_file(file.path);
   if (!wave) {
-    if (report) report("element " + element.name + ": no picture of the water " + name + ": it cannot be read");
+    if (report) report("element " + element.name + ": no picture of the water " + file.name + ": it cannot be read");
     return k_none;
   }
   wave->velocity.clear();
@@ -83,18 +85,18 @@ void place_hulls(Recording& recording, const Report& report) {
 
 }  // namespace
 
-Recorder::Recorder(const Engine& engine, const std::string& folder, const Report& report)
+Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report)
     : m_frame_step(engine.multibody().model().simulation.frame_step),
       m_columns(result_columns(engine.multibody().model())),
-      m_csv_path(folder + "/results.csv") {
+      m_folder(folder),
+      m_csv(folder.add("results.csv")) {
   const Model& model = engine.multibody().model();
   m_recording.model = &model;
   m_recording.terrain = place_roads(engine, report);
   place_hulls(m_recording, report);
   m_recording.columns = headers_of(m_columns);
-  m_csv.open(m_csv_path, std::ios::trunc);
-  m_csv << csv_line(m_recording.columns) << std::flush;
-  if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
+  m_csv.write(csv_line(m_recording.columns));
+  m_csv.flush();
   m_vtk = std::make_unique<VtkWriter>(m_recording, folder);
   if (std::any_of(model.elements.begin(), model.elements.end(), is_belt))
     m_contact_axes = std::make_unique<ContactAxes>(model, m_recording.terrain, find_up(model.gravity));
@@ -102,11 +104,17 @@ Recorder::Recorder(const Engine& engine, const std::string& folder, const Report
 
 void Recorder::record(const Engine& engine) {
   m_recording.rows.push_back(calc_result_row(m_columns, engine));
-  m_csv << csv_line(m_recording.rows.back()) << std::flush;
-  if (!m_csv) throw std::runtime_error("cannot write " + m_csv_path);
+  m_folder.check_held();
+  m_csv.write(csv_line(m_recording.rows.back()));
+  m_csv.flush();
   if (!frame_due(engine.time())) return;
   m_recording.frames.push_back(calc_frame(engine, m_contact_axes.get()));
   m_vtk->write(m_recording.frames.back());
+}
+
+void Recorder::close() {
+  m_csv.close();
+  m_vtk->close();
 }
 
 /// Frames come with the first output at or after each multiple of the frame step.
@@ -116,12 +124,6 @@ bool Recorder::frame_due(double time) {
   if (time < m_next_frame - slack) return false;
   m_next_frame = m_frame_step * (std::floor((time + slack) / m_frame_step) + 1);
   return true;
-}
-
-std::vector<std::string> Recorder::files() const {
-  std::vector<std::string> all = {"results.csv"};
-  all.insert(all.end(), m_vtk->files().begin(), m_vtk->files().end());
-  return all;
 }
 
 }  // namespace qvslv

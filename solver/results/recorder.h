@@ -1,6 +1,5 @@
 #pragma once
 
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,7 +8,9 @@
 #include "solver/engine/engine.h"
 #include "solver/results/columns.h"
 #include "solver/results/contact_axes.h"
+#include "solver/results/output_file.h"
 #include "solver/results/recording.h"
+#include "solver/results/results_folder.h"
 #include "solver/results/vtk_writer.h"
 
 namespace qvslv {
@@ -18,16 +19,18 @@ namespace qvslv {
 /// whole as far as they go. Throws std::runtime_error when a file cannot be written.
 class Recorder {
 public:
-  /// Opens the files, which replace those of an earlier run, and places the roads. The engine is at its start.
+  /// Opens the files and places the roads. The engine is at its start.
+  /// @param folder  must outlive this object
   /// @param report  called with a text if a road, a hull or a water cannot be drawn; may be empty
-  Recorder(const Engine& engine, const std::string& folder, const std::function<void(const std::string&)>& report);
+  Recorder(const Engine& engine, ResultsFolder& folder, const std::function<void(const std::string&)>& report);
 
   /// Adds a row, and a frame if one is due. The engine is at an output time.
   void record(const Engine& engine);
 
+  /// Ends the writing.
+  void close();
+
   const Recording& recording() const { return m_recording; }
-  /// Files written so far, relative to the folder.
-  std::vector<std::string> files() const;
 
 private:
   bool frame_due(double time);
@@ -36,8 +39,8 @@ private:
   double m_next_frame = 0;
   std::vector<Column> m_columns;
   Recording m_recording;
-  std::ofstream m_csv;
-  std::string m_csv_path;
+  ResultsFolder& m_folder;
+  OutputFile m_csv;
   std::unique_ptr<VtkWriter> m_vtk;
   std::unique_ptr<ContactAxes> m_contact_axes;  ///< null if the model has no belt
 };

@@ -1,6 +1,5 @@
 #include "solver/results/report_page.h"
 
-#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <string_view>
@@ -85,13 +84,6 @@ std::string report_page(const Model& model, const Recording& recording, const Ru
                                         {"style", std::string(page_files::style_css)},
                                         {"data", page_data(model, recording, record, limits)},
                                         {"scripts", scripts()}});
-}
-
-void write_report_page(const Model& model, const Recording& recording, const RunRecord& record) {
-  const std::string path = record.out_folder + "/report.html";
-  std::ofstream out(path, std::ios::trunc | std::ios::binary);
-  out << report_page(model, recording, record) << std::flush;
-  if (!out) throw std::runtime_error("cannot write " + path);
 }
 
 }  // namespace qvslv

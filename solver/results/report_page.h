@@ -21,7 +21,4 @@ struct ReportLimits {
 std::string report_page(const Model& model, const Recording& recording, const RunRecord& record,
                         const ReportLimits& limits = {});
 
-/// Writes the page as report.html into the run's folder. Throws std::runtime_error if that fails.
-void write_report_page(const Model& model, const Recording& recording, const RunRecord& record);
-
 }  // namespace qvslv

@@ -3,9 +3,7 @@
 #include <Simbody.h>
 #include <fmt/format.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 
 namespace qvslv {
 
@@ -54,9 +52,29 @@ Json settings(const Model& model) {
   return json;
 }
 
-}  // namespace
+Json inputs(const RunRecord& record) {
+  Json list = Json::array();
+  for (const InputFile& input : record.inputs)
+    list.push_back({{"role", input.role},
+                    {"name", input.name},
+                    {"path", input.path},
+                    {"bytes", input.digest.bytes},
+                    {"sha256", input.digest.sha256}});
+  return list;
+}
 
-std::string run_record_text(const Model& model, const RunRecord& record) {
+Json warnings(const RunRecord& record) {
+  Json list = Json::array();
+  for (const Finding& finding : record.warnings)
+    list.push_back({{"id", finding.id},
+                    {"file", finding.at.file},
+                    {"line", finding.at.line},
+                    {"column", finding.at.column},
+                    {"text", finding.text}});
+  return list;
+}
+
+Json run_summary(const Model& model, const RunRecord& record) {
   const RunSummary& summary = record.summary;
   Json json;
   json["title"] = model.title;
@@ -70,21 +88,32 @@ std::string run_record_text(const Model& model, const RunRecord& record) {
   json["outcome"] = record.running ? "running" : outcome_name(summary.outcome);
   json["complete"] = !record.running && summary.outcome == RunOutcome::finished;
   json["message"] = summary.message;
+  json["warnings"] = warnings(record);
   json["messages"] = record.messages;
   json["time_reached"] = summary.time;
   json["wall_seconds"] = summary.wall_seconds;
   json["steps"] = summary.steps;
   json["evaluations"] = summary.evaluations;
   json["files"] = summary.files;
-  // A text that is no UTF-8 (a subroutine's message) must not fail the run: its bad bytes are replaced.
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+  json["inputs"] = inputs(record);
+  return json;
 }
 
-void write_run_record(const Model& model, const RunRecord& record) {
-  const std::string path = record.out_folder + "/run.json";
-  std::ofstream out(path, std::ios::trunc);
-  out << run_record_text(model, record) << std::flush;
-  if (!out) throw std::runtime_error("cannot write " + path);
+// A text that is no UTF-8 (a subroutine's message) must not fail the run: its bad bytes are replaced.
+std::string text_of(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n'; }
+
+}  // namespace
+
+std::string run_summary_text(const Model& model, const RunRecord& record) {
+  return text_of(run_summary(model, record));
+}
+
+std::string run_record_text(const Model& model, const RunRecord& record) {
+  Json json = run_summary(model, record);
+  json["model_text"] = record.model_text;
+  json["resolved_model"] = Json::parse(record.resolved_model, nullptr, false);
+  if (json["resolved_model"].is_discarded()) json["resolved_model"] = nullptr;  // a model that was built in memory
+  return text_of(json);
 }
 
 }  // namespace qvslv

@@ -95,28 +95,17 @@ private:
   fmt::memory_buffer m_text;
 };
 
-/// Removes the frames of an earlier run: if that was longer, some would stay behind and stand in no index.
-void remove_earlier_frames(const std::string& folder) {
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    const std::string name = entry.path().filename().string();
-    bool ours = name == "terrain.vtp";
-    for (const char* part : {"bodies_", "points_", "hulls_", "water_"}) ours = ours || name.rfind(part, 0) == 0;
-    if (ours && entry.path().extension() == ".vtp") std::filesystem::remove(entry.path());
-  }
-}
-
 }  // namespace
 
-VtkWriter::VtkWriter(const Recording& recording, std::string folder)
+VtkWriter::VtkWriter(const Recording& recording, ResultsFolder& folder)
     : m_recording(recording),
-      m_folder(std::move(folder)),
+      m_folder(folder),
       m_has_terrain(!recording.terrain.triangles.empty()),
       m_has_points(false),
       m_reaches(recording.waters.size()) {
   const Model& model = *recording.model;
   const TriangleMesh& terrain = recording.terrain;
-  std::filesystem::create_directories(m_folder + "/frames");
-  remove_earlier_frames(m_folder + "/frames");
+  std::filesystem::create_directories(m_folder.path() + "/frames");
   for (const Body& body : model.bodies) m_shapes.push_back(shape_mesh(body.shape));
   for (const Element& element : model.elements) m_has_points = m_has_points || element.points.count > 0;
   if (m_has_terrain) {
@@ -126,12 +115,11 @@ VtkWriter::VtkWriter(const Recording& recording, std::string folder)
     file.end("PointData");
     write_file("frames/terrain.vtp", file.finish());
   }
-  m_index.open(m_folder + "/frames.pvd", std::ios::trunc);
-  m_index << "<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n  <Collection>\n";
-  m_index_end = m_index.tellp();
-  m_index << k_index_tail << std::flush;
-  if (!m_index) throw std::runtime_error("cannot write " + m_folder + "/frames.pvd");
-  m_files.push_back("frames.pvd");
+  m_index = OutputFile(m_folder.add("frames.pvd"));
+  m_index.write("<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n  <Collection>\n");
+  m_index_end = m_index.position();
+  m_index.write(k_index_tail);
+  m_index.flush();
 }
 
 void VtkWriter::write(const Frame& frame) {
@@ -231,20 +219,18 @@ void VtkWriter::write_water(const Frame& frame, const std::string& name) {
 
 /// Writes the new entries over the closing tags, and the tags behind them again.
 void VtkWriter::index_frame(double time, const std::vector<std::string>& parts) {
-  m_index.seekp(m_index_end);
+  m_index.go_to(m_index_end);
   for (size_t k = 0; k < parts.size(); ++k) {
-    m_index << fmt::format("    <DataSet timestep=\"{}\" group=\"\" part=\"{}\" file=\"{}\"/>\n", time, k, parts[k]);
+    m_index.write(
+        fmt::format("    <DataSet timestep=\"{}\" group=\"\" part=\"{}\" file=\"{}\"/>\n", time, k, parts[k]));
   }
-  m_index_end = m_index.tellp();
-  m_index << k_index_tail << std::flush;
-  if (!m_index) throw std::runtime_error("cannot write " + m_folder + "/frames.pvd");
+  m_index_end = m_index.position();
+  m_index.write(k_index_tail);
+  m_index.flush();
 }
 
 void VtkWriter::write_file(const std::string& name, const std::string& text) {
-  std::ofstream out(m_folder + "/" + name, std::ios::trunc);
-  out << text << std::flush;
-  if (!out) throw std::runtime_error("cannot write " + m_folder + "/" + name);
-  if (std::find(m_files.begin(), m_files.end(), name) == m_files.end()) m_files.push_back(name);
+  write_new_file(m_folder.add(name), text);
 }
 
 }  // namespace qvslv

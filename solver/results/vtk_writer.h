@@ -1,11 +1,12 @@
 #pragma once
 
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "solver/model/triangle_mesh.h"
+#include "solver/results/output_file.h"
 #include "solver/results/recording.h"
+#include "solver/results/results_folder.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
@@ -24,13 +25,12 @@ namespace qvslv {
 class VtkWriter {
 public:
   /// @param recording  holds model, terrain, hulls and waters already; must outlive this object
-  /// @param folder     of the run; frames/ is made inside
-  VtkWriter(const Recording& recording, std::string folder);
+  /// @param folder     of the run, which must outlive this object too; frames/ is made inside
+  VtkWriter(const Recording& recording, ResultsFolder& folder);
 
   void write(const Frame& frame);
-
-  /// Files written so far, relative to the folder.
-  const std::vector<std::string>& files() const { return m_files; }
+  /// Ends the writing.
+  void close() { m_index.close(); }
 
 private:
   void write_bodies(const Frame& frame, const std::string& name);
@@ -41,15 +41,14 @@ private:
   void write_file(const std::string& name, const std::string& text);
 
   const Recording& m_recording;
-  std::string m_folder;
+  ResultsFolder& m_folder;
   std::vector<TriangleMesh> m_shapes;  ///< one per body; empty for a body without a shape
   bool m_has_terrain;
   bool m_has_points;
   std::vector<WaterReach> m_reaches;  ///< per water what its hulls have covered so far
-  std::ofstream m_index;
-  std::streampos m_index_end;  ///< position before the closing tags
+  OutputFile m_index;
+  long m_index_end = 0;  ///< position before the closing tags
   long m_frames = 0;
-  std::vector<std::string> m_files;
 };
 
 }  // namespace qvslv

@@ -16,15 +16,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void become_command(const std::vector<std::string>& arguments, const fs::path& folder, const fs::path& out,
-                                 const fs::path& err) {
+[[noreturn]] void become(std::string program, const std::vector<std::string>& arguments, const fs::path& folder,
+                         const fs::path& out, const fs::path& err, const Environment& environment) {
   std::vector<char*> argv;
-  std::string command = QVBRISK_COMMAND;
-  argv.push_back(command.data());
+  argv.push_back(program.data());
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   const int out_file = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
   const int err_file = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  // Files that are made for models go into a folder of this process, not into the home folder of who runs the tests.
+  setenv("XDG_CACHE_HOME", qvtest::temporary_path("cache").c_str(), 1);
+  for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
   if (chdir(folder.c_str()) != 0 || dup2(out_file, STDOUT_FILENO) < 0 || dup2(err_file, STDERR_FILENO) < 0) _exit(126);
   execv(argv[0], argv.data());
   _exit(127);
@@ -32,14 +34,15 @@ namespace {
 
 }  // namespace
 
-RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const fs::path& folder) {
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const fs::path& folder,
+                               const Environment& environment, const std::string& program) {
   static int number = 0;
   const std::string base = "qvbrisk_" + std::to_string(getpid()) + "_" + std::to_string(++number);
   m_out = fs::path(testing::TempDir()) / (base + ".out");
   m_err = fs::path(testing::TempDir()) / (base + ".err");
   m_pid = fork();
   if (m_pid < 0) throw std::runtime_error("cannot fork");
-  if (m_pid == 0) become_command(arguments, folder, m_out, m_err);
+  if (m_pid == 0) become(program, arguments, folder, m_out, m_err, environment);
 }
 
 bool RunningCommand::ended() {
@@ -61,8 +64,14 @@ CommandResult RunningCommand::wait() {
   return result;
 }
 
-CommandResult run_command(const std::vector<std::string>& arguments, const fs::path& folder) {
-  return RunningCommand(arguments, folder).wait();
+CommandResult run_command(const std::vector<std::string>& arguments, const fs::path& folder,
+                          const Environment& environment) {
+  return RunningCommand(arguments, folder, environment).wait();
+}
+
+CommandResult run_program(const std::string& program, const std::vector<std::string>& arguments,
+                          const fs::path& folder) {
+  return RunningCommand(arguments, folder, {}, program).wait();
 }
 
 fs::path fresh_folder() {

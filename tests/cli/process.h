@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The command as a user runs it: its own process, its output caught in files, no terminal.
@@ -12,13 +13,22 @@ struct CommandResult {
   std::string out, err;
 };
 
+/// Variables that a command gets besides those of the tests.
+using Environment = std::vector<std::pair<std::string, std::string>>;
+
 /// Runs `qvbrisk` with these arguments in a folder and waits for its end.
-CommandResult run_command(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+CommandResult run_command(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                          const Environment& environment = {});
+
+/// The same for another program.
+CommandResult run_program(const std::string& program, const std::vector<std::string>& arguments,
+                          const std::filesystem::path& folder);
 
 /// A command that is still running.
 class RunningCommand {
 public:
-  RunningCommand(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+  RunningCommand(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                 const Environment& environment = {}, const std::string& program = QVBRISK_COMMAND_PATH);
   /// Has it ended by itself?
   bool ended();
   void send(int signal) const;

@@ -227,7 +227,8 @@ std::string page_data(const Model& model, const Recording& recording, const RunR
                       const ReportLimits& limits) {
   PageParts page;
   const Vec3 origin = choose_origin(recording);
-  page.json["run"] = Json::parse(run_record_text(model, record));
+  page.json["warnings"] = finding_texts(record.warnings);
+  page.json["run"] = Json::parse(run_summary_text(model, record));
   page.json["origin"] = origin;
   page.json["notes"] = Json::array();
   add_model(page, model);

@@ -165,12 +165,12 @@ TEST(MakeCurrent, FileIsReadByTheLibraryToTheDigitsThatWereWritten) {
 TEST(MakeCurrent, FileKnowsWhetherItWasMadeWithTheseSettings) {
   const qvtest::TemporaryFolder folder;
   const std::string path = folder.path("tide.current");
-  EXPECT_EQ(qvslv::current_file_state(path, currents("uniform:1")), qvslv::MadeFileState::missing);
+  EXPECT_EQ(qvslv::made_file_state(path, currents("uniform:1")), qvslv::MadeFileState::missing);
   qvslv::write_current_file(currents("uniform:1"), path);
-  EXPECT_EQ(qvslv::current_file_state(path, currents("uniform:1")), qvslv::MadeFileState::current);
-  EXPECT_EQ(qvslv::current_file_state(path, currents("uniform:2")), qvslv::MadeFileState::outdated);
+  EXPECT_EQ(qvslv::made_file_state(path, currents("uniform:1")), qvslv::MadeFileState::current);
+  EXPECT_EQ(qvslv::made_file_state(path, currents("uniform:2")), qvslv::MadeFileState::outdated);
   folder.write("tide.current", "1,0\n0,1\n1,0\n0,0\n");
-  EXPECT_EQ(qvslv::current_file_state(path, currents("uniform:1")), qvslv::MadeFileState::foreign);
+  EXPECT_EQ(qvslv::made_file_state(path, currents("uniform:1")), qvslv::MadeFileState::foreign);
 }
 
 }  // namespace

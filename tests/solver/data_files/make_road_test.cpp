@@ -191,13 +191,13 @@ protected:
 TEST_F(RoadFile, KnowsWhetherItWasMadeWithTheseSettings) {
   const std::string path = (m_folder / "a.rdf").string();
   RoadSettings s = settings(RoadKind::rolling);
-  EXPECT_EQ(qvslv::road_file_state(path, s), qvslv::RoadFileState::missing);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::missing);
   qvslv::write_road_file(s, path);
-  EXPECT_EQ(qvslv::road_file_state(path, s), qvslv::RoadFileState::current);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::current);
   s.seed = 99;
-  EXPECT_EQ(qvslv::road_file_state(path, s), qvslv::RoadFileState::outdated);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::outdated);
   std::ofstream(path) << "FILE_TYPE = 'RDF'\n";
-  EXPECT_EQ(qvslv::road_file_state(path, s), qvslv::RoadFileState::foreign);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::foreign);
 }
 
 TEST_F(RoadFile, AppearsWholeAndLeavesNothingElseBehind) {

@@ -240,26 +240,26 @@ TEST_F(WaveFileOnDisk, OfStillWaterIsOutdatedByAnotherExtentOrDurationOnly) {
   WaveSettings s = qvslv::completed(still_water(12));
   const std::string path = made(s);
   s.seed = 7;  // counts for a spectrum
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::current);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::current);
   s.extent = 13;
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::outdated);
   s = qvslv::completed(still_water(12));
   s.duration = 2;
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::outdated);
 }
 
 TEST_F(WaveFileOnDisk, KnowsWhetherItWasMadeWithTheseSettings) {
   WaveSettings s = small_sea(WaveKind::jonswap);
   const std::string path = m_folder.path("sea.wave");
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::missing);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::missing);
   made(s);
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::current);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::current);
   s.gamma = 5;
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::outdated);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::outdated);
   m_folder.write("sea.wave", "1,1\n0\n0,0,0\n");
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::foreign);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::foreign);
   m_folder.write("sea.wave", "");
-  EXPECT_EQ(qvslv::wave_file_state(path, s), qvslv::MadeFileState::foreign);
+  EXPECT_EQ(qvslv::made_file_state(path, s), qvslv::MadeFileState::foreign);
 }
 
 TEST_F(WaveFileOnDisk, AppearsWholeAndLeavesNothingElseBehind) {

@@ -36,7 +36,7 @@ const mistake k_mistakes[] = {
     {"A spline with too few y", "y = [500, 1000, 1500]", "y = [500, 1000]", "model.toml:85:5: spline 'limit', y: a list of 3 numbers is expected, not a list of 2 values"},
     // Hulls and thrusters
     {"A hull without its mesh", "mesh = { shape = \"box\", size = [4, 2, 1], divisions = [2, 1, 1] }\n", "", "model.toml:87:1: element 'hull': the key 'mesh' is missing"},
-    {"A mesh file that is not there", "mesh = { shape = \"box\", size = [4, 2, 1], divisions = [2, 1, 1] }", "mesh = \"barge.stl\"", "model.toml:91:8: element 'hull', mesh: there is no file 'barge.stl', neither in the current folder nor beside the model in <folder> (an STL, OBJ or PLY file is expected, or mesh = { shape = \"box\", size = [..] })"},
+    {"A mesh file that is not there", "mesh = { shape = \"box\", size = [4, 2, 1], divisions = [2, 1, 1] }", "mesh = \"barge.stl\"", "model.toml:91:8: element 'hull', mesh: there is no file 'barge.stl' beside the model in <folder> (an STL, OBJ or PLY file is expected, or mesh = { shape = \"box\", size = [..] })"},
     {"An unknown shape of a mesh", "shape = \"box\", size", "shape = \"bocks\", size", "model.toml:91:18: element 'hull', mesh, shape: 'bocks' is not known; known: box, wedge_barge, cylinder, sphere"},
     {"A key of another shape", "shape = \"box\", size = [4, 2, 1]", "shape = \"box\", size = [4, 2, 1], radius = 1", "model.toml:91:52: element 'hull', mesh, radius: a box has no such key"},
     {"A size of 0", "size = [4, 2, 1]", "size = [4, 0, 1]", "model.toml:91:32: element 'hull', mesh, size: the edge lengths must be greater than 0"},
@@ -46,7 +46,7 @@ const mistake k_mistakes[] = {
     {"A scale for a shape", "density = \"rho\"", "density = \"rho\"\nmesh_scale = 0.001", "model.toml:96:14: element 'hull', mesh_scale: belongs to a mesh file; a shape has its size"},
     {"A hull on an unknown body", "type = \"hull\"\nbody = \"barge\"", "type = \"hull\"\nbody = \"barg\"", "model.toml:90:8: element 'hull', body: there is no body 'barg'; did you mean 'barge'?"},
     {"A force marker on another body", "density = \"rho\"", "density = \"rho\"\nmarker = \"buoy\"", "model.toml:96:10: element 'hull', marker: 'buoy' is not on the body 'barge', which the hull belongs to"},
-    {"A WAVE file that is not there", "water = \"water\"\nwave = \"sea\"\ncurrent", "water = \"water\"\nwave = \"see.wave\"\ncurrent", "model.toml:93:8: element 'hull', wave: there is no file 'see.wave', neither in the current folder nor beside the model in <folder> (a [[wave]] table could describe it)"},
+    {"A WAVE file that is not there", "water = \"water\"\nwave = \"sea\"\ncurrent", "water = \"water\"\nwave = \"see.wave\"\ncurrent", "model.toml:93:8: element 'hull', wave: there is no file 'see.wave' beside the model in <folder> (a [[wave]] table could describe it)"},
     {"No CURRENT file", "current = \"stream\"\n", "", "model.toml:87:1: element 'hull': the key 'current' is missing"},
     {"No density", "density = \"rho\"\n", "", "model.toml:87:1: element 'hull': the key 'density' is missing"},
     {"No gravity for a hull", "gravity = [0, 0, -9.81]\n\n[simulation]\nend_time = 2.0\n\n[parameters]\nrho = 1000\n\n[[wave]]\nname = \"sea\"\nfile = \"sea.wave\"\nkind = \"regular\"\nheight = 0.2\nperiod = 3\nextent = 60", "gravity = [0, 0, 0]\n\n[simulation]\nend_time = 2.0\n\n[parameters]\nrho = 1000\n\n[[wave]]\nname = \"sea\"\nfile = \"sea.wave\"\nkind = \"regular\"\nheight = 0.2\nperiod = 3\nextent = 60\ngravity = 9.81", "model.toml:88:1: element 'hull': the model has no gravity to lift the hull; give it as 'gravity'"},
@@ -84,25 +84,6 @@ TEST(BadInputAfloat, PageShowsEveryMistakeAndItsMessage) {
     EXPECT_THAT(text, HasSubstr(std::string("| ") + row.why + " |"));
     EXPECT_THAT(text, HasSubstr("`" + in_table(row.message) + "`"));
   }
-}
-
-TEST(BadInputAfloat, CurrentBesideTheModelIsNotFoundOnceTheWavesAreInTheCurrentFolder) {
-  const std::string here = "afloat_bad_input_test.wave", there = testing::TempDir() + "afloat_bad_input_test.current";
-  std::ofstream(here) << "1,2\n0,1\n0,0,0,0,0\n";
-  std::ofstream(there) << "1,0\n0,0\n1,0\n0,0\n";
-  const std::string text = changed_afloat("water = \"water\"\nwave = \"sea\"\ncurrent = \"stream\"",
-                                          "water = \"water\"\nwave = \"afloat_bad_input_test.wave\"\ncurrent = "
-                                          "\"afloat_bad_input_test.current\"");
-  std::string message;
-  try {
-    qvslv::read_model_text(text, testing::TempDir() + "model.toml");
-  } catch (const qvslv::ModelError& error) {
-    message = error.what();
-  }
-  std::remove(here.c_str());
-  EXPECT_THAT(message, HasSubstr("element 'hull', current: 'afloat_bad_input_test.current' is beside the model, but "
-                                 "'afloat_bad_input_test.wave' is in the current folder, and then both are looked for "
-                                 "there only; move one of them"));
 }
 
 }  // namespace

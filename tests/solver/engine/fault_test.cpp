@@ -249,7 +249,7 @@ TEST(Faults, AFolderThatCannotBeMadeIsReported) {
   options.out_folder = "/proc/no/folder";
   const TestRun out = run(one_force(), options);
   EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
-  expect_contains(out.summary.message, "cannot write the results");
+  expect_contains(out.summary.message, "cannot write into the folder /proc/no/folder: No such file or directory");
 }
 
 TEST(Interruption, KeepsTheRowsSoFarAndSaysIncomplete) {

@@ -76,7 +76,7 @@ const mistake k_mistakes[] = {
     {"A force that is none", "force = [0, \"m0*sin(t)\", 0]\n", "", "model.toml:64:1: force 'push': give a force or a torque (or both)"},
     {"A force with two components", "force = [0, \"m0*sin(t)\", 0]", "force = [0, 10]", "model.toml:67:9: force 'push', force: a list of 3 numbers or expressions is expected, not a list of 2 values"},
     // Roads and elements
-    {"A road file that is not there", "road = \"field\"", "road = \"feild.rdf\"", "model.toml:78:8: element 'tyre', road: there is no file 'feild.rdf', neither in the current folder nor beside the model in <folder> (a [[road]] table could describe it)"},
+    {"A road file that is not there", "road = \"field\"", "road = \"feild.rdf\"", "model.toml:78:8: element 'tyre', road: there is no file 'feild.rdf' beside the model in <folder> (a [[road]] table could describe it)"},
     {"An unknown soil", "soil = \"dry_sand\"", "soil = \"dry_snad\"", "model.toml:23:8: road 'field', soil: 'dry_snad' is not known; did you mean 'dry_sand'?"},
     {"A road with more than 20 million triangles", "spacing = 0.5", "spacing = 0.0005", "model.toml:17:1: road 'field': this makes more than 20 million triangles; widen the spacing"},
     {"A sine road without its amplitude", "kind = \"flat\"", "kind = \"sine\"\nwavelength = 2", "model.toml:17:1: road 'field': a sine road needs an amplitude"},

@@ -158,18 +158,6 @@ TEST(RunRecord, TellsWhatWasRunAndHowItWent) {
   }
 }
 
-TEST(RunFolder, KeepsFilesOfOthersAndReplacesItsOwn) {
-  const std::string folder = test_folder();
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder + "/notes.txt") << "mine";
-  std::ofstream(folder + "/results.csv") << "stale";
-  RunOptions options;
-  options.out_folder = folder;
-  const TestRun out = run(falling_box(0.2, 0.1), options);
-  EXPECT_EQ(out.rows.size(), 3u);
-  EXPECT_EQ(read_text(folder + "/notes.txt"), "mine");
-}
-
 TEST(RunFolder, HoldsNoFramesOfAnEarlierLongerRun) {
   RunOptions options;
   options.out_folder = test_folder();
