@@ -84,17 +84,17 @@ void measure(const patch_outline& outline, Cpatch& patch) {
 
 std::string point_text(const Chydro_force_sub& sub, int node) {
   const Cnode& p = sub.nodes[static_cast<std::size_t>(node)];
-  return std::to_string(node) + ", Point = " + std::to_string(p.x) + ", " + std::to_string(p.y) + ", " +
-         std::to_string(p.z);
+  return std::to_string(node) + ", Point = " + qv::fixed_text(p.x) + ", " + qv::fixed_text(p.y) + ", " +
+         qv::fixed_text(p.z);
 }
 
 /// Kept: the third node is labelled "Node2" as well.
 std::string degenerate_text(const Chydro_force_sub& sub, const Cpatch& patch, int number, double length, int force_id) {
   return "HYDRO FORCE ERROR : Failded to calculate the normal direction of the patch. HYDRO FORCE ID = " +
          std::to_string(force_id) + " , Patch ID = " + std::to_string(number) +
-         "\n Area = " + std::to_string(patch.area) + ", Determinant = " + std::to_string(length) +
-         ", Normal Direction = " + std::to_string(patch.normal[0]) + ", " + std::to_string(patch.normal[1]) + ", " +
-         std::to_string(patch.normal[2]) + "\n Node1 ID = " + point_text(sub, patch.node_ids[0]) +
+         "\n Area = " + qv::fixed_text(patch.area) + ", Determinant = " + qv::fixed_text(length) +
+         ", Normal Direction = " + qv::fixed_text(patch.normal[0]) + ", " + qv::fixed_text(patch.normal[1]) + ", " +
+         qv::fixed_text(patch.normal[2]) + "\n Node1 ID = " + point_text(sub, patch.node_ids[0]) +
          "\n Node2 ID = " + point_text(sub, patch.node_ids[1]) + "\n Node2 ID = " + point_text(sub, patch.node_ids[2]);
 }
 

@@ -1,7 +1,6 @@
 #include "soilrdf/rdf_reader.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <exception>
@@ -47,13 +46,16 @@ public:
 private:
   [[noreturn]] void refuse(const std::string& message) { qv::first_fault(message, m_channel.ierr, m_channel.msg); }
 
+  /// As std::toupper in the C locale, whichever locale the host has set.
+  static char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
   static bool holds(const std::string& text, const char* key) { return text.find(key) != std::string::npos; }
 
   // KEY = 'TEXT'. Kept: any other key is ignored, so a soil type or a law's name in quotes has no effect.
   void read_quoted(const std::string& text, const std::string& field) {
     const std::vector<std::string> pieces = splitStr(field, '\'');
     std::string value = pieces.size() > 1 ? pieces[1] : std::string();
-    for (char& c : value) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    for (char& c : value) c = upper(c);
     if (holds(text, "FILE_TYPE")) {
       if (value != m_road.file_type) refuse(" READ RDF ERROR : " + value + " is an unsupported file type. \n");
     } else if (holds(text, "LENGTH")) {
@@ -140,12 +142,12 @@ private:
 
   static bool read_number(const std::string& text, const std::string& field, const char* key, double& number) {
     if (!holds(text, key)) return false;
-    number = std::atof(field.c_str());
+    number = qv::read_number(field.c_str());
     return true;
   }
 
   std::int32_t read_count(const std::string& field, const char* key, long line_number) {
-    const double value = std::atof(field.c_str());
+    const double value = qv::read_number(field.c_str());
     if (qv::fits_int(value) && value > -1.0) return static_cast<std::int32_t>(value);
     refuse("READ RDF ERROR : " + std::string(key) + " is " + qv::number_text(value) + " in line " +
            std::to_string(line_number) + "; it must lie between 0 and 2147483647.");

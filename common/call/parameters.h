@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdio>
+#include <charconv>
 #include <string>
 
 #include "common/call/messages.h"
@@ -22,15 +22,21 @@ inline std::string text_of(const parameter& entry) {
 /// True if an int can hold the value truncated toward zero (so never for a NaN).
 inline bool fits_int(double value) { return value > -2147483649.0 && value < 2147483648.0; }
 
-/// The shortest text of 6 to 17 digits that reads back as the same number.
+/// The shortest text of 6 to 17 digits that reads back as the same number, with a decimal point in every locale.
 inline std::string number_text(double value) {
   char text[40];
-  for (int digits = 6; digits <= 17; ++digits) {
-    std::snprintf(text, sizeof text, "%.*g", digits, value);
+  for (int digits = 6;; ++digits) {
+    char* const end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
     double back = 0.0;
-    if (std::sscanf(text, "%lf", &back) == 1 && back == value) break;
+    std::from_chars(text, end, back);
+    if (back == value || digits == 17) return std::string(text, end);
   }
-  return text;
+}
+
+/// The number with six decimals, as std::to_string writes it in the C locale.
+inline std::string fixed_text(double value) {
+  char text[400];  // the largest double has 309 digits before its point
+  return std::string(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr);
 }
 
 /// `value` truncated toward zero. A value that no int can hold is a fault that names it.

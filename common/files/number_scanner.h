@@ -2,13 +2,16 @@
 
 #include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 /// Reads the numbers of a data line, with the grammar of formatted stream input: white space between them, an optional
 /// sign, digits, fraction and exponent. There is no "inf", no "nan" and no hexadecimal, and a number too large for a
 /// double cannot be read.
 namespace qv {
+
+/// The number that `text` begins with, as std::atof reads it in the C locale, whichever locale the host has set:
+/// leading blanks, hexadecimal, "inf" and "nan" included; 0 if there is none.
+double read_number(const char* text);
 
 inline bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -26,7 +29,7 @@ inline bool scan_any_number(const char*& at, const char* end, double& value) {
   for (const char* c = begin; c != stop; ++c) exponent = exponent || *c == 'e' || *c == 'E';
   if (!exponent && stop != end && (*stop == 'e' || *stop == 'E')) return false;  // an exponent without digits
   if (error == std::errc::result_out_of_range) {                                 // too large, or too small to matter
-    value = std::strtod(std::string(begin, stop).c_str(), nullptr);
+    value = read_number(std::string(begin, stop).c_str());
     if (value > 1.0 || value < -1.0) return false;
   }
   at = stop;

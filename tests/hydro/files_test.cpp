@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <sstream>
 
 #include "qvbrisk/subroutines.h"
@@ -164,6 +165,7 @@ TEST(WaveFile, OfRandomPiecesIsReadAsFormattedStreamsDo) {
     std::string text = i % 2 == 0 ? "2,2\n" : "";
     for (int k = whole(random, 0, 40); k > 0; --k) text += pieces[whole(random, 0, 27)];
     std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
     int rows = 0, cols = 0;
     char separator;
     stream >> rows >> separator >> cols;
@@ -401,7 +403,7 @@ TEST(AFolderInPlaceOfAFile, OpensAndDeclaresNothing) {
 
 TEST(FileNames, ThatHaveNoNarrowFormAreReportedWithoutAText) {
   scene_elsewhere s;
-  s.scene.host.strings[k_wave_string] = L"\x4e2d\x6587.wave";
+  s.scene.host.strings[k_wave_string] = L"\xd800.wave";
   s.scene.call();
   ASSERT_EQ(s.scene.host.reports.size(), 1U);
   EXPECT_TRUE(s.scene.host.reports[0].messages.empty());

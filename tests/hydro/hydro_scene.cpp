@@ -3,23 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 #include "qvbrisk/layouts.h"
 #include "qvbrisk/subroutines.h"
+#include "tests/support/exact_text.h"
 #include "tests/support/temporary_folder.h"
 
 namespace qvtest {
 namespace {
 
 int elements_taken = 0;
-
-std::string number(double value) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%.17g", value);
-  return text;
-}
 
 vec3 slots(const std::vector<double>& result, std::size_t first) {
   return {result.at(first), result.at(first + 1), result.at(first + 2)};
@@ -46,11 +40,11 @@ std::wstring wide(const std::string& text) { return {text.begin(), text.end()}; 
 std::string wave_text(const qvref::wave_file& wave, const std::string& separator) {
   const auto rows = static_cast<std::size_t>(wave.rows), cols = static_cast<std::size_t>(wave.cols);
   std::string text = std::to_string(rows) + separator + std::to_string(cols) + "\n";
-  for (std::size_t j = 0; j < cols; ++j) text += number(wave.x[j]) + (j + 1 < cols ? separator : "\n");
+  for (std::size_t j = 0; j < cols; ++j) text += exact_text(wave.x[j]) + (j + 1 < cols ? separator : "\n");
   for (std::size_t i = 0; i < rows; ++i) {
-    text += number(wave.time[i]);
-    for (std::size_t j = 0; j < cols; ++j) text += separator + number(wave.elevation[i][j]);
-    for (std::size_t j = 0; j < cols; ++j) text += separator + number(wave.velocity[i][j]);
+    text += exact_text(wave.time[i]);
+    for (std::size_t j = 0; j < cols; ++j) text += separator + exact_text(wave.elevation[i][j]);
+    for (std::size_t j = 0; j < cols; ++j) text += separator + exact_text(wave.velocity[i][j]);
     text += "\n";
   }
   return text;
@@ -61,7 +55,7 @@ std::string current_text(const qvref::current_file& currents, const std::string&
   for (const qvref::current_table* table : {&currents.first, &currents.second}) {
     text += std::to_string(table->count) + separator + std::to_string(table->mode) + "\n";
     for (std::size_t i = 0; i < static_cast<std::size_t>(table->count); ++i) {
-      text += number(table->key[i]) + separator + number(table->value[i]) + "\n";
+      text += exact_text(table->key[i]) + separator + exact_text(table->value[i]) + "\n";
     }
   }
   return text;

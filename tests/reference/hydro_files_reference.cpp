@@ -1,5 +1,6 @@
 #include <fstream>
 #include <istream>
+#include <locale>
 
 #include "tests/reference/hydro_reference.h"
 
@@ -36,6 +37,7 @@ current_table read_table(std::istream& file) {
 }  // namespace
 
 wave_file read_wave(std::istream& file) {
+  file.imbue(std::locale::classic());
   wave_file wave;
   char separator = '\0';
   extract(file, wave.rows);
@@ -75,6 +77,7 @@ wave_file read_wave(const std::string& path) {
 }
 
 current_file read_current(std::istream& file) {
+  file.imbue(std::locale::classic());
   current_file currents;
   currents.first = read_table(file);
   currents.second = read_table(file);

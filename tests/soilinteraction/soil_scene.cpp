@@ -2,25 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "qvbrisk/subroutines.h"
+#include "tests/support/exact_text.h"
 
 namespace qvtest {
 namespace {
 
 int roads_taken = 0;
 
-std::string number(double value) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%.17g", value);
-  return text;
-}
-
-std::string key(const char* name, double value) { return std::string(name) + " = " + number(value) + "\n"; }
+std::string key(const char* name, double value) { return std::string(name) + " = " + exact_text(value) + "\n"; }
 
 std::string soil_text(const qvref::soil& s) {
   return "SOIL_TYPE=" + s.type + "\n" + key("COEFFICIENT_DS", s.coefficient_ds) +
@@ -53,7 +47,8 @@ std::string rdf_text(const soil_mesh& mesh, const qvref::soil& soil) {
   text += "NUMBER_OF_NODES = " + std::to_string(mesh.nodes.size()) + "\n{ node x y z }\n";
   int k = 0;
   for (const qvref::v3& node : mesh.nodes) {
-    text += std::to_string(++k) + " " + number(node[0]) + " " + number(node[1]) + " " + number(node[2]) + "\n";
+    text +=
+        std::to_string(++k) + " " + exact_text(node[0]) + " " + exact_text(node[1]) + " " + exact_text(node[2]) + "\n";
   }
   text += "\nNUMBER_OF_ELEMENTS = " + std::to_string(mesh.triangles.size()) + "\n{ K L M value }\n";
   for (const auto& t : mesh.triangles) {
@@ -99,7 +94,7 @@ qvref::soil random_soil(random_source& random) {
 
 qvref::soil as_read(const qvref::soil& soil) {
   qvref::soil s = soil;
-  s.friction_angle = std::atof(number(soil.friction_angle / 0.017453292519943295).c_str()) * 0.017453292519943295;
+  s.friction_angle = soil.friction_angle / 0.017453292519943295 * 0.017453292519943295;
   return s;
 }
 

@@ -252,7 +252,7 @@ TEST(RoadFile, IsFoundBesideTheModelFile) {
 
 TEST(RoadFile, WithANameThatHasNoNarrowFormIsAReportWithoutAText) {
   SoilScene scene = sunken();
-  scene.host.strings[k_file_string] = L"road\x4e2d.rdf";
+  scene.host.strings[k_file_string] = L"road\xd800.rdf";
   EXPECT_THAT(scene.call(1), Each(0.0));
   ASSERT_EQ(scene.host.reports.size(), 1U);
   EXPECT_EQ(scene.host.reports[0].title, "USUB ERROR");

@@ -99,7 +99,7 @@ TEST(RdfLocating, AnEmptyNameBesideAModelIsTheModelsFolder) {
 }
 
 TEST(RdfLocating, ANameWithoutANarrowFormThrowsOneWithoutAMessage) {
-  const reading r = read_name(L"gel\u00e4nde.rdf", L"/tmp/model.x");
+  const reading r = read_name(L"road\xd800.rdf", L"/tmp/model.x");
   EXPECT_EQ(r.thrown, 1);
   EXPECT_EQ(r.count, 0);
   EXPECT_EQ(r.message, "");
@@ -107,7 +107,7 @@ TEST(RdfLocating, ANameWithoutANarrowFormThrowsOneWithoutAMessage) {
 }
 
 TEST(RdfLocating, AModelPathWithoutANarrowFormThrowsOneWithoutAMessage) {
-  const reading r = read_name(L"none.rdf", L"/tmp/gel\u00e4nde/model.x");
+  const reading r = read_name(L"none.rdf", L"/tmp/\xd800/model.x");
   EXPECT_EQ(r.thrown, 1);
   EXPECT_EQ(r.count, 0);
   EXPECT_EQ(r.message, "");

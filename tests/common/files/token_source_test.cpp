@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <locale>
 #include <random>
 #include <sstream>
 
@@ -15,6 +16,7 @@ namespace {
 class Tokens {
 public:
   explicit Tokens(const std::string& text) : m_stream(text), m_source(m_file) {
+    m_stream.imbue(std::locale::classic());
     m_memory.write(text.data(), text.size());
     const std::wstring path = m_memory.path();
     EXPECT_TRUE(m_file.open(std::string(path.begin(), path.end())));
