@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "common/kernels/vectors.h"
 #include "hydro/records.h"
 
@@ -72,7 +74,9 @@ private:
   void add_to(drag_sums& sums) const;
 
   int m_count = 0;
-  int m_reached[k_patches];
+  // As wide as the doubles beside it. GCC 12 may step through rows of two widths by one register counted from address
+  // 0, takes that for a null pointer in a later pass, and then leaves out calls of the function that fills a row.
+  std::int64_t m_reached[k_patches];
   row m_area;
   row m_normal[3];       ///< body marker frame as added, then turned into global axes
   row m_velocity[3][3];  ///< by corner; relative to the water
