@@ -32,6 +32,9 @@ class FuzzedHost : public qvslv::ServiceHost {
 public:
   explicit FuzzedHost(FuzzedDataProvider& in) : m_in(in) {}
 
+  /// Markers of nodes have places of their own, all others stand at the origin.
+  static bool is_node(double marker) { return marker >= 20 && marker < 20 + k_largest_chain; }
+
   bool wild = false;  ///< answers anything; otherwise nodes half a length apart are sunk into a road at rest
   double depth = 0.1, belt_speed = 1.0;
   int reports = 0;
@@ -41,7 +44,7 @@ public:
     if (wild && m_in.ConsumeIntegralInRange<int>(0, 15) == 0) return false;  // the host cannot answer
     const bool matrix = std::strcmp(name, "AM") == 0;
     for (int c = 0; c < count; ++c) values[c] = matrix && c % 4 == 0 ? 1.0 : 0.0;
-    if (std::strcmp(name, "TDISP") == 0 && ids[0] >= 20 && ids[0] < 20 + k_largest_chain) {
+    if (std::strcmp(name, "TDISP") == 0 && is_node(ids[0])) {
       values[0] = 0.5 + 0.45 * (ids[0] - 20);
       values[1] = 2.0;
       values[2] = 0.3 - depth;
@@ -110,6 +113,16 @@ struct parameter_list {
   }
 };
 
+/// True if two neighbouring nodes have one centre: the one case in which a call is remembered whatever its iflag is.
+bool has_one_centre(const parameter_list& list) {
+  for (std::size_t node = 1; node < whole_count(list.par[12]); ++node) {
+    const double before = std::trunc(list.par[k_first_node + 2 * node - 2]);
+    const double marker = std::trunc(list.par[k_first_node + 2 * node]);
+    if (before == marker || (!FuzzedHost::is_node(before) && !FuzzedHost::is_node(marker))) return true;
+  }
+  return false;
+}
+
 constexpr double k_behind = 1234.5;
 
 std::vector<double> call(FuzzedHost& host, parameter_list& list, int iflag, double time) {
@@ -166,7 +179,8 @@ void step(FuzzedDataProvider& in, FuzzedHost& host, parameter_list& list) {
   const double time = in.ConsumeBool() ? 0.01 : any_number(in, -0.5, 4.5);
   const std::vector<double> result = call(host, list, iflag, time);
   // A wild host would answer differently the second time.
-  if (!host.wild && host.reports == 0 && (iflag == 0 || iflag == 3)) check_same(result, call(host, list, iflag, time));
+  const bool repeatable = !host.wild && host.reports == 0 && !has_one_centre(list);
+  if (repeatable && (iflag == 0 || iflag == 3)) check_same(result, call(host, list, iflag, time));
 }
 
 }  // namespace

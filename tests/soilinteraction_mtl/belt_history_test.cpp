@@ -346,6 +346,30 @@ TEST(BeltHistory, IsNotChangedByRepeatedRejectedAndReorderedEvaluations) {
   EXPECT_GT(contact, 1.0);
 }
 
+// The only thing that is remembered of calls that close no step: where the last call left the beginning of the span.
+TEST(BeltHistory, OfASpanWhoseNodesHaveOneCentreIsTheLastCallOfAnyKind) {
+  constexpr double k_radius = 0.25;
+  BeltScene scene(flat_mesh(8, 8, 1.0, -2.0, -2.0), loam(),
+                  {{0, 0.2, k_radius}, {1, 0.2, k_radius}, {2, 0.6, k_radius}});
+  scene.call(1);
+  const double chord = 2.0 * k_radius * std::sin(0.5 * std::atan(0.4));
+  double corner = k_radius * std::tan(std::asin(0.5 * chord / k_radius));  // how far behind node 1 the spans meet
+  ASSERT_NEAR(scene.point(4, 1, 3), 1.0 + corner, 1e-14);
+  scene.put({{0, 0.2, k_radius}, {1, 0.2, k_radius}, {1, 0.2, k_radius}});
+  for (const int iflag : {0, 0, 3, 2, 0}) {
+    // The chord now runs from the tangent point to the corner before.
+    const double next = k_radius * std::tan(std::asin(0.5 * corner / k_radius));
+    scene.call(iflag);
+    EXPECT_NEAR(scene.point(4, 1, 3), 1.0 + next, 1e-14) << "iflag " << iflag;
+    EXPECT_LT(next, 0.6 * corner) << "equal calls differ";
+    corner = next;
+  }
+  scene.put({{0, 0.2, k_radius}, {1, 0.2, k_radius}, {2, 0.6, k_radius}});
+  scene.call(0);
+  EXPECT_NEAR(scene.point(4, 1, 3), 1.0 + k_radius * std::tan(std::asin(0.5 * chord / k_radius)), 1e-14)
+      << "a span that can be laid remembers nothing";
+}
+
 TEST(BeltHistory, TheSameEvaluationTwiceGivesTheSameBits) {
   history_scene h(slipping_loam());
   h.slip(1.0, 1.3);
