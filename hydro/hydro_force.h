@@ -3,7 +3,9 @@
 #include <array>
 #include <vector>
 
+#include "common/call/parameters.h"
 #include "hydro/records.h"
+#include "qvbrisk/layouts.h"
 
 /// Buoyancy and drag on hulls of triangular patches, in water given by a WAVE and a CURRENT file, and the report of a
 /// floating body. Equations, frames, parameters and results: docs/floating-bodies.md; the laws: hydro/evaluation.h.
@@ -11,6 +13,14 @@ namespace qvhydro {
 
 constexpr const char* k_prefix = "HYDRO FORCE ERROR : ";
 constexpr const char* k_report_prefix = "HYDRO FORCE REPORT ERROR : ";
+
+// The entries that more than one place names.
+constexpr qv::parameter k_wave_string{QV_HULL_WAVE_STRING, "string of the WAVE file"};
+constexpr qv::parameter k_current_string{QV_HULL_CURRENT_STRING, "string of the CURRENT file"};
+constexpr qv::parameter k_node_count{QV_HULL_NODE_COUNT, "number of nodes"};
+
+/// The position of the number of patches: behind the nodes.
+constexpr int patch_count_at(int node_count) { return QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * node_count; }
 
 /// The hydro force elements by their id. Sized at the first call of the library; lives until the library is unloaded.
 extern std::vector<Chydro_force> gp_hydro_force;

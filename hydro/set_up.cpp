@@ -44,7 +44,7 @@ void read_files(void* handle, Chydro_force& element, const fault_channel& channe
 }
 
 void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& channel) {
-  sub.node_count = qv::to_count(par, {QV_HULL_NODE_COUNT, "number of nodes"}, channel);
+  sub.node_count = qv::to_count(par, k_node_count, channel);
   const auto count = static_cast<std::size_t>(sub.node_count);
   sub.node_states.assign(count + 1, node_state());
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // after the states: every node that exists has a state
@@ -149,8 +149,8 @@ void ini_hydro_force(void* handle, Chydro_force* element, const double* par, int
   element->gravity = par[QV_HULL_GRAVITY];
   element->drag_scale = par[QV_HULL_DRAG_SCALE];
   element->time_index = 0;
-  element->wave_string_id = qv::to_int(par, {QV_HULL_WAVE_STRING, "string of the WAVE file"}, channel);
-  element->current_string_id = qv::to_int(par, {QV_HULL_CURRENT_STRING, "string of the CURRENT file"}, channel);
+  element->wave_string_id = qv::to_int(par, k_wave_string, channel);
+  element->current_string_id = qv::to_int(par, k_current_string, channel);
   read_files(handle, *element, channel);
   element->files_read = true;
 }

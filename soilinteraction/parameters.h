@@ -16,6 +16,7 @@ constexpr const char* k_prefix = "SOILINTERACTION ERROR : ";
 // The entries that guards name in more than one place.
 constexpr qv::parameter k_element_index{QV_SOIL_ELEMENT, "element index"};
 constexpr qv::parameter k_road_index{QV_SOIL_ROAD, "road index"};
+constexpr qv::parameter k_road_string{QV_SOIL_ROAD_STRING, "string id of the RDF file"};
 constexpr qv::parameter k_count_along{QV_SOIL_POINTS_ALONG, "grid count along or around"};
 constexpr qv::parameter k_count_across{QV_SOIL_POINTS_ACROSS, "grid count across"};
 
@@ -28,7 +29,7 @@ struct parameters {
       : element(qv::to_int(par, k_element_index, channel)),
         body_marker(qv::to_int(par, {QV_SOIL_BODY_MARKER, "body marker id"}, channel)),
         road(qv::to_int(par, k_road_index, channel)),
-        file_name(qv::to_int(par, {QV_SOIL_ROAD_STRING, "string id of the RDF file"}, channel)),
+        file_name(qv::to_int(par, k_road_string, channel)),
         road_marker(qv::to_int(par, {QV_SOIL_ROAD_MARKER, "road base marker id"}, channel)),
         elements(qv::to_count(par, {QV_SOIL_ELEMENTS_ON_ROAD, "number of soil elements"}, channel)),
         roads(qv::to_count(par, {QV_SOIL_ROAD_COUNT, "number of roads"}, channel)),

@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "common/call/entry_frame.h"
+#include "common/call/kept_set_up.h"
 #include "common/call/messages.h"
 #include "common/call/parameters.h"
 #include "soilinteraction/evaluation.h"
@@ -19,15 +20,27 @@ using force_sums = std::array<double, QV_SOIL_SUM_RESULT_LENGTH>;  // force x, y
 
 // Module state, indexed by road and element. It lives from load to unload; each container is sized once.
 std::vector<CRoad> s_3Dsoil_roads;
+std::vector<int> s_road_strings;  // by road: the string id that it was read by
 std::vector<std::vector<CSoilInteraction>> s_3Dsoil_forces;
 std::vector<std::vector<force_sums>> s_3Dsoil_contact_forces_Sum;
 
+qv::kept_set_up s_kept("SOILINTERACTION WARNING : ");
+
 void set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
-  if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
+  if (s_3Dsoil_roads.empty()) {
+    s_road_strings.resize(static_cast<std::size_t>(p.roads));
+    s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
+  }
   qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, channel);
   CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
-  if (road.road_id != qvsoilrdf::k_not_set) return;
+  int& string_id = s_road_strings[static_cast<std::size_t>(p.road)];
+  if (road.road_id != qvsoilrdf::k_not_set) {
+    const auto asked = static_cast<double>(p.file_name);
+    s_kept.compare(handle, {p.road, p.element}, {{k_road_string, asked, string_id}});
+    return;
+  }
   qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
+  string_id = p.file_name;
 }
 
 /// The entry of (road, element) in a container; sizes the container first if it is still empty.
@@ -41,7 +54,7 @@ Entry& sized_entry(std::vector<std::vector<Entry>>& container, const parameters&
   return entries[static_cast<std::size_t>(p.element)];
 }
 
-void set_up_element(const parameters& p, const qv::fault_channel& channel) {
+void set_up_element(void* handle, const parameters& p, const qv::fault_channel& channel) {
   CSoilInteraction& element = sized_entry(s_3Dsoil_forces, p, channel);
   if (element.element_id == qvsoilrdf::k_not_set) {
     const auto rows = static_cast<std::size_t>(p.patch.nx);
@@ -51,6 +64,10 @@ void set_up_element(const parameters& p, const qv::fault_channel& channel) {
     element.nx = p.patch.nx;
     element.ny = p.patch.ny;
     element.element_id = p.element;  // last: an element without its grids is not set up
+  } else {
+    s_kept.compare(handle, {p.road, p.element},
+                   {{k_count_along, static_cast<double>(p.patch.nx), element.nx},
+                    {k_count_across, static_cast<double>(p.patch.ny), element.ny}});
   }
   sized_entry(s_3Dsoil_contact_forces_Sum, p, channel);
 }
@@ -98,7 +115,7 @@ void interaction(void* handle, double* par, int iflag, double* result, const qv:
   std::fill_n(result, QV_SOIL_RESULT_LENGTH + QV_SOIL_POINT_LENGTH * p.points(), 0.0);
   if (iflag == 1) {
     set_up_road(handle, p, channel);
-    set_up_element(p, channel);
+    set_up_element(handle, p, channel);
   }
   check_indices(p, channel);
   CSoilInteraction* element = find_element(p);

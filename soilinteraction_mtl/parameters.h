@@ -13,7 +13,10 @@ namespace qvsoilinteractionmtl {
 // The entries that guards name in more than one place.
 constexpr qv::parameter k_track_index{QV_TRACK_TRACK, "track index"};
 constexpr qv::parameter k_road_index{QV_TRACK_ROAD, "road index"};
+constexpr qv::parameter k_road_string{QV_TRACK_ROAD_STRING, "string id of the RDF file"};
 constexpr qv::parameter k_road_count{QV_TRACK_ROAD_COUNT, "number of roads"};
+constexpr qv::parameter k_count_along{QV_TRACK_POINTS_ALONG, "grid count along a span"};
+constexpr qv::parameter k_count_across{QV_TRACK_POINTS_ACROSS, "grid count across the belt"};
 constexpr qv::parameter k_node_count{QV_TRACK_NODE_COUNT, "number of nodes"};
 
 /// A count; fewer than two points or nodes make no belt.
@@ -38,15 +41,15 @@ struct parameters {
   parameters(const double* par, const qv::fault_channel& channel)
       : track(qv::to_int(par, k_track_index, channel)),
         road(qv::to_int(par, k_road_index, channel)),
-        file_name(qv::to_int(par, {QV_TRACK_ROAD_STRING, "string id of the RDF file"}, channel)),
+        file_name(qv::to_int(par, k_road_string, channel)),
         marker_I(qv::to_int(par, {QV_TRACK_MARKER_I, "marker id I"}, channel)),
         marker_J(qv::to_int(par, {QV_TRACK_MARKER_J, "marker id J"}, channel)),
         marker_R(qv::to_int(par, {QV_TRACK_MARKER_R, "reference marker id"}, channel)),
         roads(qv::to_count(par, k_road_count, channel)),
         thickness(par[QV_TRACK_THICKNESS]),
         width(par[QV_TRACK_WIDTH]),
-        n_long(to_count_of_two_or_more(par, {QV_TRACK_POINTS_ALONG, "grid count along a span"}, channel)),
-        n_lat(to_count_of_two_or_more(par, {QV_TRACK_POINTS_ACROSS, "grid count across the belt"}, channel)),
+        n_long(to_count_of_two_or_more(par, k_count_along, channel)),
+        n_lat(to_count_of_two_or_more(par, k_count_across, channel)),
         variable(qv::to_int(par, {QV_TRACK_BELT_SPEED, "variable id"}, channel)),
         nodes(to_count_of_two_or_more(par, k_node_count, channel)) {
     qv::check_index(track, k_tracks_per_road, k_track_index, channel);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/call/kept_set_up.h"
 #include "soilrdf/load_road.h"
 
 namespace qvsoilinteractionmtl {
@@ -11,11 +12,24 @@ namespace {
 using qvsoilrdf::CRoad;
 using qvsoilrdf::k_not_set;
 
+std::vector<int> s_road_strings;  // by road: the string id that it was read by
+qv::kept_set_up s_kept("SOILINTERACTION MTL WARNING : ");
+
 CRoad& set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
-  if (s_3Dsoil_roads.empty()) s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
+  if (s_3Dsoil_roads.empty()) {
+    s_road_strings.resize(static_cast<std::size_t>(p.roads));
+    s_3Dsoil_roads.resize(static_cast<std::size_t>(p.roads));
+  }
   qv::check_index(p.road, s_3Dsoil_roads.size(), k_road_index, channel);
   CRoad& road = s_3Dsoil_roads[static_cast<std::size_t>(p.road)];
-  if (road.road_id == k_not_set) qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
+  int& string_id = s_road_strings[static_cast<std::size_t>(p.road)];
+  if (road.road_id == k_not_set) {
+    qvsoilrdf::load_road(handle, p.file_name, p.road, road, channel);
+    string_id = p.file_name;
+  } else {
+    const auto asked = static_cast<double>(p.file_name);
+    s_kept.compare(handle, {p.road, p.track}, {{k_road_string, asked, string_id}});
+  }
   return road;
 }
 
@@ -79,11 +93,23 @@ track_records* entry(const parameters& p, const qv::fault_channel& channel) {
   return entry_or_null(s_MTLsoil_forces, p.road, k_road_index, p.track, k_track_index, channel);
 }
 
+/// How many nodes the track was set up with; its records may be more.
+std::size_t nodes_of(const track_records& track) {
+  const auto is_set_up = [](const auto& node) { return node[0].track_id != k_not_set; };
+  return static_cast<std::size_t>(std::count_if(track.begin(), track.end(), is_set_up));
+}
+
+void compare_sizes(void* handle, const parameters& p, const track_records& track) {
+  s_kept.compare(handle, {p.road, p.track},
+                 {{k_count_along, static_cast<double>(p.n_long), track[0][0].nLong},
+                  {k_count_across, static_cast<double>(p.n_lat), track[0][0].nLat},
+                  {k_node_count, static_cast<double>(p.nodes), static_cast<int>(nodes_of(track))}});
+}
+
 /// Refuses more nodes than the records have, and fewer points than they have: the host's result array has room for the
 /// points of the parameters, but the points of the set-up are written to it.
 void check_counts(const parameters& p, const track_records& track, const qv::fault_channel& channel) {
-  const auto is_set_up = [](const auto& node) { return node[0].track_id != k_not_set; };
-  const auto nodes = static_cast<std::size_t>(std::count_if(track.begin(), track.end(), is_set_up));
+  const std::size_t nodes = nodes_of(track);
   if (static_cast<std::size_t>(p.nodes) > nodes) {
     refuse_node_count(static_cast<std::size_t>(p.nodes), nodes, channel);
   }
@@ -102,7 +128,11 @@ void set_up(void* handle, const parameters& p, const qv::fault_channel& channel)
   const CRoad& road = set_up_road(handle, p, channel);
   size_containers(p, channel);
   track_records& track = *entry(p, channel);
-  if (track[0][0].track_id == k_not_set) size_grids(p, track, channel);
+  if (track[0][0].track_id == k_not_set) {
+    size_grids(p, track, channel);
+  } else {
+    compare_sizes(handle, p, track);
+  }
   store_soil_type(road, track);
 }
 

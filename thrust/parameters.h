@@ -18,6 +18,8 @@ class thrust_parameters {
 public:
   static constexpr qv::parameter k_element{QV_THRUST_ELEMENT, "thrust element ID"};
 
+  static constexpr qv::parameter k_wave_string{QV_THRUST_WAVE_STRING, "string of the WAVE file"};
+
   thrust_parameters(const double* par, const qv::fault_channel& channel) : m_par(par), m_channel(channel) {}
 
   int element() const { return qv::to_int(m_par, k_element, m_channel); }
@@ -35,7 +37,7 @@ public:
   double second_derivative_gain() const { return m_par[QV_THRUST_SECOND_DERIVATIVE_GAIN]; }
   double state_gain() const { return m_par[QV_THRUST_STATE_GAIN]; }
   bool uses_wave() const { return integer(QV_THRUST_WAVE_SWITCH, "wave switch") == 1; }
-  int wave_string() const { return integer(QV_THRUST_WAVE_STRING, "string of the WAVE file"); }
+  int wave_string() const { return qv::to_int(m_par, k_wave_string, m_channel); }
 
   const qv::fault_channel& channel() const { return m_channel; }
 

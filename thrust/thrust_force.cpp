@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/call/entry_frame.h"
+#include "common/call/kept_set_up.h"
 #include "common/call/requests.h"
 #include "common/kernels/kernels.h"
 #include "hydro/files.h"
@@ -15,8 +16,10 @@ std::vector<CWave> gp_Wave;
 
 namespace {
 
+qv::kept_set_up s_kept("THRUST FORCE WARNING : ");
+
 /// The element that the call is for. Its first call sets it up.
-CWave& find_element(void* handle, const double* par, const thrust_parameters& p) {
+CWave& find_element(void* handle, const double* par, int iflag, const thrust_parameters& p) {
   const qv::fault_channel& channel = p.channel();
   const int id = p.element();
   if (gp_Wave.empty()) gp_Wave.resize(static_cast<std::size_t>(p.element_count()) + 1);
@@ -32,6 +35,9 @@ CWave& find_element(void* handle, const double* par, const thrust_parameters& p)
                    std::to_string(id)) +
                   ". Mend what the first message named and start again.",
               channel.ierr, channel.msg);
+  } else if (p.uses_wave() && iflag == 1) {
+    s_kept.compare(handle, {id, 0},
+                   {{thrust_parameters::k_wave_string, par[QV_THRUST_WAVE_STRING], wave.wave_string_id}});
   }
   return wave;
 }
@@ -103,7 +109,7 @@ void qvsoil_thrust_force(void* handle, double time, double* par, int /*npar*/, i
                          double* result, int& ierr, char** msg) {
   std::fill_n(result, QV_THRUST_RESULT_LENGTH, 0.0);
   const thrust_parameters p(par, {k_prefix, ierr, msg});
-  CWave& wave = find_element(handle, par, p);
+  CWave& wave = find_element(handle, par, iflag, p);
   const double v = qv::fetch_scalar(handle, "VARVAL", {p.variable()});
   const bool out_of_water = p.uses_wave() && !in_water(handle, time, iflag, wave);
   if (out_of_water && iflag != 1) return;

@@ -96,9 +96,11 @@ void GET_QVSPATH_S(void* handle, int* length, wchar_t* path, int* err);
  * before the call and not looked at afterwards. */
 void stop_solver(void* handle, int, int, int, const char* message, int* status);
 
-/* Reports that a user subroutine failed; called once per failed call, after which the subroutine returns.
+/* Reports that a user subroutine failed; called once per failed call, after which the subroutine returns. Or warns: a
+ * set-up call asked for another file or other sizes than its element was set up with before, which stays; at most once
+ * for each element, and the call goes on as if nothing had been said.
  *
- *   title     "USUB ERROR"
+ *   title     "USUB ERROR", or "USUB WARNING"
  *   count     number of messages, 0 to 5. 0 says that the fault left no text
  *   messages  `count` null-terminated texts. Each comes from C++ array new and is the host's from now on: it may
  *             delete[] it at any time. The array itself stays the library's and is gone after the call */

@@ -274,7 +274,11 @@ void EngineHost::throw_error(const char* title, int count, char** messages) {
     delete[] messages[k];
   }
   if (count == 0) text += ": the subroutine gave no message";
-  m_fault.raise(RunOutcome::failed, text);
+  if (title == nullptr || std::strcmp(title, "USUB WARNING") != 0) {
+    m_fault.raise(RunOutcome::failed, text);
+  } else if (m_report) {
+    m_report(text);
+  }
 }
 
 /// Always false, for the caller to return: the request is not answered. A subroutine asks thousands of times a second,

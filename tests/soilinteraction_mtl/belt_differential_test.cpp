@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "qvbrisk/layouts.h"
+#include "qvbrisk/subroutines.h"
 #include "tests/soilinteraction_mtl/belt_scene.h"
 
 // The exported subroutines against the literal reference: random roads, chains of nodes, motions and call sequences.
@@ -237,6 +239,11 @@ TEST(TrackWithOtherCountsThanAtSetUp, KeepsTheRecordsGridAndGivesTheResultsOfThe
     qvref::track reference(qvref::derive_road(mesh.nodes, mesh.triangles, as_read(loam())), scene.parameters.layout());
     place_gear(scene, chain, {0.0, 0.0, -0.1}, random);
     ASSERT_TRUE(compare_call(scene, reference, 1, 0.0, seen));
+    std::vector<double> wider = scene.parameters.list();
+    ++wider[QV_TRACK_POINTS_ACROSS];  // the host is told of other counts here, and only once
+    call_with(qvsoil_interaction_mtl, scene.host, wider, 1, scene.parameters.results() + 8 * 50);
+    ASSERT_EQ(scene.host.reports.size(), 1U);
+    scene.host.reports.clear();
     for (int step = 1; step < 12; ++step) {
       drift(scene, random);
       scene.parameters.radii.resize(static_cast<std::size_t>(whole(random, 2, 6)), 0.2);

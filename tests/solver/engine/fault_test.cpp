@@ -52,6 +52,18 @@ TEST(Faults, ThrownMessagesEndTheRunWithElementAndTime) {
   EXPECT_EQ(record_of(out)["message"], out.summary.message);
 }
 
+TEST(Faults, AWarningOfASubroutineIsToldAndTheRunGoesOn) {
+  const Script script([&](const HookCall& call) {
+    if (call.iflag != 1) return;
+    char* slots[5] = {message("ANOTHER FILE."), nullptr, nullptr, nullptr, nullptr};
+    THROW_ERROR(call.handle, "USUB WARNING", 1, slots);
+  });
+  const TestRun out = run(one_force());
+  EXPECT_EQ(out.summary.outcome, RunOutcome::finished);
+  ASSERT_EQ(out.told.size(), 1u);
+  expect_contains(out.told[0], "element soil at time 0: USUB WARNING: ANOTHER FILE.");
+}
+
 TEST(Faults, ThrownWithoutAMessageSaysSo) {
   const Script script([&](const HookCall& call) { THROW_ERROR(call.handle, "USUB ERROR", 0, nullptr); });
   const TestRun out = run(one_force());
