@@ -1,61 +1,58 @@
-#include <assimp/config.h>
-#include <assimp/postprocess.h>
-#include <assimp/scene.h>
-
 #include <algorithm>
-#include <array>
-#include <assimp/Importer.hpp>
 #include <cctype>
-#include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "solver/data_files/hull_mesh.h"
+#include "solver/data_files/mesh_formats.h"
 
 namespace qvslv {
 
 namespace {
 
-/// Throws for other formats than those tested here; the importer knows many more.
-void check_extension(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
+std::string ending_of(const std::string& path) {
+  std::string ending = std::filesystem::path(path).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
                  [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-  if (extension != ".stl" && extension != ".obj" && extension != ".ply")
-    throw MeshError("'" + path + "' is no mesh file known here; known: .stl, .obj, .ply");
+  return ending;
 }
 
-void append(const aiMesh& from, TriangleMesh& mesh) {
-  const int first = static_cast<int>(mesh.points.size());
-  for (unsigned i = 0; i < from.mNumVertices; ++i) {
-    const aiVector3D& p = from.mVertices[i];
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
-      throw MeshError("a point of it is no finite number");
-    mesh.points.push_back({p.x, p.y, p.z});
-  }
-  for (unsigned i = 0; i < from.mNumFaces; ++i) {
-    const aiFace& face = from.mFaces[i];
-    if (face.mNumIndices != 3) continue;  // points and lines are no part of a surface
-    std::array<int, 3> triangle{};
-    for (unsigned k = 0; k < 3; ++k) triangle[k] = first + static_cast<int>(face.mIndices[k]);
-    mesh.triangles.push_back(triangle);
-  }
+/// The bytes of a file. A pipe or a device is refused: reading it might never end.
+std::string bytes_of(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) throw MeshError("it is no regular file");
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > k_most_mesh_bytes)
+    throw MeshError("it has " + std::to_string(size >> 20U) + " MB; a hull's mesh of up to " +
+                    std::to_string(k_most_mesh_bytes >> 20U) + " MB is expected");
+  std::ifstream stream(path, std::ios::binary);
+  std::string bytes(error ? 0 : static_cast<std::size_t>(size), '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (error || !stream) throw MeshError("it cannot be opened or read");
+  return bytes;
 }
 
 }  // namespace
 
+TriangleMesh read_mesh_bytes(std::string_view bytes, const std::string& ending) {
+  const PolygonMesh polygons = ending == ".stl"   ? read_stl(bytes)
+                               : ending == ".obj" ? read_obj(bytes)
+                                                  : read_ply(bytes);
+  if (polygons.ends.empty()) throw MeshError("it holds no triangles");
+  return welded(triangulated(polygons));
+}
+
 TriangleMesh read_mesh_file(const std::string& path) {
-  check_extension(path);
-  Assimp::Importer importer;
-  importer.SetPropertyInteger(AI_CONFIG_PP_RVC_FLAGS, aiComponent_NORMALS | aiComponent_TEXCOORDS | aiComponent_COLORS |
-                                                          aiComponent_MATERIALS | aiComponent_TEXTURES);
-  const aiScene* scene = importer.ReadFile(
-      path, aiProcess_RemoveComponent | aiProcess_Triangulate | aiProcess_PreTransformVertices | aiProcess_SortByPType);
-  if (scene == nullptr) throw MeshError("'" + path + "' cannot be read: " + importer.GetErrorString());
-  TriangleMesh mesh;
-  for (unsigned i = 0; i < scene->mNumMeshes; ++i) append(*scene->mMeshes[i], mesh);
-  if (mesh.triangles.empty()) throw MeshError("'" + path + "' holds no triangles");
-  return welded(mesh);
+  const std::string ending = ending_of(path);
+  if (ending != ".stl" && ending != ".obj" && ending != ".ply")
+    throw MeshError("'" + path + "' is no mesh file known here; known: .stl, .obj, .ply");
+  try {
+    return read_mesh_bytes(bytes_of(path), ending);
+  } catch (const MeshError& error) {
+    throw MeshError("'" + path + "' cannot be read: " + error.what());
+  }
 }
 
 }  // namespace qvslv
