@@ -8,7 +8,9 @@
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
+#include "cli/default_paths.h"
 #include "cli/tell_findings.h"
+#include "solver/check_subroutines.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
 #include "solver/model/model.h"
@@ -22,7 +24,7 @@ namespace qvcli {
 namespace {
 
 struct FileRequest {
-  std::string file;
+  std::string file, library;
   std::string made = qvslv::default_made_folder();
   std::string files;  ///< of expand: folder for the files to take along
   bool strict = false, json = false;
@@ -94,6 +96,7 @@ void tell_files_of(const qvslv::ModelFile& file) {
 qvslv::Findings check_model(const FileRequest& request, bool describe) {
   try {
     const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides, request.made);
+    qvslv::check_subroutines(file.model, request.library.empty() ? default_library() : request.library);
     if (describe) tell_model(file);
     if (describe) tell_files_of(file);
     return file.findings;
@@ -131,6 +134,12 @@ void add_check_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("check", "Read a model or data file and tell what is in it");
   command->add_option("file", request->file, "Model file (TOML), road (.rdf), WAVE (.wave) or CURRENT file (.current)")
       ->required();
+  command
+      ->add_option(
+          "--library", request->library,
+          "Shared library of user subroutines that a run will be given; the libqvbrisk.so that belongs to this "
+          "command when not given")
+      ->check(CLI::ExistingFile);
   add_overrides(command, *request);
   command->add_flag("--strict", request->strict, "Take every warning for an error");
   command->add_flag("--json", request->json, "Print all findings as JSON, and nothing else");

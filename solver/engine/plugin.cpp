@@ -1,6 +1,7 @@
 #include "solver/engine/plugin.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 namespace qvslv {
 
@@ -9,6 +10,31 @@ namespace {
 std::string loader_text() {
   const char* text = dlerror();
   return text == nullptr ? "no reason given" : text;
+}
+
+const link_map* map_of(void* library) {
+  link_map* map = nullptr;
+  return dlinfo(library, RTLD_DI_LINKMAP, &map) == 0 ? map : nullptr;
+}
+
+/// What the dynamic linker knows of an address. Null pointers: nothing.
+struct Origin {
+  const link_map* file = nullptr;
+  std::string path;
+  bool is_function = false;
+};
+
+Origin origin_of(void* address) {
+  Origin origin;
+  Dl_info found = {};
+  void* extra = nullptr;
+  if (dladdr1(address, &found, &extra, RTLD_DL_LINKMAP) == 0) return origin;
+  origin.file = static_cast<const link_map*>(extra);
+  origin.path = *origin.file->l_name == '\0' ? "this program" : origin.file->l_name;
+  extra = nullptr;
+  if (dladdr1(address, &found, &extra, RTLD_DL_SYMENT) == 0 || extra == nullptr) return origin;
+  origin.is_function = ELF64_ST_TYPE(static_cast<const ElfW(Sym)*>(extra)->st_info) == STT_FUNC;
+  return origin;
 }
 
 }  // namespace
@@ -25,6 +51,12 @@ qv_user_subroutine Plugin::find(const std::string& name) const {
   if (symbol == nullptr) {
     throw PluginError("the library " + m_path + " exports no subroutine " + name + ": " + loader_text());
   }
+  const Origin origin = origin_of(symbol);
+  if (origin.file != map_of(m_library)) {
+    throw PluginError("the library " + m_path + " exports no subroutine " + name + "; the " + name + " of " +
+                      origin.path + " is none");
+  }
+  if (!origin.is_function) throw PluginError("in the library " + m_path + ", " + name + " is no function");
   return reinterpret_cast<qv_user_subroutine>(symbol);
 }
 

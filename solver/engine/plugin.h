@@ -23,7 +23,8 @@ public:
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  /// The exported user subroutine of that name. Throws PluginError if there is none.
+  /// The exported user subroutine of that name. Throws PluginError if the library itself has no such function: the
+  /// loader looks in what the library is linked to as well, and would find `system` or `abort` there.
   qv_user_subroutine find(const std::string& name) const;
 
   /// The file that was loaded, as the loader knows it.

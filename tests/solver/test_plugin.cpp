@@ -7,6 +7,10 @@
 extern "C" void solver_test_hook(void* handle, double time, double* par, int npar, int difflag, int iflag,
                                  double* result);
 
+/// No subroutine, though exported.
+PLUGIN_EXPORT const int plugin_version;
+const int plugin_version = 1;
+
 PLUGIN_EXPORT void scripted(void* handle, double time, double* par, int npar, int difflag, int iflag, double* result) {
   solver_test_hook(handle, time, par, npar, difflag, iflag, result);
 }

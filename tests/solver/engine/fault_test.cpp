@@ -166,6 +166,14 @@ TEST(Faults, AMissingSubroutineIsNamedWithItsElementAndLibrary) {
   expect_contains(out.summary.message, "solver_test_plugin");
 }
 
+TEST(Faults, ANumberThatThePluginExportsIsNoSubroutine) {
+  TestModel built = one_force();
+  built.model.elements[0].subroutine = "plugin_version";
+  const TestRun out = run(built);
+  EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
+  expect_contains(out.summary.message, "plugin_version is no function");
+}
+
 TEST(Faults, ABodyThatIsFreeWithoutMassIsNamed) {
   TestModel built(1.0, 0.1);
   built.add_body("ghost", 0, {0, 0, 0});
