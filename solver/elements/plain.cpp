@@ -6,11 +6,20 @@
 #include "solver/elements/defaults.h"
 #include "solver/elements/kinds.h"
 #include "solver/model/nearest_name.h"
+#include "solver/model/printable.h"
 #include "solver/model_file/par.h"
 
 namespace qvslv {
 
 namespace {
+
+/// A text that becomes part of a column's head.
+std::string head_text(const TableReader& column, const std::string& key, const std::string& text) {
+  if (!is_printable_line(text))
+    column.fail(key, "'" + shown_on_a_line(text) +
+                         "' holds a control character; letters, digits, signs and blanks are expected");
+  return text;
+}
 
 std::vector<ResultColumn> read_columns(const TableReader& table, int result_length) {
   std::vector<ResultColumn> columns;
@@ -19,7 +28,8 @@ std::vector<ResultColumn> read_columns(const TableReader& table, int result_leng
     const double index = column.number("index");
     if (!(index >= 0 && index < result_length) || index != std::floor(index))
       column.fail("index", "must be a whole number from 0 to " + std::to_string(result_length - 1));
-    columns.push_back({static_cast<int>(index), column.text("name"), column.text("unit", "")});
+    columns.push_back({static_cast<int>(index), head_text(column, "name", column.text("name")),
+                       head_text(column, "unit", column.text("unit", ""))});
   }
   return columns;
 }

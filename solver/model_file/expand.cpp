@@ -1,14 +1,24 @@
 #include "solver/model_file/expand.h"
 
+#include <cstdio>
+
 #include "solver/model_file/par.h"
 
 namespace qvslv {
 
 namespace {
 
+/// A text in TOML's notation, which takes control characters as escapes only.
 std::string quoted_text(const std::string& text) {
   std::string result = "\"";
   for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code < 0x20 || code == 0x7F) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", code);
+      result += escape;
+      continue;
+    }
     if (c == '"' || c == '\\') result += '\\';
     result += c;
   }

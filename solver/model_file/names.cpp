@@ -1,6 +1,7 @@
 #include "solver/model_file/names.h"
 
 #include "solver/model/nearest_name.h"
+#include "solver/model/printable.h"
 
 namespace qvslv {
 
@@ -15,7 +16,10 @@ std::string with_article(const std::string& kind) {
 
 void NameTable::add(const std::string& name, int index, const FilePosition& at) {
   if (name.empty()) throw ModelError(at, with_article(m_kind) + " needs a name that is not empty");
-  if (name.find_first_of(".:,;\"'\n\r") != std::string::npos)
+  if (!is_printable_line(name))
+    throw ModelError(at, "the name '" + shown_on_a_line(name) + "' of " + with_article(m_kind) +
+                             " holds a control character; letters, digits, signs and blanks are expected");
+  if (name.find_first_of(".:,;\"'") != std::string::npos)
     throw ModelError(at,
                      "the name '" + name + "' of " + with_article(m_kind) + " may hold none of . : , ; and no quotes");
   if (has(name)) {

@@ -14,7 +14,7 @@ public:
   explicit NameTable(std::string kind) : m_kind(std::move(kind)) {}
 
   /// Throws ModelError when the name is taken or is none that a file can refer to: it must not be empty, and may
-  /// hold neither . : , ; quotes nor line breaks (paths and column heads are made of them).
+  /// hold neither . : , ; quotes nor control characters (paths and column heads are made of them).
   void add(const std::string& name, int index, const FilePosition& at);
   /// Adds a name that the reader makes itself. It may hold a dot, so that it never meets a user's name.
   void add_internal(const std::string& name, int index) { m_indices[name] = index; }

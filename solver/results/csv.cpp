@@ -5,8 +5,9 @@
 namespace qvslv {
 
 std::string csv_field(const std::string& text) {
-  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
-  std::string quoted = "\"";
+  const bool formula = !text.empty() && std::string("=+-@\t\r").find(text[0]) != std::string::npos;
+  if (!formula && text.find_first_of(",\"\n\r") == std::string::npos) return text;
+  std::string quoted = formula ? "\"'" : "\"";
   for (const char c : text) {
     if (c == '"') quoted += '"';
     quoted += c;

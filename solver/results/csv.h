@@ -5,7 +5,8 @@
 
 namespace qvslv {
 
-/// A field of a CSV file, in quotes if its text needs them.
+/// A field of a CSV file, in quotes if its text needs them. A text that a spreadsheet would take for a formula (it
+/// starts with = + - @, a tabulator or a carriage return) gets an apostrophe before it, which spreadsheets do not show.
 std::string csv_field(const std::string& text);
 
 /// A line of a CSV file with its line end.

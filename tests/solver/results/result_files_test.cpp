@@ -133,6 +133,9 @@ TEST(ResultsCsv, EnergyOfAFallIsThatOfTheClosedForm) {
 
 TEST(ResultsCsv, FieldsWithCommasAreQuoted) {
   EXPECT_EQ(csv_field("plain [m]"), "plain [m]");
+  EXPECT_EQ(csv_field("x=-1"), "x=-1");
+  for (const char* formula : {"=1+1", "+x", "-x", "@x", "\tx", "\rx"})
+    EXPECT_EQ(csv_field(formula), std::string("\"'") + formula + "\"") << "a spreadsheet would take it for a formula";
   EXPECT_EQ(csv_field("a,b \"c\""), "\"a,b \"\"c\"\"\"");
 }
 
