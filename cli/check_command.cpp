@@ -10,6 +10,7 @@
 #include "cli/commands.h"
 #include "cli/default_paths.h"
 #include "cli/tell_findings.h"
+#include "cli/terminal.h"
 #include "solver/check_subroutines.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
@@ -40,10 +41,10 @@ std::string ending_of(const std::string& file) {
 }
 
 void tell_road(const qvslv::RoadCheck& road) {
-  std::printf("%s: %ld nodes, %ld triangles, x %g to %g, y %g to %g, z %g to %g\n", road.path.c_str(), road.nodes,
-              road.elements, road.x_min, road.x_max, road.y_min, road.y_max, road.z_min, road.z_max);
-  if (!road.soil_type.empty()) std::printf("  SOIL_TYPE '%s'\n", road.soil_type.c_str());
-  for (const auto& [key, value] : road.values) std::printf("  %-17s %g\n", key.c_str(), value);
+  print(stdout, "%s: %ld nodes, %ld triangles, x %g to %g, y %g to %g, z %g to %g\n", road.path.c_str(), road.nodes,
+        road.elements, road.x_min, road.x_max, road.y_min, road.y_max, road.z_min, road.z_max);
+  if (!road.soil_type.empty()) print(stdout, "  SOIL_TYPE '%s'\n", road.soil_type.c_str());
+  for (const auto& [key, value] : road.values) print(stdout, "  %-17s %g\n", key.c_str(), value);
 }
 
 qvslv::Findings check_road(const std::string& file, bool describe) {
@@ -57,25 +58,27 @@ const char* plural(size_t count) { return count == 1 ? "" : "s"; }
 
 void tell_model(const qvslv::ModelFile& file) {
   const qvslv::Model& model = file.model;
-  const auto count = [](size_t number, const char* what) { std::printf("  %zu %s%s\n", number, what, plural(number)); };
-  std::printf("%s: %s\n", model.path.c_str(), model.title.c_str());
-  std::printf("  0 to %g %s, output every %g; units %s, %s, %s, %s\n", model.simulation.end_time,
-              model.units.time.c_str(), model.simulation.output_step, model.units.length.c_str(),
-              model.units.mass.c_str(), model.units.time.c_str(), model.units.force.c_str());
+  const auto count = [](size_t number, const char* what) {
+    print(stdout, "  %zu %s%s\n", number, what, plural(number));
+  };
+  print(stdout, "%s: %s\n", model.path.c_str(), model.title.c_str());
+  print(stdout, "  0 to %g %s, output every %g; units %s, %s, %s, %s\n", model.simulation.end_time,
+        model.units.time.c_str(), model.simulation.output_step, model.units.length.c_str(), model.units.mass.c_str(),
+        model.units.time.c_str(), model.units.force.c_str());
   count(model.markers.size() - 1 - model.bodies.size(), "marker");
-  for (const qvslv::Body& body : model.bodies) std::printf("  body %s: mass %g\n", body.name.c_str(), body.mass);
+  for (const qvslv::Body& body : model.bodies) print(stdout, "  body %s: mass %g\n", body.name.c_str(), body.mass);
   count(model.joints.size(), "joint");
   count(model.forces.size(), "force");
   if (!model.variables.empty()) count(model.variables.size(), "variable");
   if (!model.equations.empty()) count(model.equations.size(), "equation");
   if (!model.splines.empty()) count(model.splines.size(), "spline");
   for (const qvslv::Element& element : model.elements)
-    std::printf("  element %s: %s, %zu parameters, %d results\n", element.name.c_str(), element.subroutine.c_str(),
-                element.par.size(), element.result_length);
+    print(stdout, "  element %s: %s, %zu parameters, %d results\n", element.name.c_str(), element.subroutine.c_str(),
+          element.par.size(), element.result_length);
   for (const qvslv::HullSummary& hull : file.hulls)
-    std::printf("  hull %s: %zu nodes, %zu triangles, volume %.6g, area %.6g, centre of volume (%.4g, %.4g, %.4g)\n",
-                hull.name.c_str(), hull.nodes, hull.patches, hull.volume, hull.area, hull.center[0], hull.center[1],
-                hull.center[2]);
+    print(stdout, "  hull %s: %zu nodes, %zu triangles, volume %.6g, area %.6g, centre of volume (%.4g, %.4g, %.4g)\n",
+          hull.name.c_str(), hull.nodes, hull.patches, hull.volume, hull.area, hull.center[0], hull.center[1],
+          hull.center[2]);
 }
 
 /// Tells about the files that the model uses and that exist; files that a run makes are only announced.
@@ -83,11 +86,11 @@ void tell_files_of(const qvslv::ModelFile& file) {
   tell_water_of(file);
   for (const qvslv::RoadRecipe& recipe : file.roads)
     if (qvslv::made_file_state(recipe.path, recipe.settings) != qvslv::MadeFileState::current)
-      std::printf("  road %s: a run makes it first (%lld triangles)\n", recipe.file.c_str(),
-                  static_cast<long long>(qvslv::triangle_count(recipe.settings)));
+      print(stdout, "  road %s: a run makes it first (%lld triangles)\n", recipe.file.c_str(),
+            static_cast<long long>(qvslv::triangle_count(recipe.settings)));
   for (const qvslv::InputFile& input : file.inputs) {
     if (input.role != "road" || !std::filesystem::is_regular_file(input.path)) continue;
-    std::printf("  road ");
+    print(stdout, "  road ");
     tell_road(qvslv::check_road_file(input.path));
   }
 }
@@ -115,7 +118,7 @@ int check(const FileRequest& request) {
                                                     : check_model(request, describe);
   if (request.strict) make_strict(findings);
   if (describe) return conclude(findings, "can be used; see the warnings");
-  std::fputs(json_text(findings).c_str(), stdout);
+  print(stdout, "%s", json_text(findings).c_str());
   return any_error(findings) ? k_bad_input : k_done;
 }
 
@@ -160,8 +163,8 @@ void add_expand_command(CLI::App& app, Action& action) {
       tell(file.findings);
       if (!request->files.empty())
         for (const std::string& line : qvslv::write_files_to_take_along(file, request->files))
-          std::fprintf(stderr, "%s\n", line.c_str());
-      std::fputs(qvslv::expanded(file.model).c_str(), stdout);
+          print(stderr, "%s\n", line.c_str());
+      print(stdout, "%s", qvslv::expanded(file.model).c_str());
       return static_cast<int>(k_done);
     };
   });

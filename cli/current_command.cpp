@@ -5,6 +5,7 @@
 
 #include "cli/check_water.h"
 #include "cli/commands.h"
+#include "cli/terminal.h"
 #include "solver/data_files/current_file.h"
 #include "solver/data_files/make_current.h"
 
@@ -31,7 +32,7 @@ int make_current(const CurrentRequest& request) {
   if (!mistake.empty()) throw UsageError(mistake);
   qvslv::write_current_file(settings, request.out);
   const qvslv::CurrentFile current = qvslv::current_tables(settings);
-  std::printf("made current %s\n", request.out.c_str());
+  print(stdout, "made current %s\n", request.out.c_str());
   tell_current_table("x", current.along_x);
   tell_current_table("y", current.along_y);
   return k_done;

@@ -1,10 +1,12 @@
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "cli/standard_streams.h"
+#include "cli/terminal.h"
 #include "solver/model/model.h"
 #include "solver/model/nearest_name.h"
 
@@ -22,7 +24,7 @@ void hint_at_command(int argc, char** argv) {
   const std::vector<std::string> commands = {"run", "rerun", "check", "expand", "make", "version"};
   for (const std::string& command : commands)
     if (command == argv[1]) return;
-  std::fprintf(stderr, "qvbrisk: there is no command '%s'; %s\n", argv[1], qvslv::name_hint(argv[1], commands).c_str());
+  qvcli::print(stderr, "qvbrisk: there is no command '%s'; %s\n", argv[1], qvslv::name_hint(argv[1], commands).c_str());
 }
 
 int command_line(int argc, char** argv) {
@@ -49,7 +51,9 @@ int command_line(int argc, char** argv) {
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
     hint_at_command(argc, argv);
-    app.exit(error);
+    std::ostringstream text;
+    app.exit(error, text, text);
+    qvcli::print(stderr, "%s", text.str().c_str());
     return qvcli::k_bad_input;
   }
   return action();
@@ -60,13 +64,13 @@ int perform(int argc, char** argv) {
   try {
     return command_line(argc, argv);
   } catch (const qvslv::ModelError& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    qvcli::print(stderr, "%s\n", error.what());
     return qvcli::k_bad_input;
   } catch (const qvcli::UsageError& error) {
-    std::fprintf(stderr, "qvbrisk: %s\n", error.what());
+    qvcli::print(stderr, "qvbrisk: %s\n", error.what());
     return qvcli::k_bad_input;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "qvbrisk: %s\n", error.what());
+    qvcli::print(stderr, "qvbrisk: %s\n", error.what());
     return qvcli::k_fault;
   }
 }

@@ -8,6 +8,7 @@
 
 #include "cli/commands.h"
 #include "cli/run_model.h"
+#include "cli/terminal.h"
 #include "solver/data_files/find_data_file.h"
 #include "solver/data_files/input_file.h"
 #include "solver/data_files/made_file.h"
@@ -67,8 +68,8 @@ void tell_changes(const EarlierRun& earlier, const std::vector<qvslv::InputFile>
     for (const qvslv::InputFile& input : now) {
       if (input.role != before.role || input.name != before.name || before.role == "model") continue;
       if (input.digest.sha256 == before.digest.sha256) continue;
-      std::fprintf(stderr, "warning: the %s %s is not what it was: sha256 %s, now %s\n", before.role.c_str(),
-                   input.path.c_str(), before.digest.sha256.c_str(), input.digest.sha256.c_str());
+      print(stderr, "warning: the %s %s is not what it was: sha256 %s, now %s\n", before.role.c_str(),
+            input.path.c_str(), before.digest.sha256.c_str(), input.digest.sha256.c_str());
     }
 }
 
@@ -110,13 +111,13 @@ int compare(const std::string& before, const std::string& now) {
     while (both && row < std::min(old_columns[i].size(), new_columns[i].size()) &&
            old_columns[i][row] == new_columns[i][row])
       ++row;
-    std::printf("  %s differs%s\n", name.c_str(), both ? (" from row " + std::to_string(row) + " on").c_str() : "");
+    print(stdout, "  %s differs%s\n", name.c_str(), both ? (" from row " + std::to_string(row) + " on").c_str() : "");
   }
   if (different == 0) {
-    std::printf("all %zu columns came out with the same bits\n", count);
+    print(stdout, "all %zu columns came out with the same bits\n", count);
     return k_done;
   }
-  std::printf("%zu of %zu columns came out different\n", different, count);
+  print(stdout, "%zu of %zu columns came out different\n", different, count);
   return k_fault;
 }
 

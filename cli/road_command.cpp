@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/terminal.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/soil_presets.h"
 #include "solver/model/model.h"
@@ -89,7 +90,7 @@ qvslv::RoadSettings settings_of(const RoadRequest& request) {
 
 int make_road(const RoadRequest& request) {
   if (request.list_soils) {
-    std::fputs(qvslv::soil_preset_table().c_str(), stdout);
+    print(stdout, "%s", qvslv::soil_preset_table().c_str());
     return k_done;
   }
   if (request.out.empty()) throw UsageError("--out is required: the road file to write");
@@ -97,8 +98,8 @@ int make_road(const RoadRequest& request) {
   const std::string mistake = qvslv::mistake_in(settings);
   if (!mistake.empty()) throw UsageError(mistake);
   qvslv::write_road_file(settings, request.out);
-  std::printf("made road %s: %s, %lld triangles, soil %s\n", request.out.c_str(), request.kind.c_str(),
-              static_cast<long long>(qvslv::triangle_count(settings)), request.soil.c_str());
+  print(stdout, "made road %s: %s, %lld triangles, soil %s\n", request.out.c_str(), request.kind.c_str(),
+        static_cast<long long>(qvslv::triangle_count(settings)), request.soil.c_str());
   return k_done;
 }
 

@@ -10,6 +10,7 @@
 #include "cli/progress_line.h"
 #include "cli/run_model.h"
 #include "cli/tell_findings.h"
+#include "cli/terminal.h"
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
 #include "solver/model/units.h"
@@ -73,12 +74,12 @@ const char* how_to_look(const std::string& file) {
 
 void tell_outcome(const qvslv::RunSummary& summary, const RunRequest& request, const std::string& time_unit) {
   std::FILE* stream = summary.outcome == qvslv::RunOutcome::finished ? stdout : stderr;
-  std::fprintf(stream, "%s: %g %s simulated in %.2f s, %ld steps, %ld evaluations\n", outcome_word(summary.outcome),
-               summary.time, time_unit.c_str(), summary.wall_seconds, summary.steps, summary.evaluations);
+  print(stream, "%s: %g %s simulated in %.2f s, %ld steps, %ld evaluations\n", outcome_word(summary.outcome),
+        summary.time, time_unit.c_str(), summary.wall_seconds, summary.steps, summary.evaluations);
   if (summary.files.empty()) return;
-  std::fprintf(stream, "results: %s\n", request.out.c_str());
+  print(stream, "results: %s\n", request.out.c_str());
   for (const std::string& file : summary.files)
-    if (const char* hint = how_to_look(file)) std::fprintf(stream, "  %-20s %s\n", file.c_str(), hint);
+    if (const char* hint = how_to_look(file)) print(stream, "  %-20s %s\n", file.c_str(), hint);
 }
 
 /// Old results must not be taken for those of a model that could not be run.
@@ -109,7 +110,7 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
   tell(file.findings);
   if (any_error(file.findings)) return k_bad_input;
   for (const std::string& line : qvslv::make_missing_files(file))
-    if (!request.quiet) std::fprintf(stderr, "%s\n", line.c_str());
+    if (!request.quiet) print(stderr, "%s\n", line.c_str());
 
   const std::string time_unit = qvslv::UnitSymbols(file.model.units).time;
   ProgressLine progress_line(!request.quiet, time_unit);
@@ -125,14 +126,14 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
   std::string last_message;
   options.on_message = [&](const std::string& message) {
     progress_line.clear();
-    std::fprintf(stderr, "%s\n", message.c_str());
+    print(stderr, "%s\n", message.c_str());
     last_message = message;
   };
   catch_interrupt();
   const qvslv::RunSummary summary = qvslv::run_model(file, options);
   progress_line.clear();
   const bool told = last_message.find(summary.message) != std::string::npos;
-  if (!summary.message.empty() && !told) std::fprintf(stderr, "%s\n", summary.message.c_str());
+  if (!summary.message.empty() && !told) print(stderr, "%s\n", summary.message.c_str());
   if (!request.quiet || summary.outcome != qvslv::RunOutcome::finished) tell_outcome(summary, request, time_unit);
   return exit_code(summary.outcome);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "cli/commands.h"
+#include "cli/terminal.h"
 
 namespace qvcli {
 
@@ -25,8 +26,8 @@ int check_output(int code) {
   errno = 0;
   const bool failed = std::ferror(stdout) != 0;
   if (std::fflush(stdout) == 0 && !failed) return code;
-  std::fprintf(stderr, "qvbrisk: cannot write to standard output%s%s\n", errno == 0 ? "" : ": ",
-               errno == 0 ? "" : std::strerror(errno));
+  print(stderr, "qvbrisk: cannot write to standard output%s%s\n", errno == 0 ? "" : ": ",
+        errno == 0 ? "" : std::strerror(errno));
   return code == k_done ? k_fault : code;
 }
 

@@ -4,18 +4,19 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/commands.h"
+#include "cli/terminal.h"
 
 namespace qvcli {
 
 void tell(const qvslv::Findings& findings) {
   for (const qvslv::Finding& finding : findings)
-    std::fprintf(stderr, "%s: %s\n", level_name(finding.level), finding_text(finding).c_str());
+    print(stderr, "%s: %s\n", level_name(finding.level), finding_text(finding).c_str());
 }
 
 int conclude(const qvslv::Findings& findings, const char* with_warnings) {
   tell(findings);
   if (any_error(findings)) return k_bad_input;
-  std::printf("%s\n", findings.empty() ? "ok" : with_warnings);
+  print(stdout, "%s\n", findings.empty() ? "ok" : with_warnings);
   return k_done;
 }
 

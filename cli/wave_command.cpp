@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/terminal.h"
 #include "solver/data_files/make_wave.h"
 #include "solver/data_files/wave_file.h"
 #include "solver/model/nearest_name.h"
@@ -46,27 +47,27 @@ qvslv::WaveSettings settings_of(const WaveRequest& request) {
 
 void tell_waves(const qvslv::WaveSettings& s) {
   const bool regular = s.kind == qvslv::WaveKind::regular;
-  std::printf("%s, %s %g, %s %g, wave length %.4g", qvslv::wave_kind_name(s.kind),
-              regular ? "height" : "significant height", s.height, regular ? "period" : "peak period", s.period,
-              qvslv::wave_length(s));
-  if (!regular) std::printf(" (shortest %.4g)", qvslv::shortest_wave_length(s));
-  std::printf(", height over length %.1f %%\n", 100 * s.height / qvslv::wave_length(s));
+  print(stdout, "%s, %s %g, %s %g, wave length %.4g", qvslv::wave_kind_name(s.kind),
+        regular ? "height" : "significant height", s.height, regular ? "period" : "peak period", s.period,
+        qvslv::wave_length(s));
+  if (!regular) print(stdout, " (shortest %.4g)", qvslv::shortest_wave_length(s));
+  print(stdout, ", height over length %.1f %%\n", 100 * s.height / qvslv::wave_length(s));
 }
 
 void tell(const qvslv::WaveSettings& s, const qvslv::WaveFile& wave, const std::string& path) {
   const bool still = s.kind == qvslv::WaveKind::still, regular = s.kind == qvslv::WaveKind::regular;
-  std::printf("made wave %s: ", path.c_str());
+  print(stdout, "made wave %s: ", path.c_str());
   if (still) {
-    std::printf("still water\n");
+    print(stdout, "still water\n");
   } else {
     tell_waves(s);
   }
-  std::printf("  %zu times from 0 to %g, %zu positions from 0 to %g", wave.time.size(), wave.time.back(), wave.x.size(),
-              wave.x.back());
+  print(stdout, "  %zu times from 0 to %g, %zu positions from 0 to %g", wave.time.size(), wave.time.back(),
+        wave.x.size(), wave.x.back());
   if (still || regular) {
-    std::printf("\n");
+    print(stdout, "\n");
   } else {
-    std::printf("; significant height of the table %.4g\n", qvslv::significant_height(wave));
+    print(stdout, "; significant height of the table %.4g\n", qvslv::significant_height(wave));
   }
 }
 
@@ -74,7 +75,7 @@ int make_wave(const WaveRequest& request) {
   const qvslv::WaveSettings settings = settings_of(request);
   const std::string mistake = qvslv::mistake_in(settings);
   if (!mistake.empty()) throw UsageError(mistake);
-  for (const std::string& doubt : qvslv::doubts_about(settings)) std::fprintf(stderr, "warning: %s\n", doubt.c_str());
+  for (const std::string& doubt : qvslv::doubts_about(settings)) print(stderr, "warning: %s\n", doubt.c_str());
   tell(settings, qvslv::write_wave_file(settings, request.out), request.out);
   return k_done;
 }

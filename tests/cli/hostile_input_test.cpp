@@ -46,6 +46,49 @@ TEST(HostileInput, MeshThatLiesEndsCheckAndRunWithTwo) {
   }
 }
 
+TEST(HostileInput, ControlCharactersInNamesAreShownAndNotObeyed) {
+  const fs::path folder = folder_with("");
+  const CommandResult body = run_command({"check", "ball.toml", "--set", "body.ball.name=\"a\\u001b[2Jb\""}, folder);
+  EXPECT_EQ(body.code, 2);
+  EXPECT_THAT(body.err, HasSubstr("the name 'a\\x1b[2Jb' of a body holds a control character; letters, digits, "
+                                  "signs and blanks are expected"));
+  EXPECT_THAT(body.err, Not(HasSubstr("\x1b")));
+  const CommandResult title = run_command({"check", "ball.toml", "--set", "title=\"a\\u202eb\\u009b2J\""}, folder);
+  EXPECT_EQ(title.code, 0) << title.err;
+  EXPECT_THAT(title.out, HasSubstr("ball.toml: a\\u202eb\\x9b2J\n"));
+  const CommandResult option = run_command({"check", "ball.toml", "--\x1b[2J"}, folder);
+  EXPECT_EQ(option.code, 2);
+  EXPECT_THAT(option.err, HasSubstr("\\x1b[2J"));
+  EXPECT_THAT(option.err, Not(HasSubstr("\x1b")));
+  write_text(folder / "bad\x1b.toml", "gravity = 1\n");
+  EXPECT_THAT(run_command({"check", "bad\x1b.toml"}, folder).err, HasSubstr("bad\\x1b.toml:1:"));
+}
+
+TEST(HostileInput, ControlCharactersOfColumnsAreRefused) {
+  const std::string column = element_calling("my_own");
+  for (const char* entry : {"name = \"a\\rb\"", "name = \"a\", unit = \"a\\rb\""}) {
+    const fs::path folder = folder_with(column + "columns = [{ index = 0, " + entry + " }]\n");
+    const CommandResult result = run_command({"check", "ball.toml"}, folder);
+    EXPECT_EQ(result.code, 2);
+    EXPECT_THAT(result.err,
+                HasSubstr("'a\\rb' holds a control character; letters, digits, signs and blanks are expected"));
+  }
+}
+
+TEST(HostileInput, ExpandedTextIsTheSameTextAgain) {
+  const fs::path folder = folder_with("[[string]]\nname = \"note\"\ntext = \"a\\u001b\\\"\\\\ b\"\n");
+  const CommandResult result = run_command({"expand", "ball.toml"}, folder);
+  EXPECT_THAT(result.out, HasSubstr("text = \"a\\u001b\\\"\\\\ b\"\n"));
+}
+
+TEST(HostileInput, HeadsThatLookLikeFormulasAreTexts) {
+  const fs::path folder = folder_with("");
+  const CommandResult result =
+      run_command({"run", "ball.toml", "--set", "body.ball.name=\"=1+1\"", "--out", "r"}, folder);
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_THAT(file_text(folder / "r/results.csv"), HasSubstr("time [s],\"'=1+1.x [m]\","));
+}
+
 TEST(HostileInput, FunctionOfTheSystemIsNoSubroutine) {
   for (const char* name : {"system", "abort", "exit"}) {
     const fs::path folder = folder_with(element_calling(name));
