@@ -11,7 +11,7 @@
 #include "cli/default_paths.h"
 #include "cli/tell_findings.h"
 #include "cli/terminal.h"
-#include "solver/check_subroutines.h"
+#include "solver/check_before_run.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
 #include "solver/model/model.h"
@@ -99,7 +99,7 @@ void tell_files_of(const qvslv::ModelFile& file) {
 qvslv::Findings check_model(const FileRequest& request, bool describe) {
   try {
     const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides, request.made);
-    qvslv::check_subroutines(file.model, request.library.empty() ? default_library() : request.library);
+    qvslv::check_before_run(file.model, request.library.empty() ? default_library() : request.library);
     if (describe) tell_model(file);
     if (describe) tell_files_of(file);
     return file.findings;

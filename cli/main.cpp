@@ -9,6 +9,7 @@
 #include "cli/terminal.h"
 #include "solver/model/model.h"
 #include "solver/model/nearest_name.h"
+#include "solver/model/plain_reason.h"
 
 namespace {
 
@@ -70,7 +71,7 @@ int perform(int argc, char** argv) {
     qvcli::print(stderr, "qvbrisk: %s\n", error.what());
     return qvcli::k_bad_input;
   } catch (const std::exception& error) {
-    qvcli::print(stderr, "qvbrisk: %s\n", error.what());
+    qvcli::print(stderr, "qvbrisk: %s\n", qvslv::plain_reason(error).c_str());
     return qvcli::k_fault;
   }
 }

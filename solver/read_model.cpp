@@ -76,8 +76,14 @@ void check_files_beside(const std::vector<Recipe>& recipes, ModelFile& file) {
 }
 
 std::string file_text(const std::string& path) {
+  constexpr std::uintmax_t k_most = 64U << 20U;
+  std::error_code failure;
+  if (fs::exists(path, failure) && !fs::is_directory(path, failure) && !fs::is_regular_file(path, failure))
+    throw ModelError({path, 0, 0}, "this is no regular file; a model file (TOML) is expected");
+  if (fs::is_regular_file(path, failure) && fs::file_size(path, failure) > k_most)
+    throw ModelError({path, 0, 0}, "this has more than 64 MB; a model file (TOML) is expected");
   std::ifstream stream(path, std::ios::binary);
-  if (fs::is_directory(path) || !stream) throw ModelError({path, 0, 0}, "there is no such model file");
+  if (fs::is_directory(path, failure) || !stream) throw ModelError({path, 0, 0}, "there is no such model file");
   std::ostringstream text;
   text << stream.rdbuf();
   return text.str();

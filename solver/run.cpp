@@ -14,6 +14,7 @@
 
 #include "solver/data_files/made_file.h"
 #include "solver/engine/engine.h"
+#include "solver/model/plain_reason.h"
 #include "solver/results/output_file.h"
 #include "solver/results/recorder.h"
 #include "solver/results/report_page.h"
@@ -81,7 +82,7 @@ public:
       m_folder->add("run.json");
       write_record();
     } catch (const std::exception& error) {
-      finish(RunOutcome::failed, error.what());
+      finish(RunOutcome::failed, plain_reason(error));
       return m_summary;
     }
     try {
@@ -89,10 +90,8 @@ public:
       note_inputs(plugin);
       Engine engine(m_model, plugin, [this](const std::string& text) { tell(text); });
       integrate(engine);
-    } catch (const std::bad_alloc&) {
-      throw;
     } catch (const std::exception& error) {  // for example a fault in the set-up or a full disk
-      finish(RunOutcome::failed, error.what());
+      finish(RunOutcome::failed, plain_reason(error));
     }
     close_record();
     return m_summary;
@@ -123,7 +122,7 @@ private:
       m_recorder->record(engine);
       advance(engine, *m_recorder);
     } catch (const std::exception& error) {
-      finish(RunOutcome::failed, error.what());
+      finish(RunOutcome::failed, plain_reason(error));
     }
     warn_about_rejected_steps(engine);
     m_summary.time = engine.time();
@@ -215,7 +214,7 @@ private:
     try {
       write();
     } catch (const std::exception& error) {
-      fail(error.what());
+      fail(plain_reason(error));
     }
   }
 

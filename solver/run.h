@@ -34,7 +34,7 @@ struct RunOptions {
       nullptr;  ///< checked after every step: a signal's number ends the run
 };
 
-/// Runs a checked model to its end. Throws nothing but std::bad_alloc: every fault is in the summary.
+/// Runs a checked model to its end. Throws nothing: every fault is in the summary.
 RunSummary run_model(const Model& model, const RunOptions& options);
 
 /// The same for a model that was read from a file: its text, inputs and warnings go into the record.

@@ -65,7 +65,13 @@ TriangleMesh block(const TableReader& table) {
   }
   if (!(rake[0] + rake[1] < size[0]))
     table.fail("size", "the rakes of bow and stern leave nothing of the bottom's length");
-  return barge_mesh(size, rake[0], rake[1], block_divisions(table, size));
+  const std::array<int, 3> cells = block_divisions(table, size);
+  constexpr double k_most_triangles = 2e6;
+  const double triangles = 4.0 * cells[0] * cells[1] + 4.0 * cells[1] * cells[2] + 4.0 * cells[2] * cells[0];
+  if (triangles > k_most_triangles)
+    table.fail("divisions", "these make " + number_text(triangles) + " triangles; at most " +
+                                number_text(k_most_triangles) + " are expected");
+  return barge_mesh(size, rake[0], rake[1], cells);
 }
 
 TriangleMesh cylinder(const TableReader& table) {

@@ -5,6 +5,8 @@
 #include <exception>
 #include <utility>
 
+#include "solver/engine/lost_numbers.h"
+
 namespace qvslv {
 
 namespace {
@@ -30,6 +32,14 @@ Engine::Engine(const Model& model, const Plugin& plugin, EngineHost::Report repo
 Engine::~Engine() = default;
 
 void Engine::start() {
+  try {
+    start_motion();
+  } catch (const SimTK::Exception::Base& error) {
+    m_fault.raise(RunOutcome::failed, engine_reason(error, m_multibody, m_initial));
+  }
+}
+
+void Engine::start_motion() {
   m_initial = m_multibody.make_state();
   m_readings.refresh(m_initial);
   m_calls.set_up(m_initial);
@@ -77,15 +87,25 @@ bool Engine::step(double limit) {
     // stepTo also returns without an advance: at the start of an interval, and if the limit is reached already.
     while (!(time() > before) && !m_fault.raised()) m_integrator->stepTo(limit, limit);
   } catch (const std::exception& error) {
-    give_up(error.what());
+    const std::string text = error.what();
+    const bool lost = text.find("NaN") != std::string::npos;
+    if (text.find("Integrator step failed") != std::string::npos && !lost) {
+      give_up("every attempt failed");
+    } else {
+      m_fault.raise(RunOutcome::failed, engine_reason(error, m_multibody, state()));
+    }
   }
   if (m_fault.raised()) return false;
   m_last_step = time() - before;
   ++m_steps;
   if (creeps(limit)) give_up("the error stays too large at the smallest step");
   if (m_fault.raised()) return false;
-  call_after_step();
-  if (!m_fault.raised()) restart();
+  try {
+    call_after_step();
+    if (!m_fault.raised()) restart();
+  } catch (const SimTK::Exception::Base& error) {
+    m_fault.raise(RunOutcome::failed, engine_reason(error, m_multibody, state()));
+  }
   return !m_fault.raised();
 }
 

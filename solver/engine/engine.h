@@ -51,6 +51,7 @@ public:
   const ModelReadings& readings() const { return m_readings; }
 
 private:
+  void start_motion();
   void make_integrator();
   void start_equations();
   void call_after_step();

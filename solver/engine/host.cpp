@@ -273,6 +273,8 @@ void EngineHost::throw_error(const char* title, int count, char** messages) {
     text += std::string(": ") + messages[k];
     delete[] messages[k];
   }
+  if (text.find("bad_alloc") != std::string::npos)
+    text += " (there is not enough memory; make the grid, the road or the table coarser)";
   if (count == 0) text += ": the subroutine gave no message";
   if (title == nullptr || std::strcmp(title, "USUB WARNING") != 0) {
     m_fault.raise(RunOutcome::failed, text);

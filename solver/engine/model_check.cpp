@@ -6,15 +6,37 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace qvslv {
 
 namespace {
 
+/// Beyond this, products of three numbers of a model overflow.
+constexpr double k_most = 1e100;
+
 template <class Values>
 void require_finite(const Values& values, const std::string& what) {
   for (const double value : values) {
     if (!std::isfinite(value)) throw MultibodyError(fmt::format("{}: {} is no finite number", what, value));
+    if (std::abs(value) > k_most)
+      throw MultibodyError(
+          fmt::format("{}: {} is too large to compute with; at most {} is expected, other units bring "
+                      "it there",
+                      what, value, k_most));
+  }
+}
+
+/// The same for what is divided by: 0 is a case of its own, but the reciprocal of anything else must not overflow.
+template <class Values>
+void require_divisor(const Values& values, const std::string& what) {
+  require_finite(values, what);
+  for (const double value : values) {
+    if (value != 0 && std::abs(value) < 1 / k_most)
+      throw MultibodyError(
+          fmt::format("{}: {} is too small to compute with; at least {} is expected, other units bring "
+                      "it there",
+                      what, value, 1 / k_most));
   }
 }
 
@@ -47,7 +69,8 @@ void check_body(const Body& body) {
   const std::string name = "body " + body.name;
   const Inertia& i = body.inertia;
   const std::array<double, 6> moments = {i.xx, i.yy, i.zz, i.xy, i.xz, i.yz};
-  require_finite(std::array<double, 1>{body.mass}, name + ", mass");
+  require_divisor(std::array<double, 1>{body.mass}, name + ", mass");
+  require_divisor(std::array<double, 3>{i.xx, i.yy, i.zz}, name + ", inertia");
   require_finite(moments, name + ", inertia");
   require_finite(body.center, name + ", center");
   require_finite(body.position, name + ", position");
@@ -65,10 +88,32 @@ void check_body(const Body& body) {
   }
 }
 
+/// A step that is lost in the rounding of the times it is added to would never end the run.
+void check_steps(const Simulation& simulation) {
+  const double least = k_shortest_step * simulation.end_time;
+  require_divisor(std::array<double, 1>{simulation.end_time}, "simulation, end_time");
+  const auto check = [least](const char* key, double step) {
+    if (step > 0 && step < least)
+      throw MultibodyError(
+          fmt::format("simulation, {}: {} is too short for the end time; at least {:.3g} is expected, so "
+                      "that there are {:.0e} steps at most",
+                      key, step, least, 1 / k_shortest_step));
+  };
+  check("output_step", simulation.output_step);
+  check("max_step", simulation.max_step);
+  if (simulation.integrator != Integrator::runge_kutta_merson) check("step", simulation.step);
+}
+
 void check_simulation(const Simulation& simulation) {
-  require_finite(std::array<double, 6>{simulation.end_time, simulation.output_step, simulation.frame_step,
-                                       simulation.accuracy, simulation.step, simulation.max_step},
-                 "simulation");
+  const std::pair<const char*, double> numbers[] = {{"end_time", simulation.end_time},
+                                                    {"output_step", simulation.output_step},
+                                                    {"frame_step", simulation.frame_step},
+                                                    {"accuracy", simulation.accuracy},
+                                                    {"step", simulation.step},
+                                                    {"max_step", simulation.max_step}};
+  for (const auto& [key, value] : numbers)
+    require_finite(std::array<double, 1>{value}, std::string("simulation, ") + key);
+  check_steps(simulation);
   if (simulation.integrator != Integrator::runge_kutta_merson) {
     if (!(simulation.step > 0)) {
       throw MultibodyError(fmt::format("simulation: the fixed step {} must be above 0", simulation.step));

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 
+#include "solver/engine/inertia_check.h"
 #include "solver/engine/prescribed_motion.h"
 
 namespace qvslv {
@@ -133,32 +133,12 @@ void Multibody::start_free_bodies(SimTK::State& state) const {
   }
 }
 
-/// Checks by Cholesky's decomposition of the mass matrix that every free coordinate has inertia. A pivot is the inertia
-/// that a coordinate has left when the ones before it move freely. If it vanishes beside its diagonal entry, or if the
-/// entry itself vanishes, nothing determines the coordinate's acceleration.
 void Multibody::check_inertia(const SimTK::State& state) const {
-  constexpr double k_vanishing = 1e-13;  // share of the diagonal entry below which a pivot is rounding only
-  SimTK::Matrix m;
-  m_matter.calcM(state, m);
-  const SimTK::Array_<SimTK::UIndex>& free = m_matter.getFreeUIndex(state);
-  const int n = static_cast<int>(free.size());
-  SimTK::Matrix l(n, n, 0.0);
-  for (int i = 0; i < n; ++i) {
-    const int u = free[static_cast<unsigned>(i)];
-    double pivot = m(u, u);
-    for (int j = 0; j < i; ++j) {
-      double sum = m(u, free[static_cast<unsigned>(j)]);
-      for (int k = 0; k < j; ++k) sum -= l(i, k) * l(j, k);
-      l(i, j) = sum / l(j, j);
-      pivot -= l(i, j) * l(i, j);
-    }
-    if (!(m(u, u) > 0) || !(pivot > k_vanishing * m(u, u))) {
-      throw MultibodyError(owner_of(u, state) +
-                           " is free to move but nothing it moves has inertia in that direction; "
-                           "give the body a mass and an inertia, or prescribe the motion");
-    }
-    l(i, i) = std::sqrt(pivot);
-  }
+  const int u = find_coordinate_without_inertia(m_matter, state);
+  if (u < 0) return;
+  throw MultibodyError(owner_of(u, state) +
+                       " is free to move but nothing it moves has inertia in that direction; "
+                       "give the body a mass and an inertia, or prescribe the motion");
 }
 
 std::string Multibody::owner_of(int u_index, const SimTK::State& state) const {

@@ -3,6 +3,9 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace qvslv {
 
 namespace {
@@ -10,6 +13,13 @@ namespace {
 std::string loader_text() {
   const char* text = dlerror();
   return text == nullptr ? "no reason given" : text;
+}
+
+/// A file that is there by its whole path: the loader would look for a bare name in the system's folders.
+std::string found_file(const std::string& path) {
+  std::error_code failure;
+  if (!std::filesystem::is_regular_file(path, failure)) return path;
+  return std::filesystem::absolute(path).lexically_normal().string();
 }
 
 const link_map* map_of(void* library) {
@@ -39,7 +49,8 @@ Origin origin_of(void* address) {
 
 }  // namespace
 
-Plugin::Plugin(const std::string& path) : m_path(path), m_library(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+Plugin::Plugin(const std::string& path)
+    : m_path(found_file(path)), m_library(dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (m_library == nullptr) throw PluginError("cannot load the library " + path + ": " + loader_text());
 }
 

@@ -3,6 +3,7 @@
 #include <limits>
 #include <string>
 
+#include "solver/model/expression_names.h"
 #include "solver/model/expression_parser.h"
 
 namespace qvslv {
@@ -22,7 +23,11 @@ void define_common_names(mu::Parser& parser, const Expression& expression) {
   parser.DefineConst("pi", 3.141592653589793);
   parser.DefineFun("step", cubic_step);
   if (!expression.parameters) return;
-  for (const auto& [name, value] : *expression.parameters) parser.DefineConst(name, value);
+  // Only what the text names: a model may have thousands of parameters and of expressions.
+  for (const std::string& name : names_in(expression.text)) {
+    const auto found = expression.parameters->find(name);
+    if (found != expression.parameters->end()) parser.DefineConst(name, found->second);
+  }
 }
 
 void refuse_assignment(const Expression& expression) {
@@ -48,6 +53,7 @@ void evaluate_once(mu::Parser& parser, const Expression& shown) {
 std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token) {
   std::string said = message;
   while (!said.empty() && (said.back() == '\n' || said.back() == '.')) said.pop_back();
+  if (said.rfind("Internal error", 0) == 0) said = "this is no whole expression";  // of the parser, for a lone sign
   std::string text = "in the expression \"" + expression + "\": " + said;
   if (!token.empty() && said.find(token) == std::string::npos) text += " (at \"" + token + "\")";
   return text;

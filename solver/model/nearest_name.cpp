@@ -35,9 +35,10 @@ std::string nearest_name(const std::string& name, const std::vector<std::string>
   std::string nearest;
   int least = 0;
   for (const std::string& candidate : known) {
-    const int distance = edit_distance(lower_case(name), lower_case(candidate));
-    const size_t longer = std::max(name.size(), candidate.size());
+    const size_t longer = std::max(name.size(), candidate.size()), shorter = std::min(name.size(), candidate.size());
     const int allowed = std::max(1, static_cast<int>((longer + 1) / 3));
+    if (longer - shorter > static_cast<size_t>(allowed)) continue;  // so many letters at least are to be added
+    const int distance = edit_distance(lower_case(name), lower_case(candidate));
     const bool something_in_common = distance < static_cast<int>(longer);
     if (distance > allowed || !something_in_common || (!nearest.empty() && distance >= least)) continue;
     nearest = candidate;

@@ -56,7 +56,9 @@ Vec3 read_axis(const TableReader& table) {
     return axis;
   }
   const Vec3 axis = table.vector3("axis");
-  if (dot(axis, axis) == 0) table.fail("axis", "has length 0; give the direction, for instance \"z\" or [0, 0, 1]");
+  if (!(dot(axis, axis) > 0) || !std::isfinite(dot(axis, axis)))
+    table.fail("axis",
+               "has length " + number_text(length(axis)) + "; give the direction, for instance \"z\" or [0, 0, 1]");
   return unit(axis);
 }
 

@@ -1,10 +1,11 @@
 #include "solver/model_file/parameters.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
+#include <unordered_map>
 
 #include "solver/model/expression.h"
+#include "solver/model/expression_names.h"
 #include "solver/model/nearest_name.h"
 
 namespace qvslv {
@@ -17,33 +18,8 @@ const std::vector<std::string> k_reserved = {"t",     "pi",   "sin",  "cos",  "t
                                              "log10", "log",  "ln",   "exp",  "sqrt",  "sign",  "rint",  "abs",
                                              "min",   "max",  "sum",  "avg",  "step",  "_pi",   "_e"};
 
-bool starts_name(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-bool continues_name(char c) { return starts_name(c) || std::isdigit(static_cast<unsigned char>(c)) != 0; }
-bool in_number(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '.'; }
-
 bool contains(const std::vector<std::string>& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-/// The names an expression uses; the e of 2e-3 is none.
-std::vector<std::string> names_in(const std::string& text) {
-  std::vector<std::string> names;
-  for (size_t i = 0; i < text.size();) {
-    if (in_number(text[i])) {
-      while (i < text.size() && in_number(text[i])) ++i;
-      const bool exponent = i + 1 < text.size() && (text[i] == 'e' || text[i] == 'E') &&
-                            (in_number(text[i + 1]) || text[i + 1] == '-' || text[i + 1] == '+');
-      if (exponent) i += 2;
-    } else if (starts_name(text[i])) {
-      size_t end = i;
-      while (end < text.size() && continues_name(text[end])) ++end;
-      names.push_back(text.substr(i, end - i));
-      i = end;
-    } else {
-      ++i;
-    }
-  }
-  return names;
 }
 
 void check_parameter_name(const Value::Entry& entry) {
@@ -54,29 +30,61 @@ void check_parameter_name(const Value::Entry& entry) {
     throw ModelError(entry.at, "parameter '" + name + "': expressions use this name already; choose another");
 }
 
-/// Sorts the entries so that each expression names only earlier entries.
+/// Sorts the entries so that each expression names only earlier entries. Walks with a stack of its own: thousands of
+/// parameters may each name the next one.
 class DependencyOrder {
 public:
-  explicit DependencyOrder(const Value& table) : m_table(table) {
-    for (const Value::Entry& entry : m_table.table) visit(entry);
+  explicit DependencyOrder(const Value& table) {
+    for (const Value::Entry& entry : table.table) m_places[entry.key] = {&entry, Mark::unseen};
+    for (const Value::Entry& entry : table.table) {
+      open(entry.key);
+      while (!m_open.empty()) advance();
+    }
   }
   std::vector<const Value::Entry*> order;
 
 private:
-  void visit(const Value::Entry& entry) {
-    if (std::find(order.begin(), order.end(), &entry) != order.end()) return;
-    if (contains(m_open, entry.key))
-      throw ModelError(entry.value.at, "parameter '" + entry.key + "' depends on itself (" + listed(m_open) + ")");
-    m_open.push_back(entry.key);
-    for (const std::string& name : names_in(entry.value.text))
-      for (const Value::Entry& other : m_table.table)
-        if (other.key == name) visit(other);
-    m_open.pop_back();
-    order.push_back(&entry);
+  enum class Mark { unseen, open, done };
+  struct Place {
+    const Value::Entry* entry = nullptr;
+    Mark mark = Mark::unseen;
+  };
+  struct Visit {
+    Place* place;
+    std::vector<std::string> names;  ///< that its expression uses
+    size_t next = 0;
+  };
+
+  void open(const std::string& name) {
+    const auto found = m_places.find(name);
+    if (found == m_places.end() || found->second.mark == Mark::done) return;
+    const Value::Entry& entry = *found->second.entry;
+    if (found->second.mark == Mark::open)
+      throw ModelError(entry.value.at, "parameter '" + name + "' depends on itself (" + listed(open_names()) + ")");
+    found->second.mark = Mark::open;
+    m_open.push_back({&found->second, names_in(entry.value.text)});
   }
 
-  const Value& m_table;
-  std::vector<std::string> m_open;
+  /// Goes on with the entry that was opened last.
+  void advance() {
+    Visit& last = m_open.back();
+    if (last.next < last.names.size()) {
+      const std::string name = last.names[last.next++];
+      return open(name);  // may move `last`
+    }
+    last.place->mark = Mark::done;
+    order.push_back(last.place->entry);
+    m_open.pop_back();
+  }
+
+  std::vector<std::string> open_names() const {
+    std::vector<std::string> names;
+    for (const Visit& visit : m_open) names.push_back(visit.place->entry->key);
+    return names;
+  }
+
+  std::unordered_map<std::string, Place> m_places;
+  std::vector<Visit> m_open;
 };
 
 }  // namespace
@@ -86,21 +94,22 @@ Parameters::Parameters() : m_values(std::make_shared<std::map<std::string, doubl
 Parameters::Parameters(const Value& table) : Parameters() {
   if (table.kind != Value::Kind::table)
     throw ModelError(table.at, "parameters: a table of named numbers is expected, not " + described(table));
+  // Expressions of later parameters share this map while it grows: they name only what is in it already.
+  const auto values = std::make_shared<std::map<std::string, double>>();
+  m_values = values;
   for (const Value::Entry* entry : DependencyOrder(table).order) {
     check_parameter_name(*entry);
     const Value& value = entry->value;
-    auto extended = std::make_shared<std::map<std::string, double>>(*m_values);
     if (value.kind == Value::Kind::integer || value.kind == Value::Kind::real) {
       if (!std::isfinite(value.number))
         throw ModelError(value.at, "parameter '" + entry->key + "': a finite number is expected");
-      (*extended)[entry->key] = value.number;
+      (*values)[entry->key] = value.number;
     } else if (value.kind == Value::Kind::text) {
-      (*extended)[entry->key] = number(value.text, value.at);
+      (*values)[entry->key] = number(value.text, value.at);
     } else {
       throw ModelError(value.at, "parameter '" + entry->key +
                                      "': a number or an expression in quotes is expected, not " + described(value));
     }
-    m_values = std::move(extended);
   }
 }
 

@@ -50,6 +50,40 @@ Value converted(const toml::node& node, const std::string& file) {
   return value;
 }
 
+/// The parser and all that walks over its tables go down one call per part of a key. A key of thousands of parts would
+/// end the process, so it is refused before. Counts dots up to the next character that ends a key; dots in texts and
+/// comments are passed by.
+void refuse_deep_keys(std::string_view text, const std::string& file) {
+  constexpr int k_most = 10;  // no key of a model file has more parts
+  int parts = 1, line = 1;
+  char quote = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\n') {
+      ++line;
+      quote = 0;
+      parts = 1;
+    } else if (quote != 0) {
+      if (c == '\\' && quote == '"') ++i;
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '#') {
+      i = std::min(text.find('\n', i), text.size()) - 1;
+    } else if (std::string_view("=,{}[]").find(c) != std::string_view::npos) {
+      parts = 1;
+    } else if (c == '.' && ++parts > k_most) {
+      throw ModelError({file, line, 1}, "a key of more than " + std::to_string(k_most) + " parts; is a dot too many?");
+    }
+  }
+}
+
+/// The parser's text without the name of the setting of its own that it quotes.
+std::string parser_text(std::string text) {
+  const size_t setting = text.find(" (TOML_");
+  return setting == std::string::npos ? text : text.substr(0, setting);
+}
+
 }  // namespace
 
 const Value* Value::find(std::string_view key) const {
@@ -84,10 +118,11 @@ std::string described(const Value& value) {
 }
 
 Value parse_toml(std::string_view text, const std::string& file) {
+  refuse_deep_keys(text, file);
   try {
     return converted(toml::parse(text), file);
   } catch (const toml::parse_error& error) {
-    throw ModelError(position_of(error.source(), file), std::string(error.description()));
+    throw ModelError(position_of(error.source(), file), parser_text(std::string(error.description())));
   }
 }
 

@@ -41,6 +41,7 @@ const mistake k_mistakes[] = {
     {"A key of another shape", "shape = \"box\", size = [4, 2, 1]", "shape = \"box\", size = [4, 2, 1], radius = 1", "model.toml:91:52: element 'hull', mesh, radius: a box has no such key"},
     {"A size of 0", "size = [4, 2, 1]", "size = [4, 0, 1]", "model.toml:91:32: element 'hull', mesh, size: the edge lengths must be greater than 0"},
     {"Divisions that are no whole numbers", "divisions = [2, 1, 1]", "divisions = [2, 0.5, 1]", "model.toml:91:55: element 'hull', mesh, divisions: whole numbers from 1 to 1000 are expected, not 0.5"},
+    {"Divisions that make millions of triangles", "divisions = [2, 1, 1]", "divisions = [1000, 1000, 1]", "model.toml:91:55: element 'hull', mesh, divisions: these make 4008000 triangles; at most 2e+06 are expected"},
     {"Rakes that leave no bottom", "shape = \"box\", size = [4, 2, 1]", "shape = \"wedge_barge\", size = [4, 2, 1], bow = 2, stern = 2", "model.toml:91:40: element 'hull', mesh, size: the rakes of bow and stern leave nothing of the bottom's length"},
     {"A shape that is turned inside out", "density = \"rho\"", "density = \"rho\"\nflip = true", "model.toml:96:8: element 'hull', flip: the mesh faces outwards as it is; take this out"},
     {"A scale for a shape", "density = \"rho\"", "density = \"rho\"\nmesh_scale = 0.001", "model.toml:96:14: element 'hull', mesh_scale: belongs to a mesh file; a shape has its size"},

@@ -191,6 +191,57 @@ TEST(Faults, AJointThatTurnsABodyWithoutInertiaIsNamed) {
   expect_contains(out.summary.message, "coordinate angle of joint joint0 is free to move");
 }
 
+/// A rod with inertia that hangs on a massless link by a second revolute joint, turned against the first one.
+TestModel rod_on_a_massless_link(const Rotation& second_axis) {
+  TestModel built(0.1, 0.1);
+  const int link = built.add_body("link", 0, {0, 0, 0}), rod = built.add_body("rod", 1, {1, 1, 1});
+  const int on_link = built.add_marker(link, {0, 0, 0}), link_end = built.add_marker(link, {0, 0, 0}, second_axis);
+  const int on_rod = built.add_marker(rod, {0, 0, 0}, second_axis);
+  built.add_joint(JointType::revolute, 0, on_link);
+  built.add_joint(JointType::revolute, link_end, on_rod);
+  return built;
+}
+
+TEST(Faults, ALinkBetweenTwoJointsOfOneAxisIsNamed) {
+  const TestRun out = run(rod_on_a_massless_link(k_identity));
+  EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
+  expect_contains(out.summary.message, "coordinate angle of joint joint0 is free to move");
+}
+
+TEST(Faults, AMasslessLinkBetweenJointsOfTwoAxesMoves) {
+  const TestRun out = run(rod_on_a_massless_link(turn(0, k_pi / 2)));
+  EXPECT_EQ(out.summary.outcome, RunOutcome::finished) << out.summary.message;
+}
+
+TEST(Faults, AChainOfManyJointsStartsAndItsMasslessLastLinkIsFound) {
+  constexpr int k_links = 200;
+  for (const double last_mass : {1.0, 0.0}) {
+    TestModel built(1e-3, 1e-3);
+    for (int i = 0; i < k_links; ++i) {
+      const double mass = i + 1 < k_links ? 1.0 : last_mass;
+      built.add_body("link" + std::to_string(i), mass, {mass, mass, mass});
+    }
+    int above = 0;
+    for (int i = 0; i < k_links; ++i) {
+      built.add_joint(JointType::revolute, above, built.add_marker(i, {0, 0, 0.5}, turn(0, 0.1 * i)));
+      above = built.add_marker(i, {0, 0, -0.5}, turn(0, 0.1 * (i + 1)));
+    }
+    const TestRun out = run(built);
+    EXPECT_EQ(out.summary.outcome, last_mass > 0 ? RunOutcome::finished : RunOutcome::failed) << out.summary.message;
+    if (last_mass == 0) expect_contains(out.summary.message, "coordinate angle of joint joint199 is free to move");
+  }
+}
+
+TEST(Faults, NumbersThatOverflowOnTheWayNameTheirBody) {
+  TestModel built(1.0, 0.1);
+  built.add_body("still", 1, {1, 1, 1});
+  built.add_body("fast", 1e-80, {1e-80, 1e-80, 1e-80});
+  built.add_force(built.add_marker(1, {0, 0, 0}), {"1e300*t*t", "0", "0"});
+  const TestRun out = run(built);
+  EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
+  expect_contains(out.summary.message, "the motion leaves what numbers can hold; body fast ");
+}
+
 TEST(Faults, WhatNoEngineCanRunIsNamed) {
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   struct Case {
