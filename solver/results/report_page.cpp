@@ -14,14 +14,17 @@ extern const std::string_view page_html;
 extern const std::string_view style_css;
 extern const std::string_view three_js;
 extern const std::string_view chart_js;
+extern const std::string_view theme_js;
 extern const std::string_view page_data_js;
 extern const std::string_view color_map_js;
 extern const std::string_view camera_js;
+extern const std::string_view labels_js;
 extern const std::string_view body_shapes_js;
 extern const std::string_view terrain_js;
 extern const std::string_view afloat_js;
 extern const std::string_view replay_js;
 extern const std::string_view player_js;
+extern const std::string_view curve_style_js;
 extern const std::string_view header_js;
 extern const std::string_view plots_js;
 extern const std::string_view main_js;
@@ -52,8 +55,9 @@ std::string html_text(const std::string& text) {
 std::string scripts() {
   using namespace page_files;
   std::string text;
-  for (const std::string_view script : {three_js, chart_js, page_data_js, color_map_js, camera_js, body_shapes_js,
-                                        terrain_js, afloat_js, replay_js, player_js, header_js, plots_js, main_js}) {
+  for (const std::string_view script :
+       {three_js, chart_js, theme_js, page_data_js, color_map_js, camera_js, labels_js, body_shapes_js, terrain_js,
+        afloat_js, replay_js, player_js, header_js, curve_style_js, plots_js, main_js}) {
     text += "<script>\n";
     text += script;
     text += "</script>\n";

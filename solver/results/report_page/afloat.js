@@ -3,6 +3,33 @@
 // Needs THREE, `page`, `colorMap` and `bodyShapes`; replay.js calls makeAfloat.
 const afloatColors = { wet: '#1f6f93', dry: '#e3b25c', line: '#1f5673' };
 
+// Colours each pixel of a hull by the height of the water at its place, so that the waterline runs through the patches.
+// The levels of a water are a texture over x, in the frame of the water's marker.
+const k_levels = 1024;
+const hullShader = {
+  varyings: 'varying vec3 vWater;\n',
+  vertex: `#include <begin_vertex>
+    vWater = (waterFromHull * vec4(position, 1.0)).xyz;`,
+  uniforms: `uniform sampler2D levels; uniform vec2 levelRange; uniform float painted; uniform vec3 wetColor; uniform vec3 dryColor;
+`,
+  color: `#include <color_fragment>
+    if (painted > 0.5) {
+      float along = (vWater.x - levelRange.x) / levelRange.y * ${(k_levels - 1).toFixed(1)};
+      float cell = clamp(floor(along), 0.0, ${(k_levels - 2).toFixed(1)});
+      float low = texture2D(levels, vec2((cell + 0.5) / ${k_levels.toFixed(1)}, 0.5)).r;
+      float high = texture2D(levels, vec2((cell + 1.5) / ${k_levels.toFixed(1)}, 0.5)).r;
+      float over = vWater.z - mix(low, high, along - cell);
+      #if __VERSION__ >= 300
+        float width = 0.7 * fwidth(over);
+      #else
+        float width = 0.0;
+      #endif
+      float dry = smoothstep(-width, width + 1e-9, over);
+      if (along < 0.0 || along > ${(k_levels - 1).toFixed(1)}) dry = 1.0;  // no water beyond the table
+      diffuseColor.rgb = mix(wetColor, dryColor, dry);
+    }`,
+};
+
 // Mesh of a hull. Patches do not share corners, so that each patch has its own colour. Nodes are in the axes of the
 // hull's body.
 function makeHull(info, firstNode, firstPatch) {
@@ -27,15 +54,32 @@ function makeHull(info, firstNode, firstPatch) {
   const wet = new THREE.Color(afloatColors.wet).toArray(), dry = new THREE.Color(afloatColors.dry).toArray();
   const plain = new THREE.Color(bodyShapes.colors[Math.max(info.body, 0) % bodyShapes.colors.length]).toArray();
 
-  // Colours the patches; `bits` holds one bit per patch of all hulls, 1 if wet, and starts at a frame's first byte.
+  let sheet = null;
+  const painting = { value: 1 };
+  // The sheet of water that the hull floats in; it must be known before the hull is first drawn.
+  function setSheet(water) {
+    sheet = water;
+    const uniforms = { waterFromHull: { value: new THREE.Matrix4() }, levels: { value: sheet.levels }, levelRange: { value: sheet.range },
+      painted: painting, wetColor: { value: new THREE.Color(afloatColors.wet) }, dryColor: { value: new THREE.Color(afloatColors.dry) } };
+    material.onBeforeCompile = (shader) => {
+      Object.assign(shader.uniforms, uniforms);
+      shader.vertexShader = 'uniform mat4 waterFromHull; ' + hullShader.varyings + shader.vertexShader.replace('#include <begin_vertex>', hullShader.vertex);
+      shader.fragmentShader = hullShader.varyings + hullShader.uniforms + shader.fragmentShader.replace('#include <color_fragment>', hullShader.color);
+    };
+    mesh.onBeforeRender = () => uniforms.waterFromHull.value.getInverse(sheet.group.matrixWorld).multiply(mesh.matrixWorld);
+  }
+
+  // Colours a hull without a sheet of water patch by patch; `bits` holds one bit per patch of all hulls, 1 if wet, and
+  // starts at a frame's first byte.
   function paint(bits, painted) {
+    painting.value = painted ? 1 : 0;
     for (let patch = 0; patch < info.patches; ++patch) {
-      const bit = firstPatch + patch, color = !painted ? plain : bits[bit >> 3] >> (bit & 7) & 1 ? wet : dry;
+      const bit = firstPatch + patch, color = !painted || sheet ? plain : bits[bit >> 3] >> (bit & 7) & 1 ? wet : dry;
       for (let k = 9 * patch; k < 9 * patch + 9; k += 3) paints.set(color, k);
     }
     geometry.attributes.color.needsUpdate = true;
   }
-  return { body: info.body, mesh, net, box, reach, paint };
+  return { body: info.body, water: info.water, mesh, net, box, reach, paint, setSheet };
 }
 
 // The surface of a water over its columns, in the frame of its marker, with a grid of lines every `step`.
@@ -89,13 +133,26 @@ function makeSheet(info, first, step, [lowest, highest]) {
     });
     lineGeometry.attributes.position.needsUpdate = true;
   }
+  // The levels again at even distances, for the hulls' waterlines.
+  const texels = new Float32Array(4 * k_levels), texture = new THREE.DataTexture(texels, k_levels, 1, THREE.RGBAFormat, THREE.FloatType);
+  texture.minFilter = texture.magFilter = THREE.NearestFilter;
+  const range = new THREE.Vector2(xs[0], xs[columns - 1] - xs[0]);
+  function placeTexels() {
+    for (let i = 0, k = 0; i < k_levels; ++i) {
+      const x = range.x + range.y * i / (k_levels - 1);
+      while (k < columns - 2 && xs[k + 1] < x) ++k;
+      texels[4 * i] = level[k] + (level[k + 1] - level[k]) * Math.min((x - xs[k]) / (xs[k + 1] - xs[k]), 1);
+    }
+    texture.needsUpdate = true;
+  }
   // Shows the levels between frame `now` and frame `next`; `fraction` runs from 0 to 1 between them.
   function show(now, next, fraction) {
     for (let k = 0; k < columns; ++k) level[k] = now[first + k] * (1 - fraction) + next[first + k] * fraction;
     placeSheet();
     placeLines();
+    placeTexels();
   }
-  return { body: info.body, group, show };
+  return { body: info.body, group, show, levels: texture, range };
 }
 
 // Hulls and waters of the run; null if the model has no hull.
@@ -123,10 +180,14 @@ function makeAfloat() {
     return [low, high];
   }
   let first = 0;
-  for (const water of data.waters) {
-    if (water.columns > 1) sheets.push(makeSheet(water, first, step, extremes(first, water.columns)));
+  data.waters.forEach((water, k) => {
+    if (water.columns > 1) {
+      const sheet = makeSheet(water, first, step, extremes(first, water.columns));
+      sheets.push(sheet);
+      for (const hull of hulls) if (hull.water === k) hull.setSheet(sheet);
+    }
     first += water.columns;
-  }
+  });
 
   const ofBody = (body) => hulls.filter((hull) => hull.body === body);
   // Widens a box by the hulls of a body at a pose.

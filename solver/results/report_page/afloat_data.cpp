@@ -60,6 +60,7 @@ Json AfloatData::hulls_json() const {
   for (const Hull& hull : m_recording.hulls) {
     list.push_back({{"element", hull.element},
                     {"body", body_of(*m_recording.model, hull.marker)},
+                    {"water", hull.water},
                     {"nodes", hull.mesh.points.size()},
                     {"patches", hull.mesh.triangles.size()}});
   }

@@ -10,7 +10,8 @@
 namespace qvslv {
 
 /// Collects what the page holds about hulls and waters. page_data.h lists the arrays; the JSON holds
-///   hulls   [{element, body, nodes, patches}]: nodes and patches are counts; the arrays hold them hull after hull
+///   hulls   [{element, body, water, nodes, patches}]: water is the index of its water, -1 for none; nodes and patches
+///           are counts; the arrays hold them hull after hull
 ///   waters  [{body, place, axes, y, columns}]: place and axes (x, y, z one after the other) of the water marker in the
 ///           frame of its body, or in the ground's; y: edges of the sheet; columns: their number
 class AfloatData {

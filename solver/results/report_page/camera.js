@@ -1,7 +1,7 @@
 'use strict';
 // A camera on a sphere around a target: the left button orbits, the right button or shift pans, the wheel zooms, two
-// fingers pan and zoom. Needs THREE; `up` is a unit vector along an axis, and `onChange` is called after every move.
-function makeOrbitCamera(element, up, onChange) {
+// fingers pan and zoom; keys do the same while `stage` has the focus. A finger that moves up or down scrolls the page. Needs THREE; `up` is a unit vector along an axis, and `onChange` is called after every move.
+function makeOrbitCamera(stage, element, up, onChange) {
   const camera = new THREE.PerspectiveCamera(38, 1, 0.01, 1000);
   camera.up.copy(up);
   // `east` and `north` are level and at right angles: the azimuth counts from east.
@@ -73,5 +73,21 @@ function makeOrbitCamera(element, up, onChange) {
     onChange();
   }, { passive: false });
   element.addEventListener('contextmenu', (event) => event.preventDefault());
+  // One finger may scroll the page; two belong to the picture.
+  for (const kind of ['touchstart', 'touchmove']) {
+    element.addEventListener(kind, (event) => { if (event.touches.length > 1) event.preventDefault(); }, { passive: false });
+  }
+  const arrows = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
+  stage.addEventListener('keydown', (event) => {
+    if (event.target !== stage || event.ctrlKey || event.altKey || event.metaKey) return;
+    const by = arrows[event.key];
+    if (by && event.shiftKey) pan(-30 * by[0], -30 * by[1]);
+    else if (by) turn(-20 * by[0], -20 * by[1]);
+    else if (event.key === '+' || event.key === '=') zoom(1 / 1.2);
+    else if (event.key === '-' || event.key === '_') zoom(1.2);
+    else return;
+    event.preventDefault();
+    onChange();
+  });
   return orbit;
 }

@@ -2,10 +2,19 @@
 // Fills the head and the tables of the page with the run's outcome, figures, messages and settings. Needs `page`.
 function fillHeader() {
   const { data, byId, number, withUnit } = page, run = data.run, units = data.units;
+  const warnings = data.warnings || run.warnings || [];
   const words = { finished: 'Finished', interrupted: 'Interrupted', stopped: 'Stopped by a subroutine', failed: 'Failed' };
   const badge = byId('outcome');
   badge.textContent = words[run.outcome] || run.outcome;
   badge.classList.add(run.outcome);
+  if (warnings.length) {
+    if (run.outcome === 'finished') badge.classList.replace('finished', 'warned');
+    badge.textContent += `, ${warnings.length} ${warnings.length === 1 ? 'warning' : 'warnings'}`;
+    const list = document.createElement('ul');
+    for (const text of warnings) addLine(list, 'li', text);
+    byId('warnings').append(list);
+    byId('warnings').hidden = false;
+  }
   byId('subtitle').textContent = [run.model, run.started && 'run of ' + run.started.replace('T', ' ').replace('Z', ' UTC')].filter(Boolean).join(' · ');
 
   if (run.outcome !== 'finished') {

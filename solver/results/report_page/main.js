@@ -70,6 +70,9 @@
     byId('names').onchange = () => replay.request();
     byId('paths').onchange = (e) => replay.setPaths(e.target.checked);
     byId('clear-bodies').onchange = (e) => replay.setClearBodies(e.target.checked);
+    byId('stage').addEventListener('keydown', (event) => {
+      if (event.key === '0' && event.target === byId('stage')) replay.look('fit');
+    });
     byId('picture').onclick = () => savePicture(replay.picture(), 'replay');
     byId('view').addEventListener('pointermove', (event) => {
       const box = byId('view').getBoundingClientRect(), x = event.clientX - box.left, y = event.clientY - box.top;
@@ -84,9 +87,8 @@
     replay.refresh();
   }
 
-  // The page starts at the end of the run, which shows the whole track and how a failed run ended. With `#t=1.5` in the
-  // address it starts at this time.
+  // The replay knows a moment worth seeing. With `#t=1.5` in the address the page starts at this time.
   const asked = /(?:^#|&)t=([-+.\de]+)/.exec(location.hash);
-  clock.set(asked ? Number(asked[1]) : clock.end);
+  clock.set(asked ? Number(asked[1]) : replay ? replay.opening : clock.end);
   document.body.dataset.ready = 'yes';
 })();

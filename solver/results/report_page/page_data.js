@@ -49,15 +49,26 @@ const page = (() => {
     const v = ['vx', 'vy', 'vz'].map((q) => columnByName.get(body.name + '.' + q));
     if (v.every(Boolean)) derive(body.name, 'speed', v[0].unit, (k) => Math.hypot(v[0].values[k], v[1].values[k], v[2].values[k]));
   }
-  // Reports of hulls give angles from 0 to 360 degrees, which jump when the hull is upright; the signed ones do not.
-  for (const element of data.elements.filter((e) => e.subroutine === 'qvhydro_report')) {
-    for (const quantity of ['roll', 'pitch']) {
-      const angle = columnByName.get(element.name + '.' + quantity);
-      if (angle) derive(element.name, quantity + '_signed', angle.unit, (k) => angle.values[k] > 180 ? angle.values[k] - 360 : angle.values[k]);
+  // Angles that come back into one turn jump from one end of it to the other. Here they go on instead, by whole turns,
+  // from a start within half a turn of 0. Only angles that are computed from an orientation come back: those of reports,
+  // and of the joints whose speeds are components of an angular velocity. The angle of a hinge counts its turns.
+  function unwrapped(values, turn) {
+    const whole = Float32Array.from(values);
+    let shift = 0, last = 0;
+    for (let k = 0; k < whole.length; ++k) {
+      if (!Number.isFinite(values[k])) continue;
+      shift -= turn * Math.round((values[k] + shift - last) / turn);
+      last = whole[k] = values[k] + shift;
     }
+    return whole;
+  }
+  const comesBack = (c) => data.joints.includes(c.owner) ? columnByName.has(c.owner + '.w_x') : data.elements.some((e) => e.name === c.owner);
+  for (const column of columns) {
+    const turn = { deg: 360, rad: 2 * Math.PI }[column.unit];
+    if (turn && comesBack(column)) column.values = unwrapped(column.values, turn);
   }
   const kinetic = columnByName.get('kinetic_energy'), potential = columnByName.get('potential_energy');
-  if (kinetic && potential) derive('', 'total_energy', kinetic.unit, (k) => kinetic.values[k] + potential.values[k]);
+  if (kinetic && potential) derive('', 'kinetic_and_potential_energy', kinetic.unit, (k) => kinetic.values[k] + potential.values[k]);
 
   // A number as text, with 4 digits and without trailing zeros.
   function number(value, digits = 4) {

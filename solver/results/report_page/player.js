@@ -48,6 +48,7 @@ function makePlayer() {
   }
   function step(by) {
     setRunning(false);
+    if (!page.frames) return;
     const k = page.indexAt(arrays.frame_times, clock.time);
     const inside = arrays.frame_times[k] < clock.time - 1e-9 && by < 0 ? 1 : 0;
     clock.set(arrays.frame_times[Math.min(Math.max(k + by + inside, 0), page.frames - 1)]);
@@ -57,15 +58,24 @@ function makePlayer() {
   byId('forward').onclick = () => step(1);
   scrub.oninput = () => { setRunning(false); clock.set(Number(scrub.value)); };
   document.addEventListener('keydown', (event) => {
-    if (/^(INPUT|SELECT|BUTTON|TEXTAREA|SUMMARY)$/.test(event.target.tagName) && event.target.type !== 'range') return;
-    if (event.key === ' ') setRunning(!running);
-    else if (event.key === 'ArrowLeft' && event.target !== scrub) step(-1);
-    else if (event.key === 'ArrowRight' && event.target !== scrub) step(1);
-    else return;
+    if (event.defaultPrevented || event.ctrlKey || event.altKey || event.metaKey) return;
+    const { tagName, type } = event.target, ticked = type === 'checkbox';
+    if (/^(SELECT|TEXTAREA)$/.test(tagName) || (tagName === 'INPUT' && type !== 'range' && !ticked)) return;
+    if (event.target !== scrub && type === 'range') return;
+    if (event.key === ' ') {
+      if (ticked || /^(BUTTON|SUMMARY)$/.test(tagName)) return;  // the space bar presses them
+      setRunning(!running);
+    } else if (event.key === 'ArrowLeft' || event.key === ',') step(-1);
+    else if (event.key === 'ArrowRight' || event.key === '.') step(1);
+    else if (event.key === 'Home' || event.key === 'End') {
+      setRunning(false);
+      clock.set(event.key === 'Home' ? clock.start : clock.end);
+    } else return;
     event.preventDefault();
   });
   clock.onChange((time) => {
     scrub.value = time;
+    scrub.setAttribute('aria-valuetext', time.toFixed(digits) + ' ' + page.data.units.time);
     const box = byId('clock');
     box.textContent = time.toFixed(digits) + ' ' + page.data.units.time;
     const small = document.createElement('small');

@@ -1,10 +1,9 @@
 'use strict';
 // Plots of columns over time. One plot is active, and ticks in the list of columns add to it; all plots share
-// a time span and the cursor. Needs Chart, `page` and `clock`.
+// a time span and the cursor. Needs Chart, `page`, `theme`, `curveStyle` and `clock`.
 function makePlots() {
   const { data, arrays, columns, byId, rows } = page;
-  const colors = ['#1f77b4', '#d95f02', '#2a9d55', '#8e5bb5', '#c0392b', '#7a6a53', '#e377c2', '#0f9aa8', '#a59a1f', '#5b6b7b'];
-  const charts = [];
+  const charts = [], mostCurves = 8;
   let active = null, span = null;
   if (!rows) {
     byId('no-rows').hidden = false;
@@ -13,7 +12,6 @@ function makePlots() {
   }
   Chart.defaults.font.family = getComputedStyle(document.body).fontFamily;
   Chart.defaults.font.size = 11;
-  Chart.defaults.color = '#5b6b7b';
 
   const time = arrays.row_times, timeUnit = data.units.time;
   const series = (column) => Array.from(column.values, (y, k) => ({ x: time[k], y }));
@@ -26,7 +24,7 @@ function makePlots() {
   }
   function scalesOf(chart) {
     const scales = { x: { type: 'linear', min: span ? span[0] : time[0], max: span ? span[1] : time[rows - 1] || 1, title: { display: true, text: `time [${timeUnit}]` },
-                          ticks: { maxRotation: 0, maxTicksLimit: 11, callback: (v) => page.number(v) }, grid: { color: '#eef1f5' } } };
+                          ticks: { maxRotation: 0, maxTicksLimit: 11, callback: (v) => page.number(v) }, grid: { color: theme.color('grid') } } };
     unitsOf(chart).forEach((unit, k) => {
       const [low, high] = extremes(chart.columns.filter((c) => c.unit === unit));
       // Values that are constant to single precision get a scale that starts at 0, so that rounding does not look
@@ -34,34 +32,56 @@ function makePlots() {
       const flat = high - low <= 1e-5 * Math.max(Math.abs(low), Math.abs(high));
       scales['y' + k] = { type: 'linear', position: k % 2 ? 'right' : 'left', title: { display: Boolean(unit), text: `[${unit}]` },
                           suggestedMin: flat ? Math.min(0, 1.2 * low) : undefined, suggestedMax: flat ? Math.max(0, 1.2 * high) : undefined,
-                          ticks: { callback: (v) => page.number(v), maxTicksLimit: 7 }, grid: { color: '#eef1f5', drawOnChartArea: k === 0 } };
+                          ticks: { callback: (v) => page.number(v), maxTicksLimit: 7 }, grid: { color: theme.color('grid'), drawOnChartArea: k === 0 } };
     });
     return scales;
   }
   function datasetsOf(chart) {
     const units = unitsOf(chart);
+    // Later curves are dashed where they lie on an earlier one, so they are drawn over it.
     return chart.columns.map((column, k) => ({ label: column.name, data: series(column), yAxisID: 'y' + units.indexOf(column.unit),
-      borderColor: colors[k % colors.length], borderWidth: 1.5, borderDash: k >= colors.length ? [5, 3] : [], pointRadius: rows < 3 ? 3 : 0, spanGaps: false }));
+      borderColor: chart.styles[k].color, borderWidth: 1.5, borderDash: chart.styles[k].dash, order: -k, pointRadius: rows < 3 ? 3 : 0, spanGaps: false }));
   }
   function redraw(chart) {
     if (chart.plot) chart.plot.destroy();
     chart.values = null;
+    chart.styles = curveStyle.stylesOf(chart.columns);
+    Chart.defaults.color = theme.color('soft');
     chart.title.textContent = chart.name || chart.columns.map((c) => c.name).join(', ') || 'Empty: tick columns in the list';
     chart.title.title = chart.title.textContent;
+    chart.canvas.setAttribute('aria-label', `Plot over time of ${chart.columns.map((c) => c.name).join(', ') || 'nothing yet'}`);
+    chart.close.setAttribute('aria-label', 'Remove the plot ' + chart.title.textContent);
+    chart.save.setAttribute('aria-label', 'Save the plot as PNG: ' + chart.title.textContent);
+    showShare(chart);
     chart.plot = new Chart(chart.canvas, { type: 'line', data: { datasets: datasetsOf(chart) },
       options: { animation: false, parsing: false, normalized: true, responsive: true, maintainAspectRatio: false, events: [], scales: scalesOf(chart),
                  plugins: { legend: { display: false }, tooltip: { enabled: false }, decimation: { enabled: true, algorithm: 'min-max', threshold: 2000 } } },
-      plugins: [{ id: 'cursor', afterRender: (plot) => { chart.plot = plot; showCursor(chart); } }] });
+      plugins: [curveStyle.marks(chart.styles, chart.columns, time), { id: 'cursor', afterRender: (plot) => { chart.plot = plot; showCursor(chart); } }] });
     chart.key.textContent = '';
     chart.values = chart.columns.map((column, k) => {
-      const item = document.createElement('span'), line = document.createElement('i'), value = document.createElement('b');
-      line.style.background = colors[k % colors.length];
-      item.append(line, document.createTextNode(column.name), value);
+      const item = document.createElement('span'), value = document.createElement('b');
+      item.append(curveStyle.sample(chart.styles[k]), document.createTextNode(column.name), value);
       item.title = column.name;
       chart.key.append(item);
       return value;
     });
     showCursor(chart);
+  }
+  // "8 of 13 curves", with a button for the rest, where a plot leaves some out of those that it is about.
+  function showShare(chart) {
+    const drawn = chart.about.filter((c) => chart.columns.includes(c)).length, all = chart.about.length;
+    chart.share.hidden = !(drawn < all && drawn > 0);
+    chart.share.textContent = '';
+    if (chart.share.hidden) return;
+    const more = make('button', '', 'Show all');
+    more.setAttribute('aria-label', `Show all ${all} curves of ${chart.name || 'this plot'}`);
+    more.onclick = () => {
+      chart.columns = [...chart.columns, ...chart.about.filter((c) => !chart.columns.includes(c))];
+      activate(chart);
+      redraw(chart);
+      showTicks();
+    };
+    chart.share.append(make('span', '', `${drawn} of ${all} curves; tick others in the list`), more);
   }
   function showCursor(chart) {
     const x = chart.plot && chart.plot.scales.x, area = chart.plot && chart.plot.chartArea;
@@ -109,6 +129,10 @@ function makePlots() {
       mark.hidden = true;
       from = null;
     });
+    box.addEventListener('pointercancel', () => {
+      from = null;
+      mark.hidden = true;
+    });
     box.addEventListener('dblclick', () => setSpan(null));
   }
 
@@ -118,16 +142,19 @@ function makePlots() {
     if (text) element.textContent = text;
     return element;
   };
-  function addChart(name, chosen) {
-    const chart = { name, columns: chosen, card: make('div', 'chart'), title: make('b'), key: make('div', 'key'),
+  // `about` are the columns that the plot is about, of which it draws the first ones.
+  function addChart(name, about) {
+    const chart = { name, about, columns: about.slice(0, mostCurves), card: make('div', 'chart'), title: make('b'), key: make('div', 'key'),
+                    share: make('div', 'share'), save: make('button', '', 'PNG'), close: make('button', '', '✕'),
                     canvas: make('canvas'), cursor: make('div', 'cursor'), mark: make('div', 'span') };
-    const head = make('header'), save = make('button', '', 'PNG'), close = make('button', '', '✕'), box = make('div', 'plot');
+    const head = make('header'), box = make('div', 'plot'), { save, close } = chart;
+    chart.canvas.setAttribute('role', 'img');
     save.title = 'Save the plot as PNG';
     close.title = 'Remove the plot';
     head.append(chart.title, save, close);
     box.append(chart.canvas, chart.cursor, chart.mark);
     chart.mark.hidden = true;
-    chart.card.append(head, chart.key, box);
+    chart.card.append(head, chart.share, chart.key, box);
     byId('charts').append(chart.card);
     charts.push(chart);
     chart.card.addEventListener('pointerdown', () => activate(chart));
@@ -156,11 +183,13 @@ function makePlots() {
       tick.checked = Boolean(active) && active.columns.includes(column);
       tick.parentElement.classList.toggle('here', tick.checked);
     }
+    const drawn = new Set(charts.flatMap((chart) => chart.columns)).size;
+    byId('drawn-count').textContent = `${drawn} of ${columns.length} columns are drawn, in ${charts.length} ${charts.length === 1 ? 'plot' : 'plots'}.`;
   }
   function toggle(column, on) {
     if (!active) activate(addChart('', []));
     active.columns = on ? [...active.columns, column] : active.columns.filter((c) => c !== column);
-    active.name = '';
+    if (!active.about.includes(column)) active.name = '';
     redraw(active);
     showTicks();
   }
@@ -206,10 +235,7 @@ function makePlots() {
   function firstCharts() {
     const upName = 'xyz'[data.up.axis];
     const changes = (c) => c.values.some((v) => Number.isFinite(v) && v !== 0);
-    const same = (a, b) => a.unit === b.unit && a.values.every((v, k) => v === b.values[k]);
-    // A sum over one element repeats its column, so equal columns are shown once.
-    const owned = (kind, test, most = 8) => columns.filter((c) => kindOf(c.owner) === kind && test(c)).reduce(
-      (chosen, c) => kind === 'element' && chosen.some((other) => same(other, c)) ? chosen : [...chosen, c], []).slice(0, most);
+    const owned = (kind, test) => columns.filter((c) => kindOf(c.owner) === kind && test(c));
     const runs = (owner, subroutine) => data.elements.some((e) => e.name === owner && subroutine.test(e.subroutine));
     const isAfloat = (owner) => runs(owner, /^qvhydro_/);
     const force = (c) => /^force_[xyz]$/.test(c.quantity) && !runs(c.owner, /^qvhydro_report$/) && changes(c);
@@ -217,7 +243,7 @@ function makePlots() {
       ['Height of bodies', owned('body', (c) => c.quantity === upName)],
       ['Speed of bodies', owned('body', (c) => c.quantity === 'speed')],
       ['Vertical force of elements', owned('element', (c) => force(c) && c.quantity === 'force_' + upName)],
-      ['Roll and pitch', owned('element', (c) => /^(roll|pitch)_signed$/.test(c.quantity))],
+      ['Roll and pitch', owned('element', (c) => runs(c.owner, /^qvhydro_report$/) && /^(roll|pitch)$/.test(c.quantity))],
       ['Height of check points over the water frame', owned('element', (c) => isAfloat(c.owner) && /^point_\d+_height$/.test(c.quantity))],
       ['Submerged volume', owned('element', (c) => c.quantity === 'submerged_volume' && changes(c))],
       ['Horizontal force of elements', owned('element', (c) => force(c) && c.quantity !== 'force_' + upName)],
@@ -226,11 +252,11 @@ function makePlots() {
     ];
     for (const [name, chosen] of wanted) if (chosen.length) addChart(name, chosen);
     // Each element that reports something else gets one plot, of the columns with its most frequent unit.
-    const others = owned('element', (c) => !/^(force|torque|moment)_|area/.test(c.quantity) && !isAfloat(c.owner) && changes(c), 64);
+    const others = owned('element', (c) => !/^(force|torque|moment)_|area/.test(c.quantity) && !isAfloat(c.owner) && changes(c));
     for (const owner of [...new Set(others.map((c) => c.owner))].slice(0, 4)) {
       const mine = others.filter((c) => c.owner === owner), count = (unit) => mine.filter((c) => c.unit === unit).length;
       const unit = mine.map((c) => c.unit).reduce((best, next) => count(next) > count(best) ? next : best);
-      addChart(owner, mine.filter((c) => c.unit === unit).slice(0, 8));
+      addChart(owner, mine.filter((c) => c.unit === unit));
     }
     if (!charts.length && columns.length) addChart('', columns.slice(0, 1));
     activate(charts[0]);
@@ -243,6 +269,7 @@ function makePlots() {
   };
   byId('reset-range').onclick = () => setSpan(null);
   clock.onChange(() => charts.forEach(showCursor));
+  theme.onChange(() => charts.forEach(redraw));
 }
 
 function savePicture(url, name) {

@@ -1,6 +1,6 @@
 'use strict';
 // The 3D picture of the run at a time: bodies, ground, hulls and water, contact points and forces. Needs THREE,
-// `page`, `colorMap`, `bodyShapes` and the makers of camera, terrain and hulls. Throws if the browser has no WebGL.
+// `page`, `theme`, `colorMap`, `bodyShapes` and the makers of camera, labels, terrain and hulls. Throws if the browser has no WebGL.
 function makeReplay() {
   const { data, arrays, byId } = page;
   const stage = byId('stage'), canvas = byId('view');
@@ -12,7 +12,7 @@ function makeReplay() {
   renderer.setPixelRatio(Math.min(window.devicePixelRatio || 1, 2));
   renderer.setClearColor(0x000000, 0);
   const scene = new THREE.Scene();
-  const orbit = makeOrbitCamera(canvas, up, request);
+  const orbit = makeOrbitCamera(stage, canvas, up, request);
   const state = { frame: 0, time: 0, follow: 'free', pointColor: 'depth', pointRange: 'run', arrows: false,
                   resultants: true, arrowScale: 1 };
 
@@ -28,12 +28,16 @@ function makeReplay() {
     for (let b = 0; b < bodies; ++b) sum.add(placeOf(frame, b, p));
     return sum.divideScalar(Math.max(bodies, 1));
   }
-  function spread(frame) {
-    const middle = centroid(frame), p = new THREE.Vector3();
+  // How far the bodies reach from their middle, with the places that `place` gives.
+  function radiusOf(place) {
+    const middle = new THREE.Vector3(), p = new THREE.Vector3();
+    for (let b = 0; b < bodies; ++b) middle.add(place(b, p));
+    middle.divideScalar(Math.max(bodies, 1));
     let most = 0;
-    for (let b = 0; b < bodies; ++b) most = Math.max(most, placeOf(frame, b, p).distanceTo(middle) + reach[b] || 0);
+    for (let b = 0; b < bodies; ++b) most = Math.max(most, place(b, p).distanceTo(middle) + reach[b] || 0);
     return most;
   }
+  const spread = (frame) => radiusOf((b, p) => placeOf(frame, b, p));
   let widest = 0;
   const bounds = new THREE.Box3();
   for (let k = 0; k < page.frames; ++k) {
@@ -83,7 +87,15 @@ function makeReplay() {
   const sun = new THREE.DirectionalLight(0xffffff, 0.52);
   scene.add(sun, sun.target);
   if (terrain) scene.add(terrain.mesh);
-  else if (!afloat || !afloat.hasSheet) scene.add(makeFloor());
+  else if (!afloat || !afloat.hasSheet) {
+    let floor = makeFloor();
+    scene.add(floor);
+    theme.onChange(() => {
+      scene.remove(floor);
+      scene.add(floor = makeFloor());
+      request();
+    });
+  }
 
   // A grid under the lowest place of the run, for a model without a terrain.
   function makeFloor() {
@@ -91,7 +103,7 @@ function makeReplay() {
     size.setComponent(data.up.axis, 0);
     const step = page.niceStep(Math.max(size.length(), 4 * largest, 1e-6) / 12);
     const lines = 2 * Math.ceil(Math.max(size.length(), 6 * largest, step) * 0.9 / step);
-    const floor = new THREE.GridHelper(lines * step, lines, 0x8795a3, 0xc3ccd5);
+    const floor = new THREE.GridHelper(lines * step, lines, theme.isDark() ? 0x66747f : 0x8795a3, theme.isDark() ? 0x38444f : 0xc3ccd5);
     floor.quaternion.setFromUnitVectors(new THREE.Vector3(0, 1, 0), up);
     bounds.getCenter(floor.position);
     const edge = data.up.sign > 0 ? bounds.min : bounds.max;
@@ -150,22 +162,14 @@ function makeReplay() {
   });
 
   // --- names ---------------------------------------------------------------------------------------------------
-  const names = data.bodies.map((b, k) => {
-    const label = document.createElement('span');
-    label.textContent = b.name;
-    label.style.color = bodyShapes.colors[k % bodyShapes.colors.length];
-    byId('labels').append(label);
-    return label;
-  });
+  const labels = makeLabels(byId('labels'), data.bodies.map((b, k) => ({ text: b.name, color: bodyShapes.colors[k % bodyShapes.colors.length] })));
   function showNames(shown) {
-    names.forEach((label, b) => {
-      const p = shapes[b].position.clone().addScaledVector(up, reach[b] * 1.12).project(orbit.camera);
-      const inside = shown && p.z < 1 && Math.abs(p.x) < 1 && Math.abs(p.y) < 1;
-      label.hidden = !inside;
-      if (!inside) return;
-      const x = (p.x + 1) / 2 * canvas.clientWidth, y = (1 - p.y) / 2 * canvas.clientHeight;
-      label.style.transform = `translate(${x.toFixed(1)}px, ${y.toFixed(1)}px) translate(-50%, -115%)`;
-    });
+    const { clientWidth, clientHeight } = canvas;
+    labels.place(shown ? shapes.map((shape, b) => {
+      const p = shape.position.clone().addScaledVector(up, reach[b] * 1.12).project(orbit.camera);
+      const inside = p.z < 1 && Math.abs(p.x) < 1 && Math.abs(p.y) < 1;
+      return inside ? { x: (p.x + 1) / 2 * clientWidth, y: (1 - p.y) / 2 * clientHeight, depth: p.z } : null;
+    }) : [], clientWidth);
   }
 
   // --- one moment ----------------------------------------------------------------------------------------------
@@ -229,7 +233,7 @@ function makeReplay() {
     const box = byId('legends');
     box.textContent = '';
     const kind = state.pointColor, tracked = byId('terrain-color').value === 'trace' && terrain && terrain.hasTrack;
-    if (afloat && afloat.isPainted()) box.append(colorMap.key('Patches of the hulls', [[afloatColors.wet, 'under water'], [afloatColors.dry, 'above it']]));
+    if (afloat && afloat.isPainted()) box.append(colorMap.key('Hulls', [[afloatColors.wet, 'under water'], [afloatColors.dry, 'above it']]));
     if (pointCount && kind !== 'none') {
       const same = kind === 'depth' && state.pointRange === 'run' && tracked;
       box.append(colorMap.legend(pointTitle[kind][0] + (same ? ', points and track' : ''), 'viridis', 0, top || runMost[kind], pointTitle[kind][1]));
@@ -245,12 +249,17 @@ function makeReplay() {
     if (state.follow !== 'all') return shapes[Number(state.follow)].position.clone();
     return shapes.reduce((sum, shape) => sum.add(shape.position), new THREE.Vector3()).divideScalar(bodies);
   }
-  let last = null;
+  // All bodies keep the room that they take in the picture when they scatter or gather.
+  const radiusNow = () => radiusOf((b, p) => p.copy(shapes[b].position));
+  let last = null, lastRadius = 0;
   function follow() {
     const now = followed();
     if (now && !finite(now)) return;
     if (now && last) orbit.target.add(now.clone().sub(last));
     last = now;
+    const radius = state.follow === 'all' ? radiusNow() : 0;
+    if (radius > 0 && lastRadius > 0) orbit.distance *= radius / lastRadius;
+    lastRadius = radius;
   }
   const distanceFor = (radius) => {
     const half = orbit.camera.fov * Math.PI / 360, aspect = Math.min(1, canvas.clientWidth / Math.max(canvas.clientHeight, 1));
@@ -260,13 +269,14 @@ function makeReplay() {
     const now = followed();
     if (now && finite(now)) {
       orbit.target.copy(now);
-      const radius = state.follow === 'all' ? widest : reach[Number(state.follow)] || axisSize;
+      const radius = state.follow === 'all' ? radiusNow() : reach[Number(state.follow)] || axisSize;
       orbit.distance = distanceFor((afloat ? 3 : 2.1) * radius);  // around something afloat the water is shown too
     } else {
       bounds.getCenter(orbit.target);
       orbit.distance = distanceFor(0.62 * bounds.getSize(new THREE.Vector3()).length() + 0.3 * largest);
     }
     last = now && finite(now) ? now : null;
+    lastRadius = last && state.follow === 'all' ? radiusNow() : 0;
   }
   const views = { front: [-Math.PI / 2, 0.06], side: [0, 0.06], top: [-Math.PI / 2, 1.55], iso: [-1.05, 0.42] };
   function look(view) {
@@ -343,10 +353,24 @@ function makeReplay() {
   // A new size empties the canvas, so the picture is drawn again at once.
   new ResizeObserver(() => { resize(); draw(); }).observe(stage);
   resize();
-  state.follow = travel > 1.2 * widest && bodies ? (bodies === 1 ? '0' : 'all') : 'free';
-  show(arrays.frame_times[0]);
+  // Bodies that would be dots in a picture of their whole way are followed.
+  const wholeWay = 0.62 * bounds.getSize(new THREE.Vector3()).length();
+  const far = travel > 1.2 * widest || (!afloat && !terrain && largest > 0 && largest < 0.04 * wholeWay);
+  state.follow = far && bodies ? (bodies === 1 ? '0' : 'all') : 'free';
+
+  // The moment at which the page opens: the end, which shows the whole track and how a failed run ended. Bodies that
+  // have scattered by then, so that they are dots, are shown at the last moment at which they are none.
+  function openingTime() {
+    const end = page.frames - 1, largeEnough = (frame) => largest >= 0.1 * spread(frame);
+    if (data.run.outcome !== 'finished' || state.follow !== 'all' || !(largest > 0) || terrain || largeEnough(end)) return clock.end;
+    let best = 0;
+    for (let k = 0; k <= end; ++k) if (largeEnough(k) || spread(k) < spread(best)) best = k;
+    return arrays.frame_times[best];
+  }
+  const opening = openingTime();
+  show(opening);
   fit();
-  return { show, set, look, refresh, request, describe, picture, terrain, afloat, state, hasPoints: pointCount > 0, hasLoads: loads > 0 && loadMost > 0,
+  return { show, opening, set, look, refresh, request, describe, picture, terrain, afloat, state, hasPoints: pointCount > 0, hasLoads: loads > 0 && loadMost > 0,
            setPaths: (shown) => { paths.forEach((line) => { line.visible = shown; }); request(); },
            setClearBodies: (clear) => {
              shapes.forEach(({ material }) => { if (material && material.color) Object.assign(material, { transparent: clear, opacity: clear ? 0.35 : 1, depthWrite: !clear, needsUpdate: true }); });

@@ -70,5 +70,5 @@ wanted=no
 if grep -q '^type = "hull"' model.toml; then wanted=yes; fi
 [ "$(value water)" = "$wanted" ] || fail "water in the 3D view: $(value water), not $wanted"
 [ "$(value states)" = "$states" ] || fail "variables and equations in the list: '$(value states)', not '$states'"
-[ "$(value energies)" = "kinetic_energy potential_energy total_energy" ] || fail "energies in the list: $(value energies)"
+[ "$(value energies)" = "kinetic_energy potential_energy kinetic_and_potential_energy" ] || fail "energies in the list: $(value energies)"
 echo "3D view: $view colours; plots: $plots or more"
