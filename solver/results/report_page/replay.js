@@ -270,7 +270,7 @@ function makeReplay() {
     if (now && finite(now)) {
       orbit.target.copy(now);
       const radius = state.follow === 'all' ? radiusNow() : reach[Number(state.follow)] || axisSize;
-      orbit.distance = distanceFor((afloat ? 3 : 2.1) * radius);  // around something afloat the water is shown too
+      orbit.distance = distanceFor((afloat ? 3 : terrain || state.follow !== 'all' ? 2.1 : 1.3) * radius);  // around something afloat the water is shown too
     } else {
       bounds.getCenter(orbit.target);
       orbit.distance = distanceFor(0.62 * bounds.getSize(new THREE.Vector3()).length() + 0.3 * largest);
