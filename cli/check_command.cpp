@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/check_other.h"
 #include "cli/check_water.h"
 #include "cli/commands.h"
 #include "cli/default_paths.h"
@@ -112,6 +113,7 @@ qvslv::Findings check_model(const FileRequest& request, bool describe) {
 int check(const FileRequest& request) {
   const std::string ending = ending_of(request.file);
   const bool describe = !request.json;
+  if (is_other_file(request.file)) return check_other(request.file, request.json);
   qvslv::Findings findings = ending == ".rdf"       ? check_road(request.file, describe)
                              : ending == ".wave"    ? check_wave(request.file, describe)
                              : ending == ".current" ? check_current(request.file, describe)

@@ -31,6 +31,7 @@ void hint_at_command(int argc, char** argv) {
 int command_line(int argc, char** argv) {
   CLI::App app("Stand-alone solver for user subroutines on deformable soil and in water.", "qvbrisk");
   app.require_subcommand(1);
+  app.set_version_flag("--version", "qvbrisk " QVBRISK_VERSION);
   app.footer(
       "Exit codes: 0 done, 1 fault in the run, 2 bad input, 3 stopped by a subroutine, 130 interrupted (ctrl-C, "
       "SIGTERM).");

@@ -1,9 +1,11 @@
 #include "cli/progress_line.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <utility>
+#include <vector>
 
 namespace qvcli {
 
@@ -21,17 +23,50 @@ std::string duration(double seconds) {
   return text;
 }
 
+template <class... Values>
+std::string formatted(const char* format, Values... values) {
+  char text[120];
+  std::snprintf(text, sizeof text, format, values...);
+  return text;
+}
+
+/// A piece of the line; pieces of a low rank are kept longest.
+struct Piece {
+  int rank;
+  std::string text;
+};
+
+std::string joined(const std::vector<Piece>& pieces, int most) {
+  std::string text;
+  for (const Piece& piece : pieces)
+    if (piece.rank <= most) text += (text.empty() ? "" : "   ") + piece.text;
+  return text;
+}
+
+/// Characters that fit into a line of standard error without a wrap: the cursor needs the last one.
+size_t terminal_width() {
+  winsize size = {};
+  const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col - 1U : 79U;
+}
+
 }  // namespace
 
-std::string progress_text(const qvslv::Progress& progress, const std::string& time_unit) {
-  char head[120];
+std::string progress_text(const qvslv::Progress& progress, const std::string& time_unit, size_t width) {
+  const char* unit = time_unit.c_str();
   const double share = progress.end_time > 0 ? progress.time / progress.end_time : 0;
-  std::snprintf(head, sizeof head, "%7.3f / %g %s  %3.0f %%   step %.2g %s", progress.time, progress.end_time,
-                time_unit.c_str(), 100 * share, progress.step, time_unit.c_str());
-  if (!(share > 0 && progress.wall_seconds > 0)) return head;
-  char tail[60];
-  std::snprintf(tail, sizeof tail, "   %.2g x real time   ", progress.time / progress.wall_seconds);
-  return std::string(head) + tail + duration(progress.wall_seconds * (1 - share) / share) + " left";
+  std::vector<Piece> pieces = {{2, formatted("%7.3f / %g %s", progress.time, progress.end_time, unit)},
+                               {0, formatted("%3.0f %%", 100 * share)},
+                               {3, formatted("step %.2g %s", progress.step, unit)}};
+  if (share > 0 && progress.wall_seconds > 0) {
+    pieces.push_back({4, formatted("%.2g x real time", progress.time / progress.wall_seconds)});
+    pieces.push_back({1, duration(progress.wall_seconds * (1 - share) / share) + " left"});
+  }
+  for (int most = 4; most > 0; --most) {
+    std::string text = joined(pieces, most);
+    if (text.size() <= width) return text;
+  }
+  return joined(pieces, 0).substr(0, width);
 }
 
 ProgressLine::ProgressLine(bool wanted, std::string time_unit)
@@ -41,7 +76,7 @@ void ProgressLine::show(const qvslv::Progress& progress) {
   constexpr double k_interval = 0.1;  // [s]
   if (!m_on || progress.wall_seconds < m_next) return;
   m_next = progress.wall_seconds + k_interval;
-  std::fprintf(stderr, "\r\033[K%s", progress_text(progress, m_time_unit).c_str());
+  std::fprintf(stderr, "\r\033[K%s", progress_text(progress, m_time_unit, terminal_width()).c_str());
   std::fflush(stderr);
   m_shown = true;
 }

@@ -5,6 +5,7 @@
 
 #include "solver/model/expression_names.h"
 #include "solver/model/expression_parser.h"
+#include "solver/model/quotation.h"
 
 namespace qvslv {
 
@@ -39,23 +40,26 @@ void refuse_assignment(const Expression& expression) {
     const bool before = i + 1 < text.size() && text[i + 1] == '=';
     if (behind || before) continue;
     throw ModelError(expression.at,
-                     "in the expression \"" + text + "\": nothing can be assigned to, not even `t`; equality is ==");
+                     in_expression(text, i) + "nothing can be assigned to, not even `t`; equality is ==");
   }
 }
 
 void evaluate_once(mu::Parser& parser, const Expression& shown) {
   parser.Eval();
   if (parser.GetNumResults() == 1) return;
-  throw ModelError(shown.at, "in the expression \"" + shown.text + "\": one value is needed, not " +
+  throw ModelError(shown.at, in_expression(shown.text, shown.text.find(',')) + "one value is needed, not " +
                                  std::to_string(parser.GetNumResults()) + " separated by commas");
 }
 
-std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token) {
+std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token,
+                             int place) {
   std::string said = message;
   while (!said.empty() && (said.back() == '\n' || said.back() == '.')) said.pop_back();
   if (said.rfind("Internal error", 0) == 0) said = "this is no whole expression";  // of the parser, for a lone sign
-  std::string text = "in the expression \"" + expression + "\": " + said;
-  if (!token.empty() && said.find(token) == std::string::npos) text += " (at \"" + token + "\")";
+  const size_t quoted = token.empty() ? std::string::npos : said.find(token);
+  if (quoted != std::string::npos) said.replace(quoted, token.size(), quotation(token));
+  std::string text = in_expression(expression, place < 0 ? 0 : static_cast<size_t>(place)) + said;
+  if (!token.empty() && quoted == std::string::npos) text += " (at \"" + quotation(token) + "\")";
   return text;
 }
 
@@ -75,7 +79,8 @@ CompiledExpression::CompiledExpression(const Expression& expression) : m_compile
     evaluate_once(parser, expression);
     m_compiled->constant = parser.GetUsedVar().empty();
   } catch (const mu::Parser::exception_type& error) {
-    throw ModelError(expression.at, parser_complaint(expression.text, error.GetMsg(), error.GetToken()));
+    throw ModelError(expression.at, parser_complaint(expression.text, error.GetMsg(), error.GetToken(),
+                                                     static_cast<int>(error.GetPos())));
   }
 }
 

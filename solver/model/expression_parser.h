@@ -21,6 +21,8 @@ void refuse_assignment(const Expression& expression);
 void evaluate_once(mu::Parser& parser, const Expression& shown);
 
 /// "in the expression "...": what the parser says", without its full stop.
-std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token);
+/// @param place  of the fault in the expression; negative if the parser does not know it
+std::string parser_complaint(const std::string& expression, const std::string& message, const std::string& token,
+                             int place);
 
 }  // namespace qvslv

@@ -7,6 +7,7 @@
 
 #include "solver/model/expression_parser.h"
 #include "solver/model/nearest_name.h"
+#include "solver/model/quotation.h"
 
 namespace qvslv {
 
@@ -112,7 +113,7 @@ public:
 
 private:
   [[noreturn]] void fail(const std::string& why) const {
-    throw ModelError(m_expression.at, "in the expression \"" + m_text + "\": " + why);
+    throw ModelError(m_expression.at, in_expression(m_text, m_at) + why);
   }
 
   /// A name such as `left-wheel` parses as a subtraction. If the text here matches such a name, says so instead of
@@ -172,7 +173,7 @@ private:
       for (const auto& [parameter, value] : *m_expression.parameters) known.push_back(parameter);
     }
     known.insert(known.end(), {"t", "pi"});
-    const std::string what = "'" + name + "' is no variable, equation, parameter or constant";
+    const std::string what = "'" + quotation(name) + "' is no variable, equation, parameter or constant";
     if (index_of(m_model.markers, name) != k_none) {
       fail(what + "; it is a marker or body, of which dx(" + name + "), vx(" + name + ") and the like are numbers");
     }
@@ -187,7 +188,7 @@ private:
     if (name == "spline") return read_spline(first, arguments);
     static const std::vector<std::string> s_known = function_names();
     if (std::find(s_known.begin(), s_known.end(), name) == s_known.end()) {
-      fail("there is no function '" + name + "'; " + name_hint(name, s_known));
+      fail("there is no function '" + quotation(name) + "'; " + name_hint(name, s_known));
     }
   }
 
@@ -259,8 +260,8 @@ private:
     if (index != k_none) {
       fail("the name '" + name + "' cannot stand in an expression; there names consist of letters, digits and _");
     }
-    fail(function + " needs the name of " + (kind[0] == 'e' ? "an " : "a ") + kind + "; '" + name + "' is none, " +
-         name_hint(name, known));
+    fail(function + " needs the name of " + (kind[0] == 'e' ? "an " : "a ") + kind + "; '" + quotation(name) +
+         "' is none, " + name_hint(name, known));
   }
 
   std::string trimmed(size_t from, size_t to) const {

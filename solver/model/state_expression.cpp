@@ -69,7 +69,8 @@ StateExpression::StateExpression(const Expression& expression, const ExpressionS
     m_compiled->constant_value = parser.Eval();  // GetUsedVar threw the compiled code away; this compiles again
   } catch (const mu::Parser::exception_type& error) {
     throw ModelError(expression.at, parser_complaint(expression.text, in_authors_words(error.GetMsg(), translated),
-                                                     in_authors_words(error.GetToken(), translated)));
+                                                     in_authors_words(error.GetToken(), translated),
+                                                     static_cast<int>(error.GetPos())));
   }
 }
 

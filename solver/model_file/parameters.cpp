@@ -7,6 +7,7 @@
 #include "solver/model/expression.h"
 #include "solver/model/expression_names.h"
 #include "solver/model/nearest_name.h"
+#include "solver/model/quotation.h"
 
 namespace qvslv {
 
@@ -130,8 +131,8 @@ void Parameters::unknown_name(const std::string& name, const std::string& text, 
   } else if (!parameters.empty()) {
     hint = "parameters: " + listed(parameters);
   }
-  throw ModelError(at,
-                   "in the expression \"" + text + "\": '" + name + "' is no parameter, constant or function; " + hint);
+  throw ModelError(at, in_expression(text, text.find(name)) + "'" + quotation(name) +
+                           "' is no parameter, constant or function; " + hint);
 }
 
 Expression Parameters::expression(const std::string& text, const FilePosition& at) const {
@@ -159,11 +160,9 @@ void Parameters::check_name_is_free(const std::string& name, const std::string& 
 double Parameters::number(const std::string& text, const FilePosition& at) const {
   const CompiledExpression compiled(expression(text, at));
   if (!compiled.constant())
-    throw ModelError(at,
-                     "in the expression \"" + text + "\": a number is expected here, it cannot depend on the time t");
+    throw ModelError(at, in_expression(text) + "a number is expected here, it cannot depend on the time t");
   const double value = compiled(0.0);
-  if (!std::isfinite(value))
-    throw ModelError(at, "in the expression \"" + text + "\": the value is not a finite number");
+  if (!std::isfinite(value)) throw ModelError(at, in_expression(text) + "the value is not a finite number");
   return value;
 }
 

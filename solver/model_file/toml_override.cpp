@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "solver/model/nearest_name.h"
+#include "solver/model/quotation.h"
 
 namespace qvslv {
 
@@ -79,16 +80,25 @@ Value& list_entry(Value& list, const std::string& part, const std::string& so_fa
                            name_hint(part, keys));
 }
 
+/// A single word that only the parameters know is most often meant as one of them.
+void check_top_key(const Value& document, const std::string& key, const FilePosition& at) {
+  if (document.find(key) != nullptr) return;
+  const Value* parameters = document.find("parameters");
+  if (parameters != nullptr && parameters->find(key) != nullptr)
+    throw ModelError(at, "there is no '" + key + "' in the model file; did you mean 'parameters." + key + "'?");
+}
+
 }  // namespace
 
 void apply_override(Value& document, const std::string& option) {
-  const FilePosition at{"--set " + option, 0, 0};
+  const FilePosition at{"--set " + quotation(option), 0, 0};
   const size_t equals = option.find('=');
   if (equals == std::string::npos) throw ModelError(at, "key=value is expected, for instance simulation.end_time=2");
   const std::vector<std::string> parts = path_parts(option.substr(0, equals));
   if (std::any_of(parts.begin(), parts.end(), [](const std::string& part) { return part.empty(); }))
     throw ModelError(at, "a part of the key is empty");
 
+  if (parts.size() == 1) check_top_key(document, parts[0], at);
   Value* here = &document;
   std::string so_far;
   for (size_t i = 0; i + 1 < parts.size(); ++i) {

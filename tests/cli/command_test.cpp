@@ -66,6 +66,14 @@ TEST(Command, NothingIsSaidOnProgressWhenTheOutputIsNoTerminal) {
   EXPECT_EQ(run_command({"run", "press.toml"}, folder).err, "");
 }
 
+TEST(Command, VersionIsAWordAndAFlag) {
+  const fs::path folder = fresh_folder();
+  const CommandResult flag = run_command({"--version"}, folder);
+  EXPECT_EQ(flag.code, 0);
+  EXPECT_THAT(flag.out, StartsWith("qvbrisk "));
+  EXPECT_EQ(flag.out, run_command({"version"}, folder).out);
+}
+
 TEST(Command, QuietRunSaysNothing) {
   const fs::path folder = folder_with_model();
   const CommandResult result = run_command({"run", "press.toml", "--quiet"}, folder);

@@ -51,6 +51,15 @@ TEST(Override, ReachesDeepTables) {
 
 TEST(Override, ValueMayHoldAnEqualsSign) { EXPECT_EQ(read({"string.note.text=\"a=b\""}).model.strings[0].text, "a=b"); }
 
+TEST(Override, SuggestsTheParameterThatASingleWordMeans) {
+  try {
+    read({"m0=5"});
+    FAIL() << "m0 is no key of a model file";
+  } catch (const qvslv::ModelError& error) {
+    EXPECT_STREQ(error.what(), "--set m0=5: there is no 'm0' in the model file; did you mean 'parameters.m0'?");
+  }
+}
+
 TEST(Override, QuotesKeepAPartWithADotTogether) {
   EXPECT_THROW(read({"body.\"ba.ll\".mass=1"}), qvslv::ModelError);
   EXPECT_DOUBLE_EQ(read({"body.\"ball\".mass=1"}).model.bodies[2].mass, 1.0);
