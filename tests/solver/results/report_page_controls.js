@@ -87,6 +87,11 @@ addEventListener('error', (event) => { document.body.dataset.error = event.messa
     };
     image.src = pictures.pop();
   }
+  // Nothing reaches over the edge of what holds it.
+  const right = (part) => part.getBoundingClientRect().right;
+  said.width = innerWidth;
+  said.sideways = document.documentElement.scrollWidth > innerWidth ? 'page' : plots().some((plot) => right(plot.querySelector('canvas')) > right(plot)) ? 'plot' : 'no';
   said.ground = getComputedStyle(document.documentElement).backgroundColor;
   said.grid = Chart.getChart(document.querySelector('.plot canvas')).options.scales.x.grid.color;
+  if (parent !== window) parent.postMessage({ ...said }, '*');
 })();

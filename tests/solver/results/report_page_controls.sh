@@ -18,16 +18,32 @@ cd "$folder"
 cp "$box" box.toml
 "$command" run box.toml --out box --quiet
 
-# open <page> [option of the browser]: what the probe says of a page.
-open() {
+# with_probe <page>: the page with the probe in it, as probed.html.
+with_probe() {
   awk -v file="$probe" '{ if ($0 == "</body>") { print "<script>"; while ((getline line < file) > 0) print line; print "</script>" } print }' \
     "$1" > probed.html
+}
+# browse <page> [option of the browser]: what the probe says.
+browse() {
   rm -rf profile
   "$browser" --headless --no-sandbox --disable-gpu --use-angle=swiftshader --enable-unsafe-swiftshader --disable-quic \
     --no-first-run --disable-background-networking --disable-component-update --disable-sync \
     --user-data-dir="$folder/profile" --window-size=1400,1000 --virtual-time-budget=10000 ${2:+"$2"} \
-    --dump-dom "file://$folder/probed.html" > dom.html 2> log.txt
+    --dump-dom "file://$folder/$1" > dom.html 2> log.txt
   body=$(grep -o '<body[^>]*>' dom.html | head -n 1)
+}
+open() {
+  with_probe "$1"
+  browse probed.html "${2:-}"
+}
+# A headless window is never as narrow as a phone, a frame in it is.
+open_on_a_phone() {
+  with_probe "$1"
+  cat > phone.html <<'EOF'
+<!DOCTYPE html><body><iframe src="probed.html" width="390" height="844"></iframe>
+<script>addEventListener("message", (event) => Object.assign(document.body.dataset, event.data));</script></body>
+EOF
+  browse phone.html
 }
 value() { echo "$body" | sed -n "s/.* data-$1=\"\([^\"]*\)\".*/\1/p"; }
 expect() {
@@ -55,7 +71,13 @@ expect touch "pan-y pan-y pan-y"
 expect overlaps 0
 expect ground "rgb(243, 245, 248)"
 [ "$(value labels)" -ge 10 ] || { echo "names shown: $(value labels)"; failed=yes; }
+expect sideways no
 light=$(value grid)
+
+open_on_a_phone balls/report.html
+expect width 390
+expect sideways no
+expect overlaps 0
 
 open balls/report.html --blink-settings=preferredColorScheme=0
 expect ground "rgb(18, 24, 31)"
