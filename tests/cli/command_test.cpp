@@ -74,6 +74,21 @@ TEST(Command, VersionIsAWordAndAFlag) {
   EXPECT_EQ(flag.out, run_command({"version"}, folder).out);
 }
 
+TEST(Command, MistakesInASetAreToldInALine) {
+  const fs::path folder = fresh_folder();
+  write_text(folder / "press.toml", k_model + "[parameters]\nload = 3\n");
+  const auto refusal = [&folder](const std::string& option) {
+    const CommandResult result = run_command({"check", "press.toml", "--set", option}, folder);
+    EXPECT_EQ(result.code, 2) << option;
+    return result.err;
+  };
+  EXPECT_THAT(refusal("load=5"), HasSubstr("there is no 'load' in the model file; did you mean 'parameters.load'?"));
+  EXPECT_THAT(refusal("parameters.load=5*\r"), AllOf(Not(HasSubstr("\r")), HasSubstr("in the expression \"5*\\r\": ")));
+  std::string sum = "1";
+  for (int k = 0; k < 500; ++k) sum += "+load";
+  EXPECT_LT(refusal("body.plate.mass=" + sum + "+lod").size(), 320u);
+}
+
 TEST(Command, QuietRunSaysNothing) {
   const fs::path folder = folder_with_model();
   const CommandResult result = run_command({"run", "press.toml", "--quiet"}, folder);
