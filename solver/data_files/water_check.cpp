@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
+#include "solver/data_files/made_line.h"
 #include "solver/data_files/table_tokens.h"
 #include "solver/data_files/wave_reading.h"
 #include "solver/model/number_text.h"
@@ -131,6 +133,10 @@ CurrentCheck check_current(const std::string& text) {
   return check;
 }
 
+void note_tampering(const std::optional<Tampering>& tampering, Findings& found) {
+  if (tampering) found.push_back(warning("made-file-changed", tampering->line, tampering_text(*tampering)));
+}
+
 template <class Check>
 Check with_path(Check check, const std::string& path) {
   for (Finding& finding : check.found) finding.at.file = path;
@@ -140,11 +146,15 @@ Check with_path(Check check, const std::string& path) {
 }  // namespace
 
 WaveCheck check_wave_text(const std::string& text, const std::string& path) {
-  return with_path(check_wave(text), path);
+  WaveCheck check = check_wave(text);
+  note_tampering(find_tampering_in_wave(text), check.found);
+  return with_path(std::move(check), path);
 }
 
 CurrentCheck check_current_text(const std::string& text, const std::string& path) {
-  return with_path(check_current(text), path);
+  CurrentCheck check = check_current(text);
+  note_tampering(find_tampering_in_current(text), check.found);
+  return with_path(std::move(check), path);
 }
 
 }  // namespace qvslv
