@@ -4,8 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "solver/data_files/find_data_file.h"
-#include "solver/data_files/road_check.h"
+#include "solver/checks/checks.h"
 #include "solver/elements/kinds.h"
 #include "solver/model/check_expressions.h"
 #include "solver/model_file/document_json.h"
@@ -46,35 +45,6 @@ void read_root(const Value& document, Reading& reading) {
   check_expressions(model);
 }
 
-/// Is it made for this model? Such a file is whole, or will be.
-bool is_described(const InputFile& input, const ModelFile& file) {
-  for (const RoadRecipe& road : file.roads)
-    if (road.path == input.path) return true;
-  return false;
-}
-
-/// Tells what the library's reader would refuse or silently misunderstand in the road files that are there already.
-void check_roads(ModelFile& file) {
-  for (const InputFile& input : file.inputs) {
-    if (input.role != "road" || is_described(input, file)) continue;
-    const Findings found = check_road_file(input.path, &file.model.units).found;
-    file.findings.insert(file.findings.end(), found.begin(), found.end());
-  }
-}
-
-/// Tells when a file beside the model has the name of one that a table describes: it is not the one that is used.
-template <class Recipe>
-void check_files_beside(const std::vector<Recipe>& recipes, ModelFile& file) {
-  for (const Recipe& recipe : recipes) {
-    const std::string beside = find_data_file(recipe.file, file.model.path);
-    if (beside.empty() || made_file_state(beside, recipe.settings) != MadeFileState::foreign) continue;
-    file.findings.push_back(finding_in(file.model.path, 0, Level::warning, "file-beside-table",
-                                       "the file '" + recipe.file +
-                                           "' beside the model is not used: a table of this name describes one, which "
-                                           "is made; to use the file, take the table out"));
-  }
-}
-
 std::string file_text(const std::string& path) {
   constexpr std::uintmax_t k_most = 64U << 20U;
   std::error_code failure;
@@ -103,10 +73,7 @@ ModelFile read_model_text(const std::string& text, const std::string& path, cons
   file.made_folder = made_folder;
   file.inputs.push_back({"model", path, path_beside(path, fs::path(path).filename().string())});
   read_root(document, reading);
-  check_roads(file);
-  check_files_beside(file.roads, file);
-  check_files_beside(file.waves, file);
-  check_files_beside(file.currents, file);
+  check_model(file);
   return std::move(file);
 }
 

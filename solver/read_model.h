@@ -9,8 +9,8 @@
 namespace qvslv {
 
 /// Reads and checks a model file (docs/model-file.md). `overrides` are `--set` texts, applied in order. `made_folder`
-/// is where the files that the model describes belong. Throws ModelError at the first mistake. Reads road files only to
-/// warn about their traps; writes nothing.
+/// is where the files that the model describes belong. Throws ModelError at the first mistake. What looks wrong in the
+/// model and the data files it names is in the findings (solver/checks/). Writes nothing.
 ModelFile read_model_file(const std::string& path, const std::vector<std::string>& overrides = {},
                           const std::string& made_folder = default_made_folder());
 

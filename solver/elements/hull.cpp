@@ -6,7 +6,6 @@
 #include "solver/data_files/hull_mesh.h"
 #include "solver/elements/defaults.h"
 #include "solver/elements/hull_mesh.h"
-#include "solver/elements/hull_water.h"
 #include "solver/elements/kinds.h"
 #include "solver/model_file/par.h"
 
@@ -185,7 +184,6 @@ std::vector<Element> read_hull(const TableReader& table, Reading& reading, HullE
   if (static_cast<size_t>(hull.parts) > mesh.triangles.size())
     table.fail("parts", "there are only " + std::to_string(mesh.triangles.size()) + " triangles to share");
   tell(mesh, hull, reading);
-  warn_about_reach(table, mesh, hull.body, hull.water_marker, reading);
   if (wants_report(table)) hull.report = read_report(table, hull, reading);
 
   const Body& body = reading.model().bodies[static_cast<size_t>(hull.body)];

@@ -93,6 +93,15 @@ Rotation joint_axes(const TableReader& table, const JointKind& kind) {
   return columns(axis, cross(z, axis), z);
 }
 
+/// The axis of rotation is the first thing that gets forgotten, and the default is rarely meant.
+void warn_about_axis(const TableReader& table, const JointKind& kind, Reading& reading) {
+  if (kind.type != JointType::revolute || table.has("axis") || table.has("angles") || table.has("angles_deg")) return;
+  reading.file.findings.push_back({Level::warning, "joint-axis", table.at(),
+                                   table.what() +
+                                       ": without 'axis' the body turns about the z axis of its parent; write "
+                                       "axis = \"z\" if that is meant"});
+}
+
 void read_markers_of(const TableReader& table, const JointKind& kind, Reading& reading, Joint& joint) {
   const bool by_markers = table.has("marker") || table.has("parent_marker");
   if (by_markers) {
@@ -110,6 +119,7 @@ void read_markers_of(const TableReader& table, const JointKind& kind, Reading& r
                          ? k_ground
                          : reading.bodies.find(parent_name, table.what() + ", parent", table.position("parent"));
   const Rotation axes = joint_axes(table, kind);
+  warn_about_axis(table, kind, reading);
   joint.parent_marker =
       reading.add_internal_marker(joint.name + ".parent", parent, table.vector3("position", {0, 0, 0}), axes, joint.at);
   joint.child_marker = reading.add_internal_marker(joint.name + ".child", body,

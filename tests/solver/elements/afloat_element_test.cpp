@@ -226,19 +226,6 @@ TEST(Hull, LoadsComeOutInTheModelsUnitsWhateverTheyAre) {
   }
 }
 
-TEST(Hull, StartBesideTheWavesTableIsWarnedOf) {
-  EXPECT_THAT(read_file(k_afloat_model).findings, SizeIs(0));
-  const ModelFile beside = read_file(changed_afloat("position = [30, 0, 0]", "position = [1, 0, 0]"));
-  ASSERT_THAT(beside.findings, SizeIs(1));
-  EXPECT_THAT(beside.findings[0].text,
-              HasSubstr("element 'hull': at the start the hull reaches from x = -1 to 3 in the axes of 'water', and "
-                        "'sea.wave' has water from 0 to 60"));
-  const ModelFile moved = read_file(changed_afloat("name = \"water\"\nbody = \"ground\"",
-                                                   "name = \"water\"\nbody = \"ground\"\nposition = [40, 0, 0]"));
-  ASSERT_THAT(moved.findings, SizeIs(1));
-  EXPECT_THAT(moved.findings[0].text, HasSubstr("from x = -12 to -8"));
-}
-
 TEST(Thruster, BecomesItsParameterList) {
   const Model model = read(k_afloat_model);
   const Element& screw = element(model, "screw");

@@ -1,0 +1,100 @@
+#include "solver/checks/ground.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qvslv {
+
+namespace {
+
+using Corners = std::array<Vec3, 3>;
+
+Corners corners_of(const TriangleMesh& mesh, const std::array<int, 3>& triangle) {
+  return {mesh.points[static_cast<size_t>(triangle[0])], mesh.points[static_cast<size_t>(triangle[1])],
+          mesh.points[static_cast<size_t>(triangle[2])]};
+}
+
+/// Unit normal that points up, whatever the turning sense of the corners.
+Vec3 upward_normal(const Corners& t) {
+  const Vec3 n = unit(cross(minus(t[1], t[0]), minus(t[2], t[0])));
+  return n[2] < 0 ? Vec3{-n[0], -n[1], -n[2]} : n;
+}
+
+/// Twice the area, in the plan, of the triangle between an edge and a place.
+double side(const Vec3& a, const Vec3& b, double x, double y) {
+  return (b[0] - a[0]) * (y - a[1]) - (b[1] - a[1]) * (x - a[0]);
+}
+
+/// The triangle's point over a place; none if the place lies outside or the triangle stands upright.
+std::optional<Ground::Spot> spot_on(const Corners& t, double x, double y) {
+  const double u = side(t[0], t[1], x, y), v = side(t[1], t[2], x, y), w = side(t[2], t[0], x, y), all = u + v + w;
+  const bool inside = all != 0 && u / all >= 0 && v / all >= 0 && w / all >= 0;
+  if (!inside) return std::nullopt;
+  return Ground::Spot{(v * t[0][2] + w * t[1][2] + u * t[2][2]) / all, upward_normal(t)};
+}
+
+}  // namespace
+
+Ground::Ground(const RoadSettings& settings) : m_settings(settings), m_heights(settings) {
+  m_low = {settings.corner_x, settings.corner_y, settings.height};
+  m_high = {settings.corner_x + settings.size_x, settings.corner_y + settings.size_y, settings.height};
+  m_edge = settings.size_x / squares_along(settings.size_x, settings.spacing);
+  m_flat = settings.kind == RoadKind::flat || settings.kind == RoadKind::slope;
+}
+
+Ground::Ground(TriangleMesh mesh) : m_mesh(std::move(mesh)) {
+  if (m_mesh.triangles.empty()) return;
+  m_low = m_high = m_mesh.points[0];
+  for (const Vec3& point : m_mesh.points)
+    for (size_t k = 0; k < 3; ++k) {
+      m_low[k] = std::min(m_low[k], point[k]);
+      m_high[k] = std::max(m_high[k], point[k]);
+    }
+  constexpr double k_bend = 1e-6;  // between two normals, as the sine of the angle: far above the digits of a file
+  Vec3 first = {0, 0, 0};
+  for (const std::array<int, 3>& triangle : m_mesh.triangles) {
+    const Corners t = corners_of(m_mesh, triangle);
+    m_edge += length(minus(t[1], t[0])) / static_cast<double>(m_mesh.triangles.size());
+    if (!m_flat) continue;
+    const Vec3 normal = upward_normal(t);
+    if (length(first) == 0) first = normal;
+    m_flat = length(cross(first, normal)) < k_bend;
+  }
+}
+
+std::optional<Ground::Spot> Ground::find(double x, double y) const {
+  if (!covers(x, y)) return std::nullopt;
+  if (m_settings) return find_made(x, y);
+  std::optional<Spot> highest;
+  for (const std::array<int, 3>& triangle : m_mesh.triangles) {
+    const Vec3 &a = m_mesh.points[static_cast<size_t>(triangle[0])],
+               &b = m_mesh.points[static_cast<size_t>(triangle[1])],
+               &c = m_mesh.points[static_cast<size_t>(triangle[2])];
+    if (std::max({a[0], b[0], c[0]}) < x || std::min({a[0], b[0], c[0]}) > x) continue;
+    const std::optional<Spot> spot = spot_on({a, b, c}, x, y);
+    if (spot && (!highest || spot->height > highest->height)) highest = spot;
+  }
+  return highest;
+}
+
+/// The triangle that the maker will put there: the diagonal of a square runs from its corner with the least x and y.
+Ground::Spot Ground::find_made(double x, double y) const {
+  const RoadSettings& s = *m_settings;
+  const int columns = squares_along(s.size_x, s.spacing), rows = squares_along(s.size_y, s.spacing);
+  const auto cell = [](double offset, double size, int count) {
+    return std::min(count - 1, std::max(0, static_cast<int>(offset / size * count)));
+  };
+  const int i = cell(x - s.corner_x, s.size_x, columns), j = cell(y - s.corner_y, s.size_y, rows);
+  const auto corner = [&](int column, int row) {
+    const double at_x = s.corner_x + s.size_x * column / columns, at_y = s.corner_y + s.size_y * row / rows;
+    return Vec3{at_x, at_y, (*m_heights)(at_x, at_y)};
+  };
+  const Vec3 a = corner(i, j), c = corner(i + 1, j + 1);
+  const bool right = side(a, c, x, y) <= 0;
+  const Corners t = {a, right ? corner(i + 1, j) : c, right ? c : corner(i, j + 1)};
+  const std::optional<Spot> spot = spot_on(t, x, y);
+  return spot ? *spot : Spot{(*m_heights)(x, y), upward_normal(t)};  // rounding at an edge
+}
+
+}  // namespace qvslv
