@@ -140,13 +140,19 @@ Course::Course(const Model& model) : m_model(model), m_times(1, 0.0) {
   std::vector<Pose> start;
   for (const Body& body : model.bodies) start.push_back({body.position, body.orientation});
   m_bodies.assign(m_times.size(), start);
-  for (const Joint& joint : model.joints) {
+  m_carriers.assign(model.bodies.size(), k_none);
+  for (size_t i = 0; i < model.bodies.size(); ++i) m_roots.push_back(static_cast<int>(i));
+  for (size_t i = 0; i < model.joints.size(); ++i) {
+    const Joint& joint = model.joints[i];
     const Marker& child = model.markers[static_cast<size_t>(joint.child_marker)];
+    const int parent = model.markers[static_cast<size_t>(joint.parent_marker)].body;
+    const auto body = static_cast<size_t>(child.body);
+    m_carriers[body] = static_cast<int>(i);
+    if (joint.type != JointType::free) m_roots[body] = floating_root(parent);
     const Pose to_body = inverse(pose_of(child));
     const std::vector<std::vector<double>> q = coordinates_of(joint, m_times);
-    for (size_t i = 0; i < m_times.size(); ++i)
-      m_bodies[i][static_cast<size_t>(child.body)] =
-          chained(marker(joint.parent_marker, i), chained(joint_pose(joint.type, q[i]), to_body));
+    for (size_t k = 0; k < m_times.size(); ++k)
+      m_bodies[k][body] = chained(marker(joint.parent_marker, k), chained(joint_pose(joint.type, q[k]), to_body));
   }
 }
 
@@ -190,7 +196,7 @@ bool Course::can_travel(int marker, int plane) const {
   const Vec3 normal = axis_of(this->marker(plane), 2);
   int body = m_model.markers[static_cast<size_t>(marker)].body;
   while (body != k_ground) {
-    const int carrier = carrier_of(m_model, body);
+    const int carrier = m_carriers[static_cast<size_t>(body)];
     if (carrier == k_none) return true;
     const Joint& joint = m_model.joints[static_cast<size_t>(carrier)];
     const Pose parent = this->marker(joint.parent_marker);
@@ -202,22 +208,6 @@ bool Course::can_travel(int marker, int plane) const {
   return false;
 }
 
-int carrier_of(const Model& model, int body) {
-  for (size_t i = 0; i < model.joints.size(); ++i)
-    if (model.markers[static_cast<size_t>(model.joints[i].child_marker)].body == body) return static_cast<int>(i);
-  return k_none;
-}
-
-int floating_root(const Model& model, int body) {
-  while (body != k_ground) {
-    const int carrier = carrier_of(model, body);
-    if (carrier == k_none) return body;
-    const Joint& joint = model.joints[static_cast<size_t>(carrier)];
-    const int parent = model.markers[static_cast<size_t>(joint.parent_marker)].body;
-    if (parent == k_ground && joint.type == JointType::free) return body;
-    body = parent;
-  }
-  return k_ground;
-}
+int Course::floating_root(int body) const { return body == k_ground ? k_ground : m_roots[static_cast<size_t>(body)]; }
 
 }  // namespace qvslv

@@ -36,19 +36,17 @@ public:
   /// Whether a marker can move along the x-y plane of another one: its body is free, or a joint under it leaves a
   /// travel free, or prescribes one, that is not along the other's z axis.
   bool can_travel(int marker, int plane) const;
+  /// The body at the root of the tree that a body belongs to: itself if no joint or a free one carries it; k_ground if
+  /// the tree hangs on the ground.
+  /// @param body  index into Model::bodies, or k_ground
+  int floating_root(int body) const;
 
 private:
   const Model& m_model;
   std::vector<double> m_times;
   std::vector<std::vector<Pose>> m_bodies;  ///< [moment][body]
+  std::vector<int> m_carriers;              ///< by body: index into Model::joints, k_none if it is free
+  std::vector<int> m_roots;                 ///< by body: see floating_root
 };
-
-/// The body at the root of the tree that a body belongs to: itself if no joint carries it; k_ground if the tree hangs
-/// on the ground by any joint but a free one.
-/// @param body  index into Model::bodies, or k_ground
-int floating_root(const Model& model, int body);
-
-/// Index into Model::joints of the joint that carries a body; k_none if it is free.
-int carrier_of(const Model& model, int body);
 
 }  // namespace qvslv

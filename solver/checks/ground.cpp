@@ -51,6 +51,7 @@ Ground::Ground(TriangleMesh mesh) : m_mesh(std::move(mesh)) {
       m_low[k] = std::min(m_low[k], point[k]);
       m_high[k] = std::max(m_high[k], point[k]);
     }
+  sort_triangles();
   constexpr double k_bend = 1e-6;  // between two normals, as the sine of the angle: far above the digits of a file
   Vec3 first = {0, 0, 0};
   for (const std::array<int, 3>& triangle : m_mesh.triangles) {
@@ -63,18 +64,33 @@ Ground::Ground(TriangleMesh mesh) : m_mesh(std::move(mesh)) {
   }
 }
 
+size_t Ground::column(double x) const {
+  const double share = (x - m_low[0]) / (m_high[0] - m_low[0]) * static_cast<double>(m_columns.size());
+  return share > 0 ? std::min(static_cast<size_t>(share), m_columns.size() - 1) : 0;
+}
+
+/// As many strips as a square road has squares along its side.
+void Ground::sort_triangles() {
+  m_columns.resize(1 + static_cast<size_t>(std::sqrt(0.5 * static_cast<double>(m_mesh.triangles.size()))));
+  for (size_t i = 0; i < m_mesh.triangles.size(); ++i) {
+    const Corners t = corners_of(m_mesh, m_mesh.triangles[i]);
+    const size_t first = column(std::min({t[0][0], t[1][0], t[2][0]}));
+    m_columns[first].push_back(static_cast<int>(i));
+    m_span = std::max(m_span, column(std::max({t[0][0], t[1][0], t[2][0]})) - first);
+  }
+}
+
 std::optional<Ground::Spot> Ground::find(double x, double y) const {
   if (!covers(x, y)) return std::nullopt;
   if (m_settings) return find_made(x, y);
   std::optional<Spot> highest;
-  for (const std::array<int, 3>& triangle : m_mesh.triangles) {
-    const Vec3 &a = m_mesh.points[static_cast<size_t>(triangle[0])],
-               &b = m_mesh.points[static_cast<size_t>(triangle[1])],
-               &c = m_mesh.points[static_cast<size_t>(triangle[2])];
-    if (std::max({a[0], b[0], c[0]}) < x || std::min({a[0], b[0], c[0]}) > x) continue;
-    const std::optional<Spot> spot = spot_on({a, b, c}, x, y);
-    if (spot && (!highest || spot->height > highest->height)) highest = spot;
-  }
+  const size_t last = column(x);
+  for (size_t k = last - std::min(last, m_span); k <= last; ++k)
+    for (const int triangle : m_columns[k]) {
+      const std::optional<Spot> spot =
+          spot_on(corners_of(m_mesh, m_mesh.triangles[static_cast<size_t>(triangle)]), x, y);
+      if (spot && (!highest || spot->height > highest->height)) highest = spot;
+    }
   return highest;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "solver/data_files/make_road.h"
 #include "solver/model/triangle_mesh.h"
@@ -24,8 +25,7 @@ public:
     double height = 0;
     Vec3 normal = {0, 0, 1};
   };
-  /// The surface over a place in the plan, the highest where triangles overlap; none where there is no triangle. Goes
-  /// through all triangles of a mesh, some milliseconds for a million.
+  /// The surface over a place in the plan, the highest where triangles overlap; none where there is no triangle.
   std::optional<Spot> find(double x, double y) const;
 
   double edge() const { return m_edge; }  ///< typical edge of a triangle [length]
@@ -33,10 +33,14 @@ public:
 
 private:
   Spot find_made(double x, double y) const;
+  size_t column(double x) const;
+  void sort_triangles();
 
   std::optional<RoadSettings> m_settings;
   std::optional<RoadHeights> m_heights;
   TriangleMesh m_mesh;
+  std::vector<std::vector<int>> m_columns;  ///< numbers of the triangles whose least x lies in a strip of the road
+  size_t m_span = 0;                        ///< how many strips further on a triangle may end
   Vec3 m_low = {0, 0, 0}, m_high = {0, 0, 0};
   double m_edge = 0;
   bool m_flat = true;

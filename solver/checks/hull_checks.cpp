@@ -66,9 +66,9 @@ struct Float {
 Float find_float(const Scene& scene, int root) {
   Float found;
   for (size_t i = 0; i < scene.model.bodies.size(); ++i)
-    if (floating_root(scene.model, static_cast<int>(i)) == root) found.mass += scene.model.bodies[i].mass;
+    if (scene.course.floating_root(static_cast<int>(i)) == root) found.mass += scene.model.bodies[i].mass;
   for (const HullPatches& hull : scene.hulls) {
-    if (floating_root(scene.model, body_of(hull, scene.model)) != root) continue;
+    if (scene.course.floating_root(body_of(hull, scene.model)) != root) continue;
     found.buoyancy += greatest_buoyancy(hull, scene.model.units);
     ++found.hulls;
   }
@@ -134,7 +134,7 @@ void check_hulls(const Scene& scene, Findings& findings) {
     if (hull.mesh.triangles.empty()) continue;
     check_density(hull, scene.model.units, findings);
     if (!read_from_mesh(hull, scene.file)) check_mesh(hull, findings);
-    const int root = floating_root(scene.model, body_of(hull, scene.model));
+    const int root = scene.course.floating_root(body_of(hull, scene.model));
     const Float afloat = root == k_ground ? Float{} : find_float(scene, root);
     if (root != k_ground) check_weight(hull, afloat, scene.model, findings);
     if (!meets_drag(scene, hull)) continue;

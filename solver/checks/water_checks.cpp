@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "qvbrisk/layouts.h"
 #include "solver/checks/checks.h"
 #include "solver/model/number_text.h"
 
@@ -92,12 +93,36 @@ void check_reach(const Scene& scene, const HullPatches& hull, Findings& findings
   }
 }
 
+/// A thruster that needs the water of a WAVE file, and stands or is moved beside its positions.
+void check_thruster(const Scene& scene, const Element& element, Findings& findings) {
+  const std::vector<double>& par = element.par;
+  const auto sea = scene.seas.find(whole(par[QV_THRUST_WAVE_STRING]));
+  const int marker = find_marker(scene.model, whole(par[QV_THRUST_THRUST_MARKER])),
+            water = find_marker(scene.model, whole(par[QV_THRUST_WATER_MARKER]));
+  const bool needs_water = whole(par[QV_THRUST_WAVE_SWITCH]) == 1;
+  if (!needs_water || sea == scene.seas.end() || !sea->second.table || marker == k_none || water == k_none) return;
+  const Range table{std::max(0.0, sea->second.table->first_x), sea->second.table->last_x};
+  for (size_t moment = 0; moment < scene.course.moments(); ++moment) {
+    const double x = inwards(scene.course.marker(water, moment), scene.course.marker(marker, moment).place)[0];
+    if (within({x, x}, table)) continue;
+    warn(findings, "thruster-off-table", element, "wave",
+         fmt::format("at the time {:.4g} '{}' is at x = {:.4g} in the axes of '{}', and '{}' has water from {:.4g} to "
+                     "{:.4g}: beyond there is no thrust; move the water marker or the body",
+                     scene.course.time(moment), scene.model.markers[static_cast<size_t>(marker)].name, x,
+                     scene.model.markers[static_cast<size_t>(water)].name, scene.text(sea->first), table.low,
+                     table.high));
+    return;
+  }
+}
+
 }  // namespace
 
 void check_water(const Scene& scene, Findings& findings) {
   note_files(scene, findings);
   check_ends(scene, findings);
   for (const HullPatches& hull : scene.hulls) check_reach(scene, hull, findings);
+  for (const Element& element : scene.model.elements)
+    if (element.subroutine == "qvsoil_thrustforce") check_thruster(scene, element, findings);
 }
 
 }  // namespace qvslv

@@ -91,6 +91,25 @@ TEST(Course, FollowsMotionsAsTheEngineDoes) {
   }
 }
 
+TEST(Course, KnowsWhatFloatsTogether) {
+  TestModel model(k_end, k_end);
+  const int hull = model.add_body("hull", 5, {1, 1, 1}), mast = model.add_body("mast", 2, {1, 1, 1}),
+            pile = model.add_body("pile", 1, {1, 1, 1}), buoy = model.add_body("buoy", 1, {1, 1, 1});
+  const auto hang = [&](JointType type, int parent, int child) {
+    const int on_parent = model.add_marker(parent, {0, 0, 0}), on_child = model.add_marker(child, {0, 0, 0});
+    model.add_joint(type, on_parent, on_child).position.assign(6, 0.0);
+  };
+  hang(JointType::revolute, hull, mast);
+  hang(JointType::slider, k_ground, pile);
+  hang(JointType::free, hull, buoy);
+  const Course course(model.model);
+  EXPECT_EQ(course.floating_root(hull), hull);
+  EXPECT_EQ(course.floating_root(mast), hull);
+  EXPECT_EQ(course.floating_root(pile), k_ground);
+  EXPECT_EQ(course.floating_root(buoy), buoy);
+  EXPECT_EQ(course.floating_root(k_ground), k_ground);
+}
+
 TEST(Course, KnowsWhatCanTravelAlongAPlane) {
   const auto on = [](JointType type, int axis) {
     TestModel model(k_end, k_end);
