@@ -41,7 +41,7 @@ TEST(HostileInput, MeshThatLiesEndsCheckAndRunWithTwo) {
   for (const char* command : {"check", "run"}) {
     const CommandResult result = run_command({command, "ball.toml"}, folder);
     EXPECT_EQ(result.code, 2);
-    EXPECT_THAT(result.err, HasSubstr("element 'hull', mesh: 'lie.ply' cannot be read: line 5: the file ends in its "
+    EXPECT_THAT(result.err, HasSubstr("/lie.ply' cannot be read: line 5: the file ends in its "
                                       "header; the line 'end_header' is missing"));
   }
 }
@@ -180,7 +180,7 @@ TEST(HostileInput, FolderThatCannotBeMadeIsNamedWithTheSystemsReason) {
   write_text(folder / "file", "in the way");
   const CommandResult result = run_command({"run", "ball.toml", "--out", "file/results"}, folder);
   EXPECT_EQ(result.code, 1);
-  EXPECT_THAT(result.err, HasSubstr("cannot write the results: file/results: Not a directory\n"));
+  EXPECT_THAT(result.err, HasSubstr("cannot write into the folder file/results: Not a directory\n"));
   expect_no_bare_text(result.err);
 }
 
