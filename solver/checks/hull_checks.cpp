@@ -105,11 +105,12 @@ void check_panels(const HullPatches& hull, const Waterline& line, Findings& find
   const double share = line.panel_height / line.draught;
   if (!(share > k_coarsest)) return;
   warn(findings, "hull-coarse", hull.element, "mesh",
-       fmt::format("the triangles at the waterline are {:.3g} high at a draught of {:.3g}: the drag comes out between "
-                   "{:.1f} and {:.1f} of its value; take divisions that make them {:.3g} high or less ({:.3g} for drag "
-                   "within 10 %)",
-                   line.panel_height, line.draught, std::fmax(0, 1 - share), 1 + 0.5 * share, k_coarsest * line.draught,
-                   k_fine * line.draught));
+       fmt::format(
+           "the triangles at the waterline are {:.3g} high at a draught of {:.3g}: the drag may come out "
+           "between {:.1f} and {:.1f} of its value; take divisions that make them {:.3g} high or less ({:.3g} for drag "
+           "within 10 %)",
+           line.panel_height, line.draught, std::fmax(0, 1 - share), 1 + 0.5 * share, k_coarsest * line.draught,
+           k_fine * line.draught));
 }
 
 TriangleMesh in_water(const Scene& scene, const HullPatches& hull) {

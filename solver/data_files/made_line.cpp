@@ -104,6 +104,21 @@ std::optional<Tampering> first_difference(const std::string& is, const std::stri
                    other < should.size() ? line_at(should, other) : ""};
 }
 
+/// Whether a file of so many bytes can hold what the settings make. What it cannot hold is not made: a short text could
+/// otherwise ask for gigabytes.
+bool can_hold(const RoadSettings& settings, size_t bytes) {
+  constexpr double k_least_line = 8;  // "1 2 3 0" and a line end
+  return static_cast<double>(triangle_count(settings)) * k_least_line <= static_cast<double>(bytes);
+}
+bool can_hold(const WaveSettings& settings, size_t bytes) {
+  constexpr double k_least_point = 4;  // elevation and velocity, "0,0,"
+  return static_cast<double>(time_rows(settings)) * columns_along_x(settings) * k_least_point <=
+         static_cast<double>(bytes);
+}
+
+/// A file that is too short for its settings.
+Tampering cut_off() { return {}; }
+
 /// A line with the mark that names no settings, or impossible ones.
 Tampering unreadable(const std::string& text, const std::string& line) {
   const auto begin = text.begin() + static_cast<std::ptrdiff_t>(text.find(line));
@@ -176,7 +191,7 @@ std::string made_line_at_head(const std::string& text) {
   constexpr int k_head_lines = 5;  // as many as road_file_state looks at
   size_t from = 0;
   for (int i = 0; i < k_head_lines && from < text.size(); ++i) {
-    const std::string line = line_at(text, from);
+    std::string line = line_at(text, from);
     if (line.rfind(k_made_mark, 0) == 0) return line;
   }
   return "";
@@ -186,7 +201,7 @@ std::string made_line_at_end(const std::string& text) {
   size_t end = text.size();
   while (end > 0 && text[end - 1] == '\n') --end;
   const size_t before = end == 0 ? std::string::npos : text.rfind('\n', end - 1);
-  const std::string line = text.substr(before + 1, end - before - 1);  // npos + 1 is 0
+  std::string line = text.substr(before + 1, end - before - 1);  // npos + 1 is 0
   return line.rfind(k_made_mark, 0) == 0 ? line : "";
 }
 
@@ -194,14 +209,16 @@ std::optional<Tampering> find_tampering_in_road(const std::string& text) {
   const std::string line = made_line_at_head(text);
   if (line.empty()) return std::nullopt;
   const std::optional<RoadSettings> settings = road_settings_in(line);
-  return settings ? first_difference(text, road_text(*settings)) : unreadable(text, line);
+  if (!settings) return unreadable(text, line);
+  return can_hold(*settings, text.size()) ? first_difference(text, road_text(*settings)) : cut_off();
 }
 
 std::optional<Tampering> find_tampering_in_wave(const std::string& text) {
   const std::string line = made_line_at_end(text);
   if (line.empty()) return std::nullopt;
   const std::optional<WaveSettings> settings = wave_settings_in(line);
-  return settings ? first_difference(text, wave_text(wave_table(*settings), line)) : unreadable(text, line);
+  if (!settings) return unreadable(text, line);
+  return can_hold(*settings, text.size()) ? first_difference(text, wave_text(wave_table(*settings), line)) : cut_off();
 }
 
 std::optional<Tampering> find_tampering_in_current(const std::string& text) {
@@ -212,6 +229,8 @@ std::optional<Tampering> find_tampering_in_current(const std::string& text) {
 }
 
 std::string tampering_text(const Tampering& tampering) {
+  if (tampering.line == 0)
+    return "the file is shorter than what its made-by line makes; take that line out, or make the file anew";
   const bool settings = tampering.is.rfind(k_made_mark, 0) == 0;
   if (settings) return "this line tells no settings that qvbrisk makes a file of; take it out, or make the file anew";
   return "'" + shortened(tampering.is) + "' is not what the file's made-by line makes, '" +

@@ -21,7 +21,7 @@ std::string made_line_at_end(const std::string& text);
 
 /// A file that tells the settings it was made with, and holds something else.
 struct Tampering {
-  int line = 0;            ///< the first line that differs, from 1
+  int line = 0;            ///< the first line that differs, from 1; 0: the file is too short as a whole
   std::string is, should;  ///< its text and what the settings make
 };
 /// Makes the file anew in memory and compares. None if it has no made-by line or holds what that line says.

@@ -111,6 +111,24 @@ TEST(MadeLine, ThatTellsNoSettingsIsWarnedOf) {
                                    "make the file anew"));
 }
 
+TEST(MadeLine, ThatAsksForMoreThanTheFileHoldsIsNotFollowed) {
+  RoadSettings huge = road(RoadKind::flat);
+  huge.size_x = huge.size_y = 3000;
+  huge.spacing = 1;
+  const std::string end =
+      road_text(road(RoadKind::flat)).substr(made_line_at_head(road_text(road(RoadKind::flat))).size());
+  EXPECT_THAT(
+      finding_texts(check_road_text(settings_line(huge) + end, "a.rdf").found),
+      testing::ElementsAre("a.rdf: the file is shorter than what its made-by line makes; take that line out, or "
+                           "make the file anew"));
+  WaveSettings long_sea = wave(WaveKind::jonswap);
+  long_sea.components = 5000;
+  long_sea.duration = 1000;
+  const std::string sea = "2,2\n0,1\n0,0,0,0,0\n1,0,0,0,0\n" + settings_line(long_sea) + "\n";
+  EXPECT_THAT(finding_texts(check_wave_text(sea, "a.wave").found),
+              testing::ElementsAre(HasSubstr("a.wave: the file is shorter than what its made-by line makes")));
+}
+
 TEST(MadeLine, IsNotMissedByAFileThatNobodyMade) {
   EXPECT_EQ(made_line_at_head("FILE_TYPE = 'RDF'\n"), "");
   EXPECT_EQ(made_line_at_end(""), "");
