@@ -124,6 +124,15 @@ void check_depth(const Contact& contact, const Standing& standing, Findings& fin
                   contact.wheel ? "wheel" : "plate", depth, contact.wheel ? "radius" : "shorter edge", most, depth));
 }
 
+void check_edges(const Contact& contact, const Scene& scene, Findings& findings) {
+  const auto note = [&](const char* key, const Vec3& half_way) {
+    note_over_edge(scene, contact.element, key, contact.marker, half_way, contact.road_marker, findings);
+  };
+  const size_t before = findings.size();
+  note("width", {0, 0.5 * contact.width, 0});
+  if (!contact.wheel && findings.size() == before) note("length", {0.5 * contact.size, 0, 0});
+}
+
 }  // namespace
 
 void check_contacts(const Scene& scene, Findings& findings) {
@@ -136,6 +145,7 @@ void check_contacts(const Scene& scene, Findings& findings) {
     const Standing standing = find_standing(scene, *ground, contact.marker, contact.road_marker);
     check_axle(contact, standing, scene, findings);
     check_depth(contact, standing, findings);
+    check_edges(contact, scene, findings);
     note_off_road(scene, contact.element, contact.wheel ? "the wheel's axle" : "the plate's middle", contact.marker,
                   contact.road_marker, findings);
   }

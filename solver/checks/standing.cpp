@@ -50,4 +50,26 @@ void note_off_road(const Scene& scene, const Element& element, const std::string
   }
 }
 
+void note_over_edge(const Scene& scene, const Element& element, const char* key, int marker, const Vec3& half_way,
+                    int road_marker, Findings& findings) {
+  const Ground* ground = scene.ground_of(element);
+  if (ground == nullptr) return;
+  const Pose body = scene.course.marker(marker), road = scene.course.marker(road_marker);
+  const auto on_road = [&](double share) {
+    return inwards(road, outwards(body, {share * half_way[0], share * half_way[1], share * half_way[2]}));
+  };
+  const auto covered = [&](const Vec3& p) { return ground->covers(p[0], p[1]); };
+  if (!covered(on_road(0))) return;
+  for (const double share : {-1.0, 1.0}) {
+    const Vec3 end = on_road(share);
+    if (covered(end)) continue;
+    warn(findings, "contact-over-edge", element, key,
+         fmt::format(
+             "{:.4g} reaches to x = {:.4g}, y = {:.4g} at the start, over the edge of the road '{}', which covers "
+             "{}: no soil carries what is beyond; make the road larger or move the body",
+             2 * length(half_way), end[0], end[1], scene.text(element.road_string), extent(*ground)));
+    return;
+  }
+}
+
 }  // namespace qvslv

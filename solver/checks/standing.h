@@ -21,4 +21,11 @@ Standing find_standing(const Scene& scene, const Ground& ground, int marker, int
 void note_off_road(const Scene& scene, const Element& element, const std::string& what, int marker, int road_marker,
                    Findings& findings);
 
+/// Notes a body that starts on its road with one of its ends over the road's edge. Says nothing of one that starts
+/// beside.
+/// @param half_way  from the marker to an end and, backwards, to the other: in the marker's axes
+/// @param key       of the element's size along that way
+void note_over_edge(const Scene& scene, const Element& element, const char* key, int marker, const Vec3& half_way,
+                    int road_marker, Findings& findings);
+
 }  // namespace qvslv

@@ -120,6 +120,19 @@ void check_off_road(const Track& track, const Scene& scene, Findings& findings) 
   }
 }
 
+/// The belt reaches to both sides of its wheels along the vehicle's y axis; the first wheel off the road is told.
+void check_edges(const Track& track, const Scene& scene, Findings& findings) {
+  const Vec3 across = axis_of(scene.course.marker(track.hull), 1);
+  const double half = 0.5 * track.element.par[QV_TRACK_WIDTH];
+  const size_t before = findings.size();
+  for (const Node& node : track.nodes) {
+    const Vec3 way = turned_back(scene.course.marker(node.marker).axes, across);
+    note_over_edge(scene, track.element, "width", node.marker, {half * way[0], half * way[1], half * way[2]},
+                   track.road_marker, findings);
+    if (findings.size() > before) return;
+  }
+}
+
 }  // namespace
 
 void check_tracks(const Scene& scene, Findings& findings) {
@@ -129,6 +142,7 @@ void check_tracks(const Scene& scene, Findings& findings) {
     const Ground* ground = scene.ground_of(track.element);
     if (ground == nullptr) continue;
     check_depth(track, *ground, scene, findings);
+    check_edges(track, scene, findings);
     check_off_road(track, scene, findings);
   }
 }
