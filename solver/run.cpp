@@ -117,7 +117,8 @@ private:
   void integrate(Engine& engine) {
     engine.start();
     if (engine.fault().raised()) return finish(engine.fault().outcome(), engine.fault().message());
-    m_recorder = std::make_unique<Recorder>(engine, *m_folder, [this](const std::string& text) { tell(text); });
+    m_recorder = std::make_unique<Recorder>(
+        engine, *m_folder, [this](const std::string& text) { tell(text); }, m_options.recording);
     try {
       m_recorder->record(engine);
       advance(engine, *m_recorder);

@@ -8,6 +8,7 @@
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
 #include "solver/model_file/contents.h"
+#include "solver/results/recording.h"
 
 namespace qvslv {
 
@@ -28,10 +29,11 @@ struct RunOptions {
   Findings warnings;                                   ///< what looked wrong before the run; the user knows
   bool force = false;                                  ///< take the folder from a run that still goes on
   bool strict = false;                                 ///< a warning during the run ends it
+  RecordingLimits recording;                           ///< memory for the page's replay and plots
   std::function<void(const Progress&)> on_progress;    ///< called after every accepted step, if set
   std::function<void(const std::string&)> on_message;  ///< gets one line for the user (warning, fault), if set
-  const volatile std::sig_atomic_t* interrupted =
-      nullptr;  ///< checked after every step: a signal's number ends the run
+  /// Checked after every step: a signal's number ends the run.
+  const volatile std::sig_atomic_t* interrupted = nullptr;
 };
 
 /// Runs a checked model to its end. Throws nothing: every fault is in the summary.

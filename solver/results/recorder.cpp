@@ -83,11 +83,18 @@ void place_hulls(Recording& recording, const Report& report) {
   }
 }
 
+size_t bytes_of(const Frame& frame) {
+  return sizeof frame + frame.body_poses.size() * sizeof(BodyPose) + frame.points.size() * sizeof(ContactPointSample) +
+         frame.row.size() * sizeof(double);
+}
+
 }  // namespace
 
-Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report)
+Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report, const RecordingLimits& limits)
     : m_frame_step(engine.multibody().model().simulation.frame_step),
       m_columns(result_columns(engine.multibody().model())),
+      m_frames(limits.frames),
+      m_rows(limits.rows),
       m_folder(folder),
       m_csv(folder.add("results.csv")) {
   const Model& model = engine.multibody().model();
@@ -103,13 +110,19 @@ Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& re
 }
 
 void Recorder::record(const Engine& engine) {
-  m_recording.rows.push_back(calc_result_row(m_columns, engine));
   m_folder.check_held();
-  m_csv.write(csv_line(m_recording.rows.back()));
+  const std::vector<double> row = calc_result_row(m_columns, engine);
+  m_csv.write(csv_line(row));
   m_csv.flush();
+  m_rows.add(m_recording.rows, row, sizeof row + row.size() * sizeof(double));
+  m_recording.row_count = m_rows.count();
   if (!frame_due(engine.time())) return;
-  m_recording.frames.push_back(calc_frame(engine, m_contact_axes.get()));
-  m_vtk->write(m_recording.frames.back());
+  Frame frame = calc_frame(engine, m_contact_axes.get());
+  m_vtk->write(frame);
+  frame.row = row;
+  const size_t bytes = bytes_of(frame);
+  m_frames.add(m_recording.frames, std::move(frame), bytes);
+  m_recording.frame_count = m_frames.count();
 }
 
 void Recorder::close() {

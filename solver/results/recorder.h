@@ -8,6 +8,7 @@
 #include "solver/engine/engine.h"
 #include "solver/results/columns.h"
 #include "solver/results/contact_axes.h"
+#include "solver/results/even_subset.h"
 #include "solver/results/output_file.h"
 #include "solver/results/recording.h"
 #include "solver/results/results_folder.h"
@@ -15,14 +16,15 @@
 
 namespace qvslv {
 
-/// Writes results.csv and the frames of a run while it goes, and keeps both in memory. After each call the files are
-/// whole as far as they go. Throws std::runtime_error when a file cannot be written.
+/// Writes results.csv and the frames of a run while it goes, and keeps as much of both in memory as the limits allow.
+/// After each call the files are whole as far as they go. Throws std::runtime_error when a file cannot be written.
 class Recorder {
 public:
   /// Opens the files and places the roads. The engine is at its start.
   /// @param folder  must outlive this object
   /// @param report  called with a text if a road, a hull or a water cannot be drawn; may be empty
-  Recorder(const Engine& engine, ResultsFolder& folder, const std::function<void(const std::string&)>& report);
+  Recorder(const Engine& engine, ResultsFolder& folder, const std::function<void(const std::string&)>& report,
+           const RecordingLimits& limits = {});
 
   /// Adds a row, and a frame if one is due. The engine is at an output time.
   void record(const Engine& engine);
@@ -39,6 +41,7 @@ private:
   double m_next_frame = 0;
   std::vector<Column> m_columns;
   Recording m_recording;
+  EvenSubset m_frames, m_rows;
   ResultsFolder& m_folder;
   OutputFile m_csv;
   std::unique_ptr<VtkWriter> m_vtk;

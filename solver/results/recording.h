@@ -31,6 +31,7 @@ struct Frame {
   double time = 0;
   std::vector<BodyPose> body_poses;  ///< one per body of the model
   std::vector<ContactPointSample> points;
+  std::vector<double> row;  ///< of results.csv at this time; may be empty, then it is looked for among the rows
 };
 
 /// The patch mesh of a hydro force element.
@@ -49,7 +50,14 @@ struct Water {
   WaveFile wave;   ///< the table without its velocities
 };
 
-/// A run as it can be drawn and plotted afterwards: what the recorder wrote to files, in memory.
+/// Bytes that a recording may hold, so that a run of any length needs no more memory.
+struct RecordingLimits {
+  size_t frames = size_t{256} << 20U;
+  size_t rows = size_t{64} << 20U;
+};
+
+/// A run as it can be drawn and plotted afterwards: what the recorder wrote to files, in memory. Of a long run, an even
+/// subset of frames and rows, which ends with the last one.
 struct Recording {
   const Model* model = nullptr;
   TriangleMesh terrain;  ///< all roads in ground axes, in their places at the start
@@ -58,6 +66,7 @@ struct Recording {
   std::vector<Frame> frames;
   std::vector<std::string> columns;       ///< headers of results.csv
   std::vector<std::vector<double>> rows;  ///< one per output time
+  size_t frame_count = 0, row_count = 0;  ///< in the files; 0 if the recording holds all of them
 };
 
 }  // namespace qvslv

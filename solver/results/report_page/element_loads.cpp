@@ -26,6 +26,14 @@ Vec3 center_of_pressure(const Frame& frame, int element, const Vec3& without_poi
   return sum;
 }
 
+/// The row with the frame's time; null if there is none.
+const std::vector<double>* find_row(const Frame& frame, const std::vector<std::vector<double>>& rows) {
+  if (!frame.row.empty()) return &frame.row;
+  const auto row = std::lower_bound(rows.begin(), rows.end(), frame.time,
+                                    [](const std::vector<double>& r, double time) { return r[0] < time; });
+  return row != rows.end() && (*row)[0] == frame.time ? &*row : nullptr;
+}
+
 }  // namespace
 
 ElementLoads::ElementLoads(const Model& model, const std::vector<std::string>& columns) : m_model(model) {
@@ -49,14 +57,13 @@ ElementLoads::ElementLoads(const Model& model, const std::vector<std::string>& c
 
 std::vector<ElementLoad> ElementLoads::find_loads(const Frame& frame,
                                                   const std::vector<std::vector<double>>& rows) const {
-  const auto row = std::lower_bound(rows.begin(), rows.end(), frame.time,
-                                    [](const std::vector<double>& r, double time) { return r[0] < time; });
+  const std::vector<double>* row = find_row(frame, rows);
   std::vector<ElementLoad> loads;
   for (size_t k = 0; k < m_elements.size(); ++k) {
     const Element& element = m_model.elements[static_cast<size_t>(m_elements[k])];
     ElementLoad load;
     load.place = center_of_pressure(frame, m_elements[k], find_marker_place(m_model, element.marker, frame));
-    if (row != rows.end() && (*row)[0] == frame.time) {
+    if (row != nullptr) {
       Vec3 force{};
       for (size_t c = 0; c < 3; ++c) force[c] = (*row)[m_columns[k][c]];
       load.force = from_marker_axes(m_model, element.axes, frame, force);

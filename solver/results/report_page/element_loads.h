@@ -24,8 +24,8 @@ public:
   /// Indices into Model::elements.
   const std::vector<int>& elements() const { return m_elements; }
 
-  /// The loads of all elements at a frame, from the row with the frame's time; without such a row the forces are 0. The
-  /// place of a load is the mean of the element's points in contact, weighed by normal force, or else the element's
+  /// The loads of all elements at a frame, from its row or the one with its time; without such a row the forces are 0.
+  /// The place of a load is the mean of the element's points in contact, weighed by normal force, or else the element's
   /// marker.
   std::vector<ElementLoad> find_loads(const Frame& frame, const std::vector<std::vector<double>>& rows) const;
 

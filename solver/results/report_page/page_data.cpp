@@ -160,9 +160,10 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
   }
   const size_t stride = stride_for(bytes, budget);
   const std::vector<size_t> indices = kept(recording.frames.size(), stride);
-  if (stride > 1) {
-    page.note(fmt::format("The run has {} frames; the replay shows {} of them, to keep this page small.",
-                          recording.frames.size(), indices.size()));
+  const size_t all = std::max(recording.frame_count, recording.frames.size());
+  if (indices.size() < all) {
+    page.note(fmt::format("The run has {} frames; the replay shows {} of them, to keep this page small.", all,
+                          indices.size()));
   }
   FrameArrays out;
   for (const size_t k : indices) {
@@ -191,9 +192,10 @@ void add_rows(PageParts& page, const Recording& recording, size_t budget) {
   const size_t columns = recording.columns.size();
   const size_t stride = stride_for(base64_length(4) * recording.rows.size() * columns, budget);
   const std::vector<size_t> indices = kept(recording.rows.size(), stride);
-  if (stride > 1) {
-    page.note(fmt::format("The run has {} rows; the plots show {} of them. All are in results.csv.",
-                          recording.rows.size(), indices.size()));
+  const size_t all = std::max(recording.row_count, recording.rows.size());
+  if (indices.size() < all) {
+    page.note(
+        fmt::format("The run has {} rows; the plots show {} of them. All are in results.csv.", all, indices.size()));
   }
   std::vector<double> times;
   times.reserve(indices.size());

@@ -609,6 +609,38 @@ TEST(ContactAxes, TurnPointForcesFromTheSlopeAndTheBody) {
   expect_near(expected, axes.force_in_ground(point, c.recording.frames[0]), 1e-12);
 }
 
+TEST(ReportPage, LongRunIsHeldInBoundedMemoryAndShownFromItsFirstToItsLastMoment) {
+  TestModel built(1.0, 0.001);
+  built.add_body("ball", 3, {1, 1, 1});
+  built.body(0).velocity = {1, 0, 0};
+  built.add_element("soil", "scripted", ElementKind::force, {}, 6).marker = 1;
+  const Script script([](const HookCall& call) { call.result[0] = 1 + call.time; });
+  RunOptions options;
+  options.recording = {4000, 8000};
+  const TestRun out = run(built, options);
+  ASSERT_EQ(out.summary.outcome, RunOutcome::finished) << out.summary.message;
+  EXPECT_EQ(out.rows.size(), 1001u) << "the file has all rows";
+  const std::string page = read_text(out.folder + "/report.html");
+  const auto times = array<double>(page, "row_times"), frames = array<double>(page, "frame_times");
+  EXPECT_LE(times.size() * out.rows[0].size() * sizeof(double), 8000u);
+  EXPECT_GT(times.size(), 10u);
+  EXPECT_LT(frames.size(), times.size());
+  for (const auto& kept : {times, frames}) {
+    EXPECT_EQ(kept.front(), 0);
+    EXPECT_EQ(kept.back(), 1);
+  }
+  const auto loads = array<float>(page, "loads");
+  for (size_t k = 0; k < frames.size(); ++k)  // each frame has the load of its own time, though most rows are gone
+    EXPECT_NEAR(loads[6 * k + 3], 1 + frames[k], 1e-6) << "frame " << k;
+  const std::string notes = data_of(page)["notes"].dump();
+  EXPECT_NE(notes.find("The run has 1001 rows; the plots show " + std::to_string(times.size()) + " of them"),
+            std::string::npos)
+      << notes;
+  EXPECT_NE(notes.find("The run has 1001 frames; the replay shows " + std::to_string(frames.size()) + " of them"),
+            std::string::npos)
+      << notes;
+}
+
 TEST(ElementLoads, TakeTheForceOfTheFramesRowWhereThePointsCarry) {
   PageCase c;
   c.add_frame(0);
