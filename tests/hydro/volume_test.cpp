@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/hydro/hulls.h"
+#include "tests/reference/hydro_reference.h"
 
 // The water column over one patch, compared with exact integration over the wet part of its plan, and in the cases that
 // have a simple answer.
@@ -130,6 +131,37 @@ TEST(WaterColumn, OfAPatchOverAnEndOfTheWaveTableIsTakenWhole) {
   for (const double x : {-1.0, -3.0, 98.0, 100.0}) {
     const column_of_patch c = column_over({v3{x, 1, -2}, {x, 5, -2}, {x + 3, 1, -2}}, 0.0);
     EXPECT_DOUBLE_EQ(c.volume, whole_column) << "from " << x << "; a corner at an end is not beyond it";
+  }
+}
+
+// Whichever corner it is: the one at an end of the table is not beyond it, and the whole patch counts.
+TEST(WaterColumn, OfAPatchWithOneCornerExactlyAtAnEndOfTheWaveTableIsTakenWhole) {
+  for (std::size_t first = 0; first < 3; ++first) {
+    const auto turned = [first](const std::array<v3, 3>& q) {
+      return std::array<v3, 3>{q[first], q[(first + 1) % 3], q[(first + 2) % 3]};
+    };
+    const std::array<v3, 3> before = {v3{k_first, 1, -2}, {-3, 1, -2}, {-3, 5, -2}};
+    const std::array<v3, 3> behind = {v3{k_last, 1, -2}, {k_last + 3, 5, -2}, {k_last + 3, 1, -2}};
+    EXPECT_DOUBLE_EQ(std::fabs(column_over(turned(before), 0.0).volume), 12.0) << "corner " << first;
+    EXPECT_DOUBLE_EQ(std::fabs(column_over(turned(behind), 0.0).volume), 12.0) << "corner " << first;
+  }
+}
+
+// With a corner above the level, one at it and one below, the column is put together from the corner above: three
+// pieces, of which the one at the level is empty. Their sum rounds in its own way.
+TEST(WaterColumn, OfACornerAboveOneAtAndOneBelowTheLevelIsThatOfTheLiteralReferenceToTheBit) {
+  random_source random(9);
+  for (int i = 0; i < 200; ++i) {
+    const double level = uniform(random, -0.5, 0.5);
+    std::array<v3, 3> q = {v3{uniform(random, 10, 12), uniform(random, -1, 1), level + uniform(random, 0.1, 1)},
+                           {uniform(random, 10, 12), uniform(random, -1, 1), level},
+                           {uniform(random, 10, 12), uniform(random, -1, 1), level - uniform(random, 0.1, 1)}};
+    std::rotate(q.begin(), q.begin() + i % 3, q.end());
+    const double facing = cross(q[1] - q[0], q[2] - q[0])[2];
+    const column_of_patch c = column_over(q, level);
+    const qvref::column_result expected = qvref::water_column(k_first, k_last, q, facing, level);
+    ASSERT_EQ(c.volume, expected.volume) << i;
+    for (std::size_t k = 0; k < 3; ++k) ASSERT_EQ(c.moment_sum[k], expected.moment[k]) << i;
   }
 }
 

@@ -155,6 +155,35 @@ TEST_P(RandomSoilScenes, GiveTheResultsOfTheLiteralReferenceBitForBit) {
 
 INSTANTIATE_TEST_SUITE_P(Meshes, RandomSoilScenes, testing::Range(0, k_mesh_kinds));
 
+/// Turns one axis of the marker round, so that its matrix has the determinant -1: the marker of a mirror image.
+void mirror(marker_state& marker, std::size_t axis) {
+  for (std::size_t c = 0; c < 3; ++c) marker.axes[3 * axis + c] = -marker.axes[3 * axis + c];
+}
+
+bool run_mirrored(unsigned seed, bool mirror_body, bool mirror_road, census& seen) {
+  random_source random(seed);
+  const soil_mesh mesh = random_mesh(static_cast<int>(seed) % k_mesh_kinds, random);
+  const qvref::body body = random_body(random);
+  SoilScene scene(mesh, loam(), body);
+  qvref::soil_element reference(qvref::derive_road(mesh.nodes, mesh.triangles, as_read(loam())), body);
+  for (int step = 0; step < 9; ++step) {
+    move_road(scene, random);
+    if (mirror_road) mirror(scene.road(), static_cast<std::size_t>(step) % 3);
+    place(scene.body(), scene.road(), random_place(mesh, body, random), random);
+    if (mirror_body) mirror(scene.body(), static_cast<std::size_t>(whole(random, 0, 2)));
+    if (!compare_call(scene, reference, step == 0 ? 1 : step % 3, seen)) return false;
+  }
+  return true;
+}
+
+TEST(MirroredMarkers, GiveTheResultsOfTheLiteralReferenceBitForBit) {
+  for (const auto& [body, road] : {std::pair{true, false}, {false, true}, {true, true}}) {
+    census seen;
+    for (unsigned seed = 1; seed <= 24; ++seed) ASSERT_TRUE(run_mirrored(seed, body, road, seen)) << "seed " << seed;
+    EXPECT_GT(seen.in_contact, seen.points / 40);
+  }
+}
+
 /// Points exactly on nodes, edges and the borders of the extent: everything in sixteenths.
 bool run_on_lattice(unsigned seed, census& seen) {
   random_source random(seed);

@@ -381,5 +381,41 @@ TEST(Pressure, DoesNotDependOnTheWidthInTheRoadFile) {
   EXPECT_EQ(first_difference(results[0], results[1]), -1);
 }
 
+TEST(MirroredRoadMarker, ShowsTheMirrorImageOfItsRoad) {
+  soil_mesh rising = flat_mesh(8, 8, 0.5, -2.0, -2.0), falling = rising;
+  for (qvref::v3& node : rising.nodes) node[2] = 0.125 * node[0];
+  for (qvref::v3& node : falling.nodes) node[2] = -0.125 * node[0];
+  const qvref::body plate = {1, 0.6, 0.3, 5, 3};
+  SoilScene mirrored(rising, loam(), plate), plain(falling, loam(), plate);
+  mirrored.road().axes[0] = -1.0;
+  for (SoilScene* scene : {&mirrored, &plain}) {
+    scene->body().position = {0.71, 0.13, -0.14};
+    scene->body().velocity = {0.4, -0.2, -0.1};
+    scene->call(1);
+    scene->call(2);
+    scene->body().position[0] += 0.01;
+    scene->call(0);
+  }
+  ASSERT_GT(plain.total(2), 1e4);
+  for (std::size_t i = 0; i < plain.result().size(); ++i) {
+    EXPECT_NEAR(mirrored.result()[i], plain.result()[i], 1e-12 * std::max(1.0, std::fabs(plain.total(2)))) << i;
+  }
+}
+
+// Heights may only be compared along the road marker's axis where its axes are a rotation to the last digits: with a z
+// axis that leans by 4e-7 without the others, a place 100 m from the marker looks higher along it by 0.04 mm.
+TEST(RoadMarker, WithAxesThatAreNotQuiteUprightCarriesAPointFarFromItAllTheSame) {
+  constexpr double k_lean = 4e-7, k_sunk = 1e-5;
+  SoilScene scene(flat_mesh(4, 4, 0.5, 99.0, -1.0), loam(), {1, 0.5, 0.25, 3, 3});
+  scene.road().axes[6] = k_lean;
+  scene.body().position = {100.0, 0.1, -k_sunk};
+  scene.call(1);
+  EXPECT_NEAR(scene.point(1, 1, 6), -k_sunk, 1e-11) << "sinkage";
+  EXPECT_GT(scene.total(2), 0.0);
+  scene.body().position[2] = k_sunk;
+  scene.call(0);
+  EXPECT_EQ(scene.total(2), 0.0) << "above it";
+}
+
 }  // namespace
 }  // namespace qvtest

@@ -202,6 +202,34 @@ TEST_P(RandomTrackScenes, GiveTheResultsOfTheLiteralReferenceBitForBit) {
 
 INSTANTIATE_TEST_SUITE_P(Meshes, RandomTrackScenes, testing::Range(0, k_mesh_kinds));
 
+/// Turns one axis of the marker round, so that its matrix has the determinant -1: the marker of a mirror image.
+void mirror(marker_state& marker, int axis) {
+  for (int c = 0; c < 3; ++c) {
+    double& entry = marker.axes[static_cast<std::size_t>(3 * axis + c)];
+    entry = -entry;
+  }
+}
+
+TEST(MirroredTrackMarkers, GiveTheResultsOfTheLiteralReferenceBitForBit) {
+  census seen;
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    random_source random(seed);
+    const soil_mesh mesh = random_mesh(static_cast<int>(seed) % k_mesh_kinds, random);
+    const std::vector<circle> chain = level_circles(4, 0.5, 0.2, 0.0);
+    BeltScene scene(mesh, loam(), chain);
+    qvref::track reference(qvref::derive_road(mesh.nodes, mesh.triangles, as_read(loam())), scene.parameters.layout());
+    for (int step = 0; step < 6; ++step) {
+      move_frames(scene, random);
+      marker_state* const markers[] = {&scene.road(), &scene.vehicle(), &scene.node(1)};
+      if (seed % 3 == 0) mirror(scene.road(), step % 3);
+      place_gear(scene, chain, {0.0, 0.0, uniform(random, -0.2, 0.0)}, random);
+      if (seed % 3 != 0) mirror(*markers[seed % 3], step % 3);
+      ASSERT_TRUE(compare_call(scene, reference, step == 0 ? 1 : step % 3, 0.1 * step, seen)) << "seed " << seed;
+    }
+  }
+  EXPECT_GT(seen.in_contact, seen.points / 40);
+}
+
 /// Everything in sixteenths: belt points exactly on nodes, edges, borders and the surface.
 bool run_on_lattice(unsigned seed, census& seen) {
   random_source random(seed);
