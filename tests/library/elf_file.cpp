@@ -45,6 +45,24 @@ public:
   }
   Elf64_Shdr section_at(std::size_t k) const { return at<Elf64_Shdr>(m_header.e_shoff + k * m_header.e_shentsize); }
 
+  template <class Visit>
+  void for_each_segment(Visit&& visit) const {
+    for (std::size_t k = 0; k < m_header.e_phnum; ++k) {
+      visit(at<Elf64_Phdr>(m_header.e_phoff + k * m_header.e_phentsize));
+    }
+  }
+
+  /// Bytes at an address of the loaded file; fewer than asked for if they are not in it.
+  std::string bytes_at(std::uint64_t address, std::size_t size) const {
+    std::string bytes;
+    for_each_segment([&](const Elf64_Phdr& s) {
+      if (s.p_type != PT_LOAD || address < s.p_vaddr || address + size > s.p_vaddr + s.p_filesz) return;
+      const std::size_t offset = s.p_offset + (address - s.p_vaddr);
+      bytes.assign(m_bytes.data() + offset, size);
+    });
+    return bytes;
+  }
+
   template <class Record, class Visit>
   void for_each(const Elf64_Shdr& section, Visit&& visit) const {
     const std::size_t strings = section_at(section.sh_link).sh_offset;
@@ -57,6 +75,24 @@ private:
   std::vector<char> m_bytes;
   Elf64_Ehdr m_header;
 };
+
+/// Whether a note says that all code keeps to a shadow stack: the second bit of the property of x86 features.
+bool marks_shadow_stack(const image& library, const Elf64_Phdr& segment) {
+  constexpr std::uint32_t k_features = 0xc0000002, k_shadow_stack = 2;
+  std::size_t at = segment.p_offset + sizeof(Elf64_Nhdr) + 4;  // behind the name "GNU"
+  const std::size_t end = segment.p_offset + segment.p_filesz;
+  while (at + 8 <= end) {
+    const auto type = library.at<std::uint32_t>(at), size = library.at<std::uint32_t>(at + 4);
+    if (type == k_features) return (library.at<std::uint32_t>(at + 8) & k_shadow_stack) != 0;
+    at += 8 + (size + 7) / 8 * 8;
+  }
+  return false;
+}
+
+void add_segment(elf_file& file, const image& library, const Elf64_Phdr& segment) {
+  if (segment.p_type == PT_GNU_RELRO) file.has_relro = true;
+  if (segment.p_type == PT_GNU_PROPERTY) file.shadow_stack = marks_shadow_stack(library, segment);
+}
 
 void add_symbol(elf_file& file, const Elf64_Sym& symbol, const std::string& name) {
   const auto binding = ELF64_ST_BIND(symbol.st_info);
@@ -75,12 +111,18 @@ elf_file read_elf(const std::string& path) {
   const image library(path);
   elf_file file;
   library.for_each<Elf64_Sym>(library.section(SHT_DYNSYM), [&](const Elf64_Sym& symbol, std::size_t strings) {
-    add_symbol(file, symbol, library.text(strings + symbol.st_name));
+    const std::string name = library.text(strings + symbol.st_name);
+    add_symbol(file, symbol, name);
+    if (symbol.st_shndx != SHN_UNDEF && ELF64_ST_TYPE(symbol.st_info) == STT_FUNC) {
+      file.first_bytes[name] = library.bytes_at(symbol.st_value, 4);
+    }
   });
   library.for_each<Elf64_Dyn>(library.section(SHT_DYNAMIC), [&](const Elf64_Dyn& entry, std::size_t strings) {
     if (entry.d_tag == DT_NEEDED) file.needed.insert(library.text(strings + entry.d_un.d_val));
     if (entry.d_tag == DT_FLAGS_1 && (entry.d_un.d_val & DF_1_NOW) != 0) file.bind_now = true;
+    if (entry.d_tag == DT_RUNPATH || entry.d_tag == DT_RPATH) file.runpath = library.text(strings + entry.d_un.d_val);
   });
+  library.for_each_segment([&](const Elf64_Phdr& segment) { add_segment(file, library, segment); });
   return file;
 }
 
