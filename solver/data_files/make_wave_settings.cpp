@@ -1,6 +1,7 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -50,12 +51,10 @@ std::string mistake_in_waves(const WaveSettings& s) {
   const double length = wave_length(s), k = k_two_pi / length;
   const double limit = k_breaking * length * (s.depth == 0 ? 1.0 : std::tanh(k * s.depth));
   if (s.height > limit) {
-    char text[200];
-    std::snprintf(text, sizeof text,
-                  "waves of this period are %.4g long here and break at a height of %.4g; lower the height or "
-                  "lengthen the period",
-                  length, limit);
-    return text;
+    return fmt::format(
+        "waves of this period are {:.4g} long here and break at a height of {:.4g}; lower the height or lengthen the "
+        "period",
+        length, limit);
   }
   return "";
 }
@@ -69,11 +68,7 @@ std::string mistake_in_still_water(const WaveSettings& s) {
   return "";
 }
 
-std::string percent(double share) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.0f %%", 100 * share);
-  return text;
-}
+std::string percent(double share) { return fmt::format("{:.0f} %", 100 * share); }
 
 }  // namespace
 

@@ -5,7 +5,6 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -15,6 +14,7 @@
 #include "solver/data_files/made_line.h"
 #include "solver/data_files/road_mesh_check.h"
 #include "solver/data_files/soil_check.h"
+#include "solver/model/c_locale.h"
 #include "solver/model/nearest_name.h"
 #include "solver/model/number_text.h"
 #include "solver/model/units.h"
@@ -83,7 +83,7 @@ LineNumbers numbers_in(std::string_view line) {
     double& value = numbers.value[numbers.count];
     const auto end = std::from_chars(line.data(), line.data() + line.size(), value);
     if (end.ec == std::errc::invalid_argument) return numbers;
-    if (end.ec == std::errc::result_out_of_range) value = std::strtod(std::string(line).c_str(), nullptr);
+    if (end.ec == std::errc::result_out_of_range) value = read_double(std::string(line).c_str(), nullptr);
     line.remove_prefix(static_cast<size_t>(end.ptr - line.data()));
     ++numbers.count;
   }
@@ -265,7 +265,7 @@ private:
   /// The number that the reader takes from a value; what stands behind it is ignored.
   double number_in(const std::string& key, const std::string& value) {
     char* end = nullptr;
-    const double number = std::strtod(value.c_str(), &end);
+    const double number = read_double(value.c_str(), &end);
     if (end == value.c_str())
       note(Level::warning, "road-no-number", m_next, key + ": '" + trimmed(value) + "' is no number and counts as 0");
     else if (*end == ',' && std::isdigit(static_cast<unsigned char>(end[1])) != 0)

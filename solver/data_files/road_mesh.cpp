@@ -1,9 +1,10 @@
 #include "solver/data_files/road_mesh.h"
 
 #include <array>
-#include <cstdlib>
 #include <fstream>
 #include <vector>
+
+#include "solver/model/c_locale.h"
 
 namespace qvslv {
 
@@ -13,7 +14,7 @@ namespace {
 size_t count_of(const std::string& line) {
   const size_t equals = line.find('=');
   if (equals == std::string::npos) return 0;
-  const double count = std::atof(line.c_str() + equals + 1);
+  const double count = read_double(line.c_str() + equals + 1);
   return count > 0 && count < 1e9 ? static_cast<size_t>(count) : 0;
 }
 
@@ -23,7 +24,7 @@ int read_numbers(const std::string& line, std::array<double, 4>& numbers) {
   int count = 0;
   while (count < 4) {
     char* end = nullptr;
-    numbers[static_cast<size_t>(count)] = std::strtod(text, &end);
+    numbers[static_cast<size_t>(count)] = read_double(text, &end);
     if (end == text) break;
     text = end;
     ++count;

@@ -1,7 +1,8 @@
 #include "solver/data_files/soil_presets.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
-#include <cstdio>
 
 namespace qvslv {
 
@@ -88,17 +89,14 @@ std::string soil_preset_table() {
       "                          [-]    [N/m^(n+1)]   [N/m^(n+2)]   [Pa]    [deg]  [m]\n";
   for (const SoilPreset& preset : soil_presets()) {
     const RoadSoil& s = preset.soil;
-    char line[200];
-    std::snprintf(line, sizeof line, "%-25s %-6.4g %-13.6g %-13.6g %-7.6g %-6.4g %-6.3g %s\n", preset.name,
-                  s.sinkage_exponent, s.cohesive_coeff, s.frictional_coeff, s.cohesion, s.friction_angle,
-                  s.shear_displacement, preset.description);
-    text += line;
+    text += fmt::format("{:<25} {:<6.4g} {:<13.6g} {:<13.6g} {:<7.6g} {:<6.4g} {:<6.3g} {}\n", preset.name,
+                        s.sinkage_exponent, s.cohesive_coeff, s.frictional_coeff, s.cohesion, s.friction_angle,
+                        s.shear_displacement, preset.description);
   }
   const RoadSoil common;
-  char line[200];
-  std::snprintf(line, sizeof line, "All with sensitivity %g, damping ratio %g s, boundary sinkage %g m.\n",
-                common.sensitivity, common.damp_ratio, common.boundary_sinkage);
-  return text + line +
+  return text +
+         fmt::format("All with sensitivity {:g}, damping ratio {:g} s, boundary sinkage {:g} m.\n", common.sensitivity,
+                     common.damp_ratio, common.boundary_sinkage) +
          "n, kc, kphi, c, phi: measured values collected in J. Y. Wong, Theory of Ground Vehicles.\n"
          "K: shear displacement at full strength, typical of the soil's class (same work: firm sand 0.01,\n"
          "loose sand 0.025, compact clay 0.006, fresh snow 0.025 to 0.05 m); not measured with the other values,\n"

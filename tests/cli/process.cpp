@@ -10,6 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/support/exact_text.h"
 #include "tests/support/temporary_folder.h"
 
 namespace fs = std::filesystem;
@@ -102,7 +103,7 @@ ResultTable::ResultTable(const fs::path& csv) {
     std::istringstream row(line);
     for (std::vector<double>& column : m_columns) {
       if (!std::getline(row, cell, ',')) throw std::runtime_error("a row of " + csv.string() + " is too short");
-      column.push_back(std::stod(cell));
+      column.push_back(qvtest::number_in(cell));
     }
   }
 }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <locale>
 #include <sstream>
 
 #include "tests/cli/process.h"
@@ -48,6 +49,7 @@ position = )toml" +
 /// Markers in a row along x, and the list of wheels on them.
 std::string gear(const std::string& track, int wheels, double spacing, double y, const std::string& keys) {
   std::ostringstream markers, list;
+  markers.imbue(std::locale::classic());
   for (int i = 0; i < wheels; ++i) {
     const std::string name = track + "_axle_" + std::to_string(i);
     markers << "[[marker]]\nname = \"" << name << "\"\nbody = \"vehicle\"\nposition = ["
@@ -104,6 +106,7 @@ TEST(TrackRun, TwoTracksOfFiveWheelsOnOneRoadFileShareTheWeight) {
 std::vector<double> vtk_array(const std::string& text, const std::string& name) {
   const size_t head = text.find("Name=\"" + name + "\""), begin = text.find('>', head) + 1;
   std::istringstream stream(text.substr(begin, text.find("</DataArray>", begin) - begin));
+  stream.imbue(std::locale::classic());
   std::vector<double> values;
   for (double value; stream >> value;) values.push_back(value);
   return values;

@@ -16,6 +16,7 @@ const soil k_soils[5] = {{"dry sand", 1.10, 990, 1.52843e6},
 void write_level_road(const std::filesystem::path& file, const soil& ground, double half_length, double damp_ratio,
                       double boundary_sinkage) {
   std::ofstream out(file);
+  out.imbue(std::locale::classic());
   out.precision(17);
   out << "FILE_TYPE = 'RDF'\nMETHOD = '3D_SOIL'\nNORMAL_PRESSURE=BEKKER\nSHEAR_PRESSURE=WONG\n"
       << "SINKAGE_EXPONENT = " << ground.n << "\nCOHESIVE_COEFF = " << ground.kc

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <locale>
 #include <sstream>
 
 namespace qvtest {
@@ -13,6 +14,8 @@ constexpr double k_degree = M_PI / 180;
 
 std::string wheels_of(const belt& gear, std::string& markers) {
   std::ostringstream table, list;
+  table.imbue(std::locale::classic());
+  list.imbue(std::locale::classic());
   table.precision(17);
   list.precision(17);
   for (int i = 0; i < gear.wheels; ++i) {
@@ -61,6 +64,7 @@ std::string belt_model(const belt& gear, const track_soil& soil, const std::stri
   std::string markers;
   const std::string wheels = wheels_of(gear, markers);
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text.precision(17);
   text << "gravity = [0, 0, -10]\n[simulation]\n"
        << simulation << "[[road]]\nname = \"field\"\nfile = \"field.rdf\"\nkind = \"flat\"\nsize = [12, 6]\n"

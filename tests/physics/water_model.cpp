@@ -10,6 +10,7 @@ namespace {
 
 std::string digits(double value) {
   std::ostringstream out;
+  out.imbue(std::locale::classic());
   out.precision(17);
   out << value;
   return out.str();

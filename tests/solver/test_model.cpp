@@ -8,6 +8,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/support/exact_text.h"
+
 using namespace qvslv;
 
 Vec3 operator+(const Vec3& a, const Vec3& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
@@ -201,7 +203,7 @@ TestRun run(const TestModel& model, RunOptions options) {
       continue;
     }
     std::vector<double> row;
-    for (const std::string& text : texts) row.push_back(std::strtod(text.c_str(), nullptr));
+    for (const std::string& text : texts) row.push_back(qvtest::number_in(text));
     out.rows.push_back(row);
   }
   return out;

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 
 #include "tests/solver/data_files/water_library.h"
 #include "tests/solver/data_files/wave_settings.h"
@@ -275,7 +277,7 @@ TEST_F(WaveFileOnDisk, CannotBeWrittenIntoAFolderThatIsNotThere) {
     qvslv::write_wave_file(qvslv::completed(regular()), m_folder.path("none/sea.wave"));
     FAIL() << "written";
   } catch (const std::runtime_error& error) {
-    EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
+    EXPECT_THAT(error.what(), HasSubstr(std::strerror(ENOENT)));
   }
 }
 

@@ -5,6 +5,7 @@
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/soil_presets.h"
 #include "solver/model/units.h"
+#include "tests/support/foreign_locale.h"
 
 namespace {
 
@@ -59,6 +60,15 @@ TEST(RoadCheck, GoodRoadHasNoFindingsAndIsCounted) {
   EXPECT_DOUBLE_EQ(check.x_max, 1);
   EXPECT_DOUBLE_EQ(check.z_max, 0.5);
   EXPECT_EQ(check.soil_type, "SAND");
+}
+
+TEST(RoadCheck, InAProcessWithADecimalCommaReadsTheSameNumbers) {
+  const qvtest::ForeignLocale german(qvtest::k_german);
+  const qvslv::RoadCheck check = qvslv::check_road_text(k_good_road, "road.rdf");
+  EXPECT_TRUE(check.findings().empty());
+  EXPECT_EQ(check.z_max, 0.5);
+  EXPECT_THAT(check.values, testing::Contains(testing::Pair("MAX_SHEAR_DISP", 0.01)));
+  EXPECT_THAT(qvslv::soil_preset_table(), HasSubstr("damping ratio 0.01 s"));
 }
 
 struct trap_case {

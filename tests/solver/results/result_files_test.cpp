@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <locale>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -11,6 +12,7 @@
 #include "solver/results/shape_mesh.h"
 #include "tests/solver/test_hook.h"
 #include "tests/solver/test_model.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -51,6 +53,7 @@ std::vector<double> array(const std::string& text, const std::string& name) {
   }
   const size_t begin = text.find('>', tag) + 1;
   std::stringstream values(text.substr(begin, text.find('<', begin) - begin));
+  values.imbue(std::locale::classic());
   std::vector<double> out;
   for (double value; values >> value;) out.push_back(value);
   return out;
@@ -117,9 +120,7 @@ TEST(ResultsCsv, NumbersReadBackToTheSameBits) {
     std::stringstream fields(line);
     std::string field;
     for (size_t k = 0; std::getline(fields, field, ','); ++k) {
-      char exact[40];
-      std::snprintf(exact, sizeof exact, "%.17g", out.rows[row][k]);
-      EXPECT_EQ(std::strtod(field.c_str(), nullptr), std::strtod(exact, nullptr));
+      EXPECT_EQ(qvtest::number_in(field), qvtest::number_in(qvtest::exact_text(out.rows[row][k])));
     }
   }
 }
