@@ -201,6 +201,13 @@ TEST(CurrentTable, InAnyOtherModeIsInterpolatedOverYAndHeldAtItsEnds) {
   }
 }
 
+TEST(CurrentTable, WhoseFirstKeyStandsTwiceHasTheSecondValueThere) {
+  Drifter drifter({{3, 0, {10, 10, 20, 20}, {1, 3, 5, 5}}, {1, 0, {0, 0}, {0, 0}}});
+  EXPECT_NEAR(drifter.at(33.0, 9.0)[0], 1.0, 1e-6) << "before it";
+  EXPECT_NEAR(drifter.at(33.0, 10.0)[0], 3.0, 1e-6) << "the empty interval holds nothing";
+  EXPECT_NEAR(drifter.at(33.0, 15.0)[0], 4.0, 1e-6);
+}
+
 TEST(CurrentTable, OfOneRowInModeOneHoldsNoInterval) {
   Drifter drifter({{1, 1, {50, 50}, {3, 3}}, {1, 1, {0, 0}, {3, 3}}});
   for (const double x : {10.0, 50.0, 90.0}) EXPECT_EQ(length(drifter.at(x, 0.0)), 0.0);

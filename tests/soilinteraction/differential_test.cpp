@@ -184,6 +184,20 @@ TEST(MirroredMarkers, GiveTheResultsOfTheLiteralReferenceBitForBit) {
   }
 }
 
+TEST(HeightsNearTheLargestNumber, GiveTheResultsOfTheLiteralReference) {
+  census seen;
+  for (const double z : {1e99, 1e101, 1e200, 1e308}) {
+    const soil_mesh mesh = flat_mesh(6, 5, 0.5, -1.5, -1.0);
+    const qvref::body body = {1, 0.5, 0.25, 3, 2};
+    SoilScene scene(mesh, loam(), body);
+    qvref::soil_element reference(qvref::derive_road(mesh.nodes, mesh.triangles, as_read(loam())), body);
+    scene.body().position = {0.1, 0.1, 0.0};
+    ASSERT_TRUE(compare_call(scene, reference, 1, seen));
+    scene.body().position[2] = z;
+    ASSERT_TRUE(compare_call(scene, reference, 0, seen)) << z;
+  }
+}
+
 /// Points exactly on nodes, edges and the borders of the extent: everything in sixteenths.
 bool run_on_lattice(unsigned seed, census& seen) {
   random_source random(seed);

@@ -220,6 +220,20 @@ TEST(Damping, RampsInUpToTheBoundarySinkageAndOpposesTheMotion) {
   }
 }
 
+// Not through the ramp, whose product and quotient would round.
+TEST(Damping, IsFullToTheBitExactlyAtTheBoundarySinkage) {
+  for (int i = 1; i <= 200; ++i) {
+    const double depth = 0.0013 * i;
+    loaded_point at_boundary = at_depth(depth), beyond_it = at_depth(depth);
+    qvref::soil soil = loam();
+    soil.boundary_sinkage = depth;
+    load(soil, k_plate, at_boundary);
+    soil.boundary_sinkage = 0.5 * depth;
+    load(soil, k_plate, beyond_it);
+    EXPECT_EQ(at_boundary.rc.damping, beyond_it.rc.damping) << depth;
+  }
+}
+
 TEST(Damping, NeverPullsTheBodyDown) {
   loaded_point point = at_depth(0.05);
   point.rc.normal_velocity = 50.0;
