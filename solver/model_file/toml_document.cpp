@@ -1,8 +1,9 @@
 #include "solver/model_file/toml_document.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
+
+#include "solver/model_file/toml_guard.h"
+#include "solver/model_file/toml_parser.h"
 
 namespace qvslv {
 
@@ -48,34 +49,6 @@ Value converted(const toml::node& node, const std::string& file) {
     value.kind = Value::Kind::other;
   }
   return value;
-}
-
-/// The parser and all that walks over its tables go down one call per part of a key. A key of thousands of parts would
-/// end the process, so it is refused before. Counts dots up to the next character that ends a key; dots in texts and
-/// comments are passed by.
-void refuse_deep_keys(std::string_view text, const std::string& file) {
-  constexpr int k_most = 10;  // no key of a model file has more parts
-  int parts = 1, line = 1;
-  char quote = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '\n') {
-      ++line;
-      quote = 0;
-      parts = 1;
-    } else if (quote != 0) {
-      if (c == '\\' && quote == '"') ++i;
-      if (c == quote) quote = 0;
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '#') {
-      i = std::min(text.find('\n', i), text.size()) - 1;
-    } else if (std::string_view("=,{}[]").find(c) != std::string_view::npos) {
-      parts = 1;
-    } else if (c == '.' && ++parts > k_most) {
-      throw ModelError({file, line, 1}, "a key of more than " + std::to_string(k_most) + " parts; is a dot too many?");
-    }
-  }
 }
 
 /// The parser's text without the name of the setting of its own that it quotes.

@@ -200,6 +200,26 @@ TEST(HostileInput, KeysAndValuesOfThousandsOfPartsAreRefused) {
   expect_no_bare_text(deep.err);
 }
 
+TEST(HostileInput, LettersBeyondAsciiStandInTextsAndComments) {
+  const fs::path folder = folder_with("");
+  for (const char* text :
+       {"k\u00e9y = 1\n", "gravity =\u03cb[0, 0, 0]\n", "a = 5{b=\"\u03cb}\n", "title = \"\"\"\\\u00e9\"\"\"\n"}) {
+    write_text(folder / "a.toml", text);
+    const CommandResult result = run_command({"check", "a.toml"}, folder);
+    EXPECT_EQ(result.code, 2) << text;
+    EXPECT_THAT(result.err, testing::StartsWith("a.toml:1:"));
+  }
+  const std::string dots(50, '.');
+  for (const std::string& text :
+       {"# caf\u00e9 'and \"so" + dots + "\ntitle = \"caf\u00e9 " + dots + "\"", "title = 'caf\u00e9 " + dots + "'",
+        "title = \"\"\"\ncaf\u00e9 \"so\"\n" + dots + "\n\"\"\"", "title = '''it's\ncaf\u00e9" + dots + "'''",
+        "title = \"\\\\\" # caf\u00e9" + dots, "title = \"\" # \u00e9" + dots, "title = \"a\\\"" + dots + "\""}) {
+    write_text(folder / "a.toml", text + k_model);
+    const CommandResult result = run_command({"check", "a.toml"}, folder);
+    EXPECT_EQ(result.code, 0) << text << result.err;
+  }
+}
+
 TEST(HostileInput, DevicesAreNoModels) {
   const CommandResult result = run_command({"check", "/dev/zero"}, fresh_folder());
   EXPECT_EQ(result.code, 2);
