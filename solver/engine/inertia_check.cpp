@@ -44,11 +44,12 @@ int find_coordinate_without_inertia(const SimTK::SimbodyMatterSubsystem& matter,
     ArticulatedInertia& own = articulated[static_cast<size_t>(k)];
     const int first = body.getFirstUIndex(state);
     for (int j = 0; j < body.getNumU(state); ++j) {
-      if (!is_free[static_cast<size_t>(first + j)]) continue;
+      const int u = first + j;
+      if (!is_free[static_cast<size_t>(u)]) continue;
       const SpatialVec motion = body.getHCol(state, SimTK::MobilizerUIndex(j));
       const SpatialVec felt = own * motion;
       const double pivot = ~motion * felt, entry = ~motion * (rigid[static_cast<size_t>(k)] * motion);
-      if (!(entry > 0) || !(pivot > k_vanishing * entry)) return first + j;
+      if (!(entry > 0) || !(pivot > k_vanishing * entry)) return u;
       release(own, felt, pivot);
     }
     const SimTK::MobilizedBody& parent = body.getParentMobilizedBody();

@@ -52,7 +52,7 @@ Value converted(const toml::node& node, const std::string& file) {
 }
 
 /// The parser's text without the name of the setting of its own that it quotes.
-std::string parser_text(std::string text) {
+std::string parser_text(const std::string& text) {
   const size_t setting = text.find(" (TOML_");
   return setting == std::string::npos ? text : text.substr(0, setting);
 }

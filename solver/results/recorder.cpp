@@ -114,7 +114,7 @@ void Recorder::record(const Engine& engine) {
   const std::vector<double> row = calc_result_row(m_columns, engine);
   m_csv.write(csv_line(row));
   m_csv.flush();
-  m_rows.add(m_recording.rows, row, sizeof row + row.size() * sizeof(double));
+  m_rows.add(m_recording.rows, row, sizeof(std::vector<double>) + row.size() * sizeof(double));
   m_recording.row_count = m_rows.count();
   if (!frame_due(engine.time())) return;
   Frame frame = calc_frame(engine, m_contact_axes.get());

@@ -65,6 +65,15 @@ TEST(Faults, AWarningOfASubroutineIsToldAndTheRunGoesOn) {
   expect_contains(out.told[0], "element soil at time 0: USUB WARNING: ANOTHER FILE.");
 }
 
+TEST(Faults, ASubroutineWithoutMemoryIsExplained) {
+  const Script script([&](const HookCall& call) {
+    char* slots[5] = {message("SOIL ERROR : std::bad_alloc"), nullptr, nullptr, nullptr, nullptr};
+    THROW_ERROR(call.handle, "USUB ERROR", 1, slots);
+  });
+  const TestRun out = run(one_force());
+  expect_contains(out.summary.message, "(there is not enough memory; make the grid, the road or the table coarser)");
+}
+
 TEST(Faults, ThrownWithoutAMessageSaysSo) {
   const Script script([&](const HookCall& call) { THROW_ERROR(call.handle, "USUB ERROR", 0, nullptr); });
   const TestRun out = run(one_force());
