@@ -65,7 +65,7 @@ TEST(RoadCheck, GoodRoadHasNoFindingsAndIsCounted) {
 TEST(RoadCheck, InAProcessWithADecimalCommaReadsTheSameNumbers) {
   const qvtest::ForeignLocale german(qvtest::k_german);
   const qvslv::RoadCheck check = qvslv::check_road_text(k_good_road, "road.rdf");
-  EXPECT_TRUE(check.findings().empty());
+  EXPECT_TRUE(check.found.empty());
   EXPECT_EQ(check.z_max, 0.5);
   EXPECT_THAT(check.values, testing::Contains(testing::Pair("MAX_SHEAR_DISP", 0.01)));
   EXPECT_THAT(qvslv::soil_preset_table(), HasSubstr("damping ratio 0.01 s"));
