@@ -184,6 +184,17 @@ TEST(DynamicSinkage, IsNoneWithoutACriticalPressureSlipOrLastPressure) {
   }
 }
 
+TEST(DynamicSinkage, IsNoneWithoutSlipWhateverTheExponentOfTheSlip) {
+  for (const double exponent : {0.0, -0.5}) {  // a power of 0 would be 1, or infinite
+    qvref::soil soil = slipping_loam();
+    soil.exponent_sd = exponent;
+    loaded_point point = at_depth(0.05);
+    point.rc.last_pressure = 3e4;
+    load(soil, k_plate, point);
+    EXPECT_EQ(point.sc.dynamic_sinkage, 0.0) << exponent;
+  }
+}
+
 TEST(DynamicSinkage, OfANegativeRatioUnderAFractionalExponentIsNotANumberAndPressesOnNothing) {
   loaded_point point = at_depth(0.05);
   point.rc.last_pressure = -3e4;
