@@ -123,17 +123,13 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
   options.strict = request.strict;
   options.force = request.force;
   options.on_progress = [&](const qvslv::Progress& progress) { progress_line.show(progress); };
-  std::string last_message;
   options.on_message = [&](const std::string& message) {
     progress_line.clear();
     print(stderr, "%s\n", message.c_str());
-    last_message = message;
   };
   catch_interrupt();
   const qvslv::RunSummary summary = qvslv::run_model(file, options);
   progress_line.clear();
-  const bool told = last_message.find(summary.message) != std::string::npos;
-  if (!summary.message.empty() && !told) print(stderr, "%s\n", summary.message.c_str());
   if (!request.quiet || summary.outcome != qvslv::RunOutcome::finished) tell_outcome(summary, request, time_unit);
   return exit_code(summary.outcome);
 }
