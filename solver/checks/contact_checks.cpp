@@ -5,6 +5,7 @@
 
 #include "qvbrisk/layouts.h"
 #include "solver/checks/checks.h"
+#include "solver/checks/soil_contact.h"
 #include "solver/checks/standing.h"
 
 /// Wheels and plates on soil (qvsoil_interaction).
@@ -15,29 +16,7 @@ namespace {
 constexpr double k_misfit =
     1.5;  // between the sizes of an element and of the body's shape; a diameter for a radius is 2
 
-struct Contact {
-  const Element& element;
-  bool wheel = false;
-  double size = 0, width = 0;       ///< radius of the wheel or length of the plate; width [length]
-  int marker = 0, road_marker = 0;  ///< indices into Model::markers
-  const char* size_key() const { return wheel ? "radius" : "length"; }
-};
-
-std::vector<Contact> contacts_of(const Model& model) {
-  std::vector<Contact> contacts;
-  for (const Element& element : model.elements) {
-    if (element.subroutine != "qvsoil_interaction") continue;
-    const std::vector<double>& par = element.par;
-    const int marker = find_marker(model, whole(par[QV_SOIL_BODY_MARKER])),
-              road_marker = find_marker(model, whole(par[QV_SOIL_ROAD_MARKER]));
-    if (marker == k_none || road_marker == k_none) continue;
-    contacts.push_back(
-        {element, whole(par[QV_SOIL_SHAPE]) != 1, par[QV_SOIL_SIZE], par[QV_SOIL_WIDTH], marker, road_marker});
-  }
-  return contacts;
-}
-
-void check_grid(const Contact& contact, Findings& findings) {
+void check_grid(const SoilContact& contact, Findings& findings) {
   constexpr double k_least_around = 60;
   const double around = contact.element.par[QV_SOIL_POINTS_ALONG];
   if (!contact.wheel || around >= k_least_around) return;
@@ -56,7 +35,7 @@ Vec3 cylinder_axis(const Shape& shape) {
 }
 
 /// A wheel with the axle of a body's cylinder, or around a body's sphere.
-bool drawn_as(const Contact& contact, const Marker& marker, const Body& body) {
+bool drawn_as(const SoilContact& contact, const Marker& marker, const Body& body) {
   if (!contact.wheel) return false;
   if (body.shape.kind == ShapeKind::sphere) return true;
   if (body.shape.kind != ShapeKind::cylinder) return false;
@@ -65,7 +44,7 @@ bool drawn_as(const Contact& contact, const Marker& marker, const Body& body) {
   return std::abs(dot(axle, cylinder_axis(body.shape))) > k_parallel;
 }
 
-void check_shape(const Contact& contact, const Model& model, Findings& findings) {
+void check_shape(const SoilContact& contact, const Model& model, Findings& findings) {
   const Marker& marker = model.markers[static_cast<size_t>(contact.marker)];
   if (marker.body == k_ground) return;
   const Body& body = model.bodies[static_cast<size_t>(marker.body)];
@@ -87,7 +66,7 @@ void check_shape(const Contact& contact, const Model& model, Findings& findings)
   }
 }
 
-void check_spacing(const Contact& contact, const Ground& ground, const Scene& scene, Findings& findings) {
+void check_spacing(const SoilContact& contact, const Ground& ground, const Scene& scene, Findings& findings) {
   if (ground.flat() || ground.edge() <= contact.size) return;
   warn(findings, "contact-road-spacing", contact.element, contact.size_key(),
        fmt::format(
@@ -96,7 +75,7 @@ void check_spacing(const Contact& contact, const Ground& ground, const Scene& sc
            contact.size, scene.text(contact.element.road_string), ground.edge()));
 }
 
-void check_axle(const Contact& contact, const Standing& standing, const Scene& scene, Findings& findings) {
+void check_axle(const SoilContact& contact, const Standing& standing, const Scene& scene, Findings& findings) {
   constexpr double k_most_tilt = 0.5;  // sine of 30 degrees
   if (!contact.wheel) return;
   const Vec3 axle =
@@ -111,7 +90,7 @@ void check_axle(const Contact& contact, const Standing& standing, const Scene& s
            scene.model.markers[static_cast<size_t>(contact.marker)].name, std::asin(std::min(1.0, tilt)) * k_degrees));
 }
 
-void check_depth(const Contact& contact, const Standing& standing, Findings& findings) {
+void check_depth(const SoilContact& contact, const Standing& standing, Findings& findings) {
   if (!standing.spot) return;
   const double reach = contact.wheel ? contact.size : 0;
   const double most = 0.5 * (contact.wheel ? contact.size : std::min(contact.size, contact.width));
@@ -124,7 +103,7 @@ void check_depth(const Contact& contact, const Standing& standing, Findings& fin
                   contact.wheel ? "wheel" : "plate", depth, contact.wheel ? "radius" : "shorter edge", most, depth));
 }
 
-void check_edges(const Contact& contact, const Scene& scene, Findings& findings) {
+void check_edges(const SoilContact& contact, const Scene& scene, Findings& findings) {
   const auto note = [&](const char* key, const Vec3& half_way) {
     note_over_edge(scene, contact.element, key, contact.marker, half_way, contact.road_marker, findings);
   };
@@ -136,7 +115,7 @@ void check_edges(const Contact& contact, const Scene& scene, Findings& findings)
 }  // namespace
 
 void check_contacts(const Scene& scene, Findings& findings) {
-  for (const Contact& contact : contacts_of(scene.model)) {
+  for (const SoilContact& contact : soil_contacts_of(scene.model)) {
     check_grid(contact, findings);
     check_shape(contact, scene.model, findings);
     const Ground* ground = scene.ground_of(contact.element);

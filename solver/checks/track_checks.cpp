@@ -7,6 +7,7 @@
 
 #include "qvbrisk/layouts.h"
 #include "solver/checks/checks.h"
+#include "solver/checks/soil_track.h"
 #include "solver/checks/standing.h"
 
 /// Belts on soil (qvsoil_interaction_mtl).
@@ -14,42 +15,14 @@ namespace qvslv {
 
 namespace {
 
-struct Node {
-  int marker = 0;     ///< index into Model::markers
-  double radius = 0;  ///< of the belt's outer face [length]
-};
-
-struct Track {
-  const Element& element;
-  int hull = 0, road_marker = 0, reference = 0;  ///< indices into Model::markers
-  std::vector<Node> nodes;
-};
-
-std::vector<Track> tracks_of(const Model& model) {
-  std::vector<Track> tracks;
-  for (const Element& element : model.elements) {
-    if (element.subroutine != "qvsoil_interaction_mtl") continue;
-    const std::vector<double>& par = element.par;
-    const auto marker = [&](size_t place) { return find_marker(model, whole(par[place])); };
-    Track track{element, marker(QV_TRACK_MARKER_I), marker(QV_TRACK_MARKER_J), marker(QV_TRACK_MARKER_R), {}};
-    for (size_t at = QV_TRACK_LENGTH; at + QV_TRACK_NODE_LENGTH <= par.size(); at += QV_TRACK_NODE_LENGTH)
-      track.nodes.push_back(
-          {marker(at + QV_TRACK_NODE_MARKER), par[at + QV_TRACK_NODE_RADIUS] + par[QV_TRACK_THICKNESS]});
-    bool whole_track = track.hull != k_none && track.road_marker != k_none && track.reference != k_none;
-    for (const Node& node : track.nodes) whole_track = whole_track && node.marker != k_none;
-    if (whole_track && track.nodes.size() > 1) tracks.push_back(std::move(track));
-  }
-  return tracks;
-}
-
 /// Length of the belt between two nodes: along the tangent of both circles.
-double span_length(const Scene& scene, const Node& a, const Node& b) {
+double span_length(const Scene& scene, const TrackNode& a, const TrackNode& b) {
   const Vec3 way = minus(scene.course.marker(b.marker).place, scene.course.marker(a.marker).place);
   const double difference = b.radius - a.radius;
   return std::sqrt(std::max(0.0, dot(way, way) - difference * difference));
 }
 
-void check_spacing(const Track& track, const Scene& scene, Findings& findings) {
+void check_spacing(const SoilTrack& track, const Scene& scene, Findings& findings) {
   constexpr double k_unequal = 0.1;  // of the last span: the error of the area, and so of the load at a depth
   std::vector<double> spans;
   for (size_t i = 0; i + 1 < track.nodes.size(); ++i)
@@ -67,31 +40,23 @@ void check_spacing(const Track& track, const Scene& scene, Findings& findings) {
   }
 }
 
-/// Whether a torque drives the belt: the drive's equation of motion names the track's road.
-bool driven(const Track& track, const Model& model) {
-  return std::any_of(model.elements.begin(), model.elements.end(), [&](const Element& element) {
-    return element.subroutine == "qvsoil_mtl_eom" &&
-           whole(element.par[QV_TRACK_EOM_ROAD]) == whole(track.element.par[QV_TRACK_ROAD]);
-  });
-}
-
-void check_heading(const Track& track, const Scene& scene, Findings& findings) {
-  constexpr double k_most_degrees = 15, k_degrees = 57.29577951308232;
-  if (!driven(track, scene.model)) return;
+void check_heading(const SoilTrack& track, const Scene& scene, Findings& findings) {
+  constexpr double k_degrees = 57.29577951308232;
+  if (!is_driven(track, scene.model)) return;
   const Vec3 forward = axis_of(scene.course.marker(track.hull), 0);
   const Vec3 along = axis_of(scene.course.marker(track.reference), 0);
   const double angle = std::acos(std::max(-1.0, std::min(1.0, dot(forward, along)))) * k_degrees;
-  if (!(angle > k_most_degrees)) return;
+  if (!(angle > k_most_heading)) return;
   warn(findings, "track-heading", track.element, "reference",
        fmt::format(
            "the track heads {:.0f} degrees off the x axis of '{}', and its drive feels only the shear along that "
            "axis; name a marker on the ground as 'reference' whose x axis is the track's heading (within {:.0f} "
            "degrees)",
-           angle, scene.model.markers[static_cast<size_t>(track.reference)].name, k_most_degrees));
+           angle, scene.model.markers[static_cast<size_t>(track.reference)].name, k_most_heading));
 }
 
 /// The deepest wheel counts, and only that is told.
-void check_depth(const Track& track, const Ground& ground, const Scene& scene, Findings& findings) {
+void check_depth(const SoilTrack& track, const Ground& ground, const Scene& scene, Findings& findings) {
   double deepest = 0;
   size_t which = 0;
   for (size_t i = 0; i < track.nodes.size(); ++i) {
@@ -111,7 +76,7 @@ void check_depth(const Track& track, const Ground& ground, const Scene& scene, F
                   which + 1, deepest * radius, k_most * radius, deepest * radius));
 }
 
-void check_off_road(const Track& track, const Scene& scene, Findings& findings) {
+void check_off_road(const SoilTrack& track, const Scene& scene, Findings& findings) {
   for (size_t i = 0; i < track.nodes.size(); ++i) {
     const size_t before = findings.size();
     note_off_road(scene, track.element, "wheel " + std::to_string(i + 1), track.nodes[i].marker, track.road_marker,
@@ -121,11 +86,11 @@ void check_off_road(const Track& track, const Scene& scene, Findings& findings) 
 }
 
 /// The belt reaches to both sides of its wheels along the vehicle's y axis; the first wheel off the road is told.
-void check_edges(const Track& track, const Scene& scene, Findings& findings) {
+void check_edges(const SoilTrack& track, const Scene& scene, Findings& findings) {
   const Vec3 across = axis_of(scene.course.marker(track.hull), 1);
   const double half = 0.5 * track.element.par[QV_TRACK_WIDTH];
   const size_t before = findings.size();
-  for (const Node& node : track.nodes) {
+  for (const TrackNode& node : track.nodes) {
     const Vec3 way = turned_back(scene.course.marker(node.marker).axes, across);
     note_over_edge(scene, track.element, "width", node.marker, {half * way[0], half * way[1], half * way[2]},
                    track.road_marker, findings);
@@ -136,7 +101,7 @@ void check_edges(const Track& track, const Scene& scene, Findings& findings) {
 }  // namespace
 
 void check_tracks(const Scene& scene, Findings& findings) {
-  for (const Track& track : tracks_of(scene.model)) {
+  for (const SoilTrack& track : soil_tracks_of(scene.model)) {
     check_spacing(track, scene, findings);
     check_heading(track, scene, findings);
     const Ground* ground = scene.ground_of(track.element);
