@@ -20,6 +20,7 @@
 #include "solver/results/report_page.h"
 #include "solver/results/results_folder.h"
 #include "solver/results/water_surface.h"
+#include "solver/watch/watch.h"
 
 namespace qvslv {
 
@@ -121,7 +122,8 @@ private:
         engine, *m_folder, [this](const std::string& text) { tell(text); }, m_options.recording);
     try {
       m_recorder->record(engine);
-      advance(engine, *m_recorder);
+      Watch watch(engine, m_recorder->recording(), m_options.warnings);
+      advance(engine, *m_recorder, watch);
     } catch (const std::exception& error) {
       finish(RunOutcome::failed, plain_reason(error));
     }
@@ -144,11 +146,14 @@ private:
              engine.rejected_steps(), engine.steps()));
   }
 
-  void advance(Engine& engine, Recorder& recorder) {
+  void advance(Engine& engine, Recorder& recorder, Watch& watch) {
     const OutputTimes outputs(m_model.simulation);
     for (long k = 1; k <= outputs.count(); ++k) {
       while (engine.time() < outputs.at(k)) {
         if (!engine.step(outputs.at(k))) return finish(engine.fault().outcome(), engine.fault().message());
+        const Findings findings = watch.look({engine, outputs.at(k), wall_seconds()});
+        for (const Finding& finding : findings) warn(finding);
+        if (m_options.strict && !findings.empty()) return;
         if (m_options.on_progress) {
           m_options.on_progress({engine.time(), m_model.simulation.end_time, engine.last_step(), wall_seconds()});
         }
@@ -167,10 +172,11 @@ private:
   }
 
   /// Something that looks wrong while the run goes on, or at its end. Under `strict` it is a fault.
-  void warn(const char* id, const std::string& text) {
-    const Finding finding = finding_in(m_model.path, 0, Level::warning, id, text);
+  void warn(const char* id, const std::string& text) { warn(finding_in(m_model.path, 0, Level::warning, id, text)); }
+
+  void warn(const Finding& finding) {
     m_record.warnings.push_back(finding);
-    if (m_options.strict) return fail(text);
+    if (m_options.strict) return fail(finding_text(finding));
     tell("warning: " + finding_text(finding));
   }
 
@@ -181,9 +187,9 @@ private:
     if (!message.empty()) tell(message);
   }
 
-  /// Trouble after the integration. A fault that ended the run stands as its reason.
+  /// Trouble that no fault of the engine tells of. The first reason for a run's end stands.
   void fail(const std::string& message) {
-    if (m_summary.outcome == RunOutcome::failed) return tell(message);
+    if (m_summary.outcome == RunOutcome::failed && !m_summary.message.empty()) return tell(message);
     finish(RunOutcome::failed, message);
   }
 
@@ -240,7 +246,9 @@ private:
     if (page != m_summary.files.end()) std::rotate(m_summary.files.begin(), page, page + 1);
   }
 
-  double wall_seconds() const { return std::chrono::duration<double>(Clock::now() - m_began).count(); }
+  double wall_seconds() const {
+    return m_options.seconds ? m_options.seconds() : std::chrono::duration<double>(Clock::now() - m_began).count();
+  }
 
   const Model& m_model;
   const RunOptions& m_options;

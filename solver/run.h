@@ -33,6 +33,7 @@ struct RunOptions {
   std::function<void(const Progress&)> on_progress;    ///< called after every accepted step, if set
   std::function<void(const std::string&)> on_message;  ///< gets one line for the user (warning, fault), if set
   /// Checked after every step: a signal's number ends the run.
+  std::function<double()> seconds;  ///< a clock that tells how long the run computes; empty: the machine's
   const volatile std::sig_atomic_t* interrupted = nullptr;
 };
 

@@ -47,6 +47,7 @@ public:
   const Fault& fault() const { return m_fault; }
   const Multibody& multibody() const { return m_multibody; }
   const ElementCalls& elements() const { return m_calls; }
+  const LoadTable& loads() const { return m_host.loads(); }  ///< as they are at the present state
   /// Variables and equations at the present state.
   const ModelReadings& readings() const { return m_readings; }
 

@@ -40,6 +40,7 @@ public:
 
   /// Forces of elements and applied forces as they were last evaluated.
   LoadTable& loads() { return m_loads; }
+  const LoadTable& loads() const { return m_loads; }
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char* name, const int* ids, int nids, double& value) override;

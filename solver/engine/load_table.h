@@ -28,6 +28,8 @@ public:
   AppliedLoad& of_element(size_t element) { return m_loads[m_slot_of_element[element]]; }
   /// @param force  index into Model::forces
   AppliedLoad& of_force(size_t force) { return m_loads[m_first_applied + force]; }
+  const AppliedLoad& of_element(size_t element) const { return m_loads[m_slot_of_element[element]]; }
+  const AppliedLoad& of_force(size_t force) const { return m_loads[m_first_applied + force]; }
 
   /// The load of the element or applied force with this id; null if none has it. Loads without an id (0) are not found.
   const AppliedLoad* find(int id) const;

@@ -29,10 +29,19 @@ NamedFile named_file(const Model& model, int id) {
   return {};
 }
 
-/// All roads of the model in ground axes, each once, at the poses of their markers.
-TriangleMesh place_roads(const Engine& engine, const Report& report) {
+RoadPlan plan_of(const Element& element, const TriangleMesh& mesh) {
+  RoadPlan plan{element.road_string, element.road_marker, mesh.points.front(), mesh.points.front()};
+  for (const Vec3& point : mesh.points)
+    for (size_t k = 0; k < 3; ++k) {
+      plan.low[k] = std::min(plan.low[k], point[k]);
+      plan.high[k] = std::max(plan.high[k], point[k]);
+    }
+  return plan;
+}
+
+/// Adds all roads of the model, each once, to the terrain in ground axes at the poses of their markers.
+void place_roads(Recording& recording, const Engine& engine, const Report& report) {
   const Model& model = engine.multibody().model();
-  TriangleMesh terrain;
   std::set<std::pair<int, int>> seen;
   for (const Element& element : model.elements) {
     if (element.road_string == 0 || !seen.emplace(element.road_string, element.road_marker).second) continue;
@@ -45,9 +54,9 @@ TriangleMesh place_roads(const Engine& engine, const Report& report) {
     const SimTK::Transform pose = engine.multibody().find_pose(engine.state(), element.road_marker);
     Rotation rotation{};
     for (int k = 0; k < 9; ++k) rotation[static_cast<size_t>(k)] = pose.R()[k % 3][k / 3];
-    append_mesh(terrain, *mesh, rotation, {pose.p()[0], pose.p()[1], pose.p()[2]});
+    append_mesh(recording.terrain, *mesh, rotation, {pose.p()[0], pose.p()[1], pose.p()[2]});
+    recording.roads.push_back(plan_of(element, *mesh));
   }
-  return terrain;
 }
 
 /// Adds the water that a hull floats in. Returns its index in Recording::waters, or k_none if its file cannot be read.
@@ -99,7 +108,7 @@ Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& re
       m_csv(folder.add("results.csv")) {
   const Model& model = engine.multibody().model();
   m_recording.model = &model;
-  m_recording.terrain = place_roads(engine, report);
+  place_roads(m_recording, engine, report);
   place_hulls(m_recording, report);
   m_recording.columns = headers_of(m_columns);
   m_csv.write(csv_line(m_recording.columns));

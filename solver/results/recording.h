@@ -50,6 +50,13 @@ struct Water {
   WaveFile wave;   ///< the table without its velocities
 };
 
+/// The rectangle around all nodes of a road, in the axes of its marker.
+struct RoadPlan {
+  int string = 0;  ///< id of the string that names its file
+  int marker = 0;  ///< index into Model::markers
+  Vec3 low = {0, 0, 0}, high = {0, 0, 0};
+};
+
 /// Bytes that a recording may hold, so that a run of any length needs no more memory.
 struct RecordingLimits {
   size_t frames = size_t{256} << 20U;
@@ -61,6 +68,7 @@ struct RecordingLimits {
 struct Recording {
   const Model* model = nullptr;
   TriangleMesh terrain;  ///< all roads in ground axes, in their places at the start
+  std::vector<RoadPlan> roads;
   std::vector<Hull> hulls;
   std::vector<Water> waters;
   std::vector<Frame> frames;

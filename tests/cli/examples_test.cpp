@@ -43,6 +43,7 @@ ResultTable results_of(const std::vector<std::string>& more = {}) {
   arguments.insert(arguments.end(), more.begin(), more.end());
   const CommandResult result = run_command(arguments, folder);
   EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_THAT(result.err, testing::Not(testing::HasSubstr("warning: "))) << "nothing looks wrong in an example";
   return ResultTable(folder / "results/results.csv");
 }
 
