@@ -89,7 +89,7 @@ public:
     try {
       const Plugin plugin(m_options.plugin_path);
       note_inputs(plugin);
-      Engine engine(m_model, plugin, [this](const std::string& text) { tell(text); });
+      Engine engine(m_model, plugin, [this](const std::string& text) { warn("subroutine", text); });
       integrate(engine);
     } catch (const std::exception& error) {  // for example a fault in the set-up or a full disk
       finish(RunOutcome::failed, plain_reason(error));
@@ -118,8 +118,9 @@ private:
   void integrate(Engine& engine) {
     engine.start();
     if (engine.fault().raised()) return finish(engine.fault().outcome(), engine.fault().message());
+    if (m_refused) return;
     m_recorder = std::make_unique<Recorder>(
-        engine, *m_folder, [this](const std::string& text) { tell(text); }, m_options.recording);
+        engine, *m_folder, [this](const std::string& text) { warn("no-picture", text); }, m_options.recording);
     try {
       m_recorder->record(engine);
       Watch watch(engine, m_recorder->recording(), m_options.warnings);
@@ -151,9 +152,8 @@ private:
     for (long k = 1; k <= outputs.count(); ++k) {
       while (engine.time() < outputs.at(k)) {
         if (!engine.step(outputs.at(k))) return finish(engine.fault().outcome(), engine.fault().message());
-        const Findings findings = watch.look({engine, outputs.at(k), wall_seconds()});
-        for (const Finding& finding : findings) warn(finding);
-        if (m_options.strict && !findings.empty()) return;
+        for (const Finding& finding : watch.look({engine, outputs.at(k), wall_seconds()})) warn(finding);
+        if (m_refused) return;
         if (m_options.on_progress) {
           m_options.on_progress({engine.time(), m_model.simulation.end_time, engine.last_step(), wall_seconds()});
         }
@@ -176,7 +176,8 @@ private:
 
   void warn(const Finding& finding) {
     m_record.warnings.push_back(finding);
-    if (m_options.strict) return fail(finding_text(finding));
+    m_refused = m_options.strict;
+    if (m_refused) return fail(finding_text(finding));
     tell("warning: " + finding_text(finding));
   }
 
@@ -256,6 +257,7 @@ private:
   std::optional<ResultsFolder> m_folder;
   RunRecord m_record;
   RunSummary m_summary;
+  bool m_refused = false;                ///< a warning came, and warnings are errors
   std::unique_ptr<Recorder> m_recorder;  ///< null if the run ended before its start
 };
 

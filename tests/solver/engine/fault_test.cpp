@@ -65,6 +65,22 @@ TEST(Faults, AWarningOfASubroutineIsToldAndTheRunGoesOn) {
   expect_contains(out.told[0], "element soil at time 0: USUB WARNING: ANOTHER FILE.");
 }
 
+TEST(Faults, AWarningOfASubroutineStandsInTheRecordAndEndsAStrictRun) {
+  const Script script([&](const HookCall& call) {
+    if (call.iflag != 1) return;
+    char* slots[5] = {message("ANOTHER FILE."), nullptr, nullptr, nullptr, nullptr};
+    THROW_ERROR(call.handle, "USUB WARNING", 1, slots);
+  });
+  EXPECT_EQ(record_of(run(one_force()))["warnings"][0]["id"], "subroutine");
+  RunOptions options;
+  options.strict = true;
+  const TestRun out = run(one_force(), options);
+  EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
+  expect_contains(out.summary.message, "ANOTHER FILE.");
+  EXPECT_EQ(out.summary.steps, 0);
+  EXPECT_FALSE(record_of(out)["complete"]);
+}
+
 TEST(Faults, ASubroutineWithoutMemoryIsExplained) {
   const Script script([&](const HookCall& call) {
     char* slots[5] = {message("SOIL ERROR : std::bad_alloc"), nullptr, nullptr, nullptr, nullptr};

@@ -190,7 +190,7 @@ TEST(ValueServices, UnknownIdsSetTheFlagKeepTheOutputAndAreToldOnce) {
                                   "AKISPL: no spline has the id 4711"};
   ASSERT_EQ(out.told.size(), std::size(expected));
   for (size_t k = 0; k < out.told.size(); ++k) {
-    EXPECT_EQ(out.told[k], "element asks at time 0: " + std::string(expected[k]));
+    EXPECT_EQ(out.told[k], "warning: test_model.toml: element asks at time 0: " + std::string(expected[k]));
   }
 }
 

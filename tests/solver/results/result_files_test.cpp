@@ -349,8 +349,10 @@ TEST(Frames, AHullOrAWaterThatCannotBeDrawnIsToldAndTheRunGoesOn) {
   const TestRun out = run(built, options);
   EXPECT_EQ(out.summary.outcome, RunOutcome::finished);
   ASSERT_EQ(out.told.size(), 2U);
-  EXPECT_EQ(out.told[0], "element hull: no picture of the water nowhere.wave: it cannot be read");
-  EXPECT_EQ(out.told[1], "element torn: no picture of the hull: its par holds no whole mesh");
+  EXPECT_EQ(out.told[0],
+            "warning: " + built.model.path + ": element hull: no picture of the water nowhere.wave: it cannot be read");
+  EXPECT_EQ(out.told[1],
+            "warning: " + built.model.path + ": element torn: no picture of the hull: its par holds no whole mesh");
   const std::vector<double> wet = array(read_text(out.folder + "/frames/hulls_000000.vtp"), "wet");
   EXPECT_EQ(wet, std::vector<double>(12, 0));
   EXPECT_FALSE(std::filesystem::exists(out.folder + "/frames/water_000000.vtp"));
