@@ -40,8 +40,8 @@ public:
     const SimTK::State& state = sight.engine.state();
     for (size_t i = 0; i < m_bodies.size(); ++i) {
       const SimTK::MobilizedBody& body = multibody.body(static_cast<int>(i));
-      look_at_speed(i, body.getBodyOriginVelocity(state).norm(), sight.engine.time(), findings);
-      look_at_place(i, body.getBodyOriginLocation(state).norm(), sight.engine.time(), findings);
+      look_at_speed(i, body.getBodyOriginVelocity(state), sight.engine.time(), findings);
+      look_at_place(i, body.getBodyOriginLocation(state), sight.engine.time(), findings);
     }
     for (size_t i = 0; i < m_model.elements.size(); ++i)
       if (m_model.elements[i].kind == ElementKind::force && !m_told_elements[i])
@@ -62,26 +62,26 @@ private:
     bool told_speed = false, told_place = false;
   };
 
-  void look_at_speed(size_t i, double speed, double time, Findings& findings) {
-    if (m_bodies[i].told_speed || !(speed > m_most_speed)) return;
+  void look_at_speed(size_t i, const SimTK::Vec3& velocity, double time, Findings& findings) {
+    if (m_bodies[i].told_speed || !(velocity.normSqr() > m_most_speed * m_most_speed)) return;
     m_bodies[i].told_speed = true;
     note(
         findings, "speed-beyond-sense", m_model.bodies[i],
         fmt::format("at the time {:.4g} it moves at {:.3g}, more than a tenth of the speed of light ({:.3g}); look for "
                     "a force that is too large or a mass that is too small",
-                    time, speed, m_most_speed));
+                    time, velocity.norm(), m_most_speed));
   }
 
-  void look_at_place(size_t i, double distance, double time, Findings& findings) {
+  void look_at_place(size_t i, const SimTK::Vec3& place, double time, Findings& findings) {
     const double most = m_bodies[i].most_distance;
-    if (m_bodies[i].told_place || most == 0 || !(distance > most)) return;
+    if (m_bodies[i].told_place || most == 0 || !(place.normSqr() > most * most)) return;
     m_bodies[i].told_place = true;
     note(
         findings, "place-beyond-digits", m_model.bodies[i],
         fmt::format("at the time {:.4g} it is {:.3g} away from the origin, more than 10^9 times its own size ({:.3g}): "
                     "the digits of its place no longer tell where it touches; end the run before, or look for what "
                     "threw it",
-                    time, distance, most / k_most_sizes));
+                    time, place.norm(), most / k_most_sizes));
   }
 
   void look_at_force(size_t i, const Engine& engine, Findings& findings) {

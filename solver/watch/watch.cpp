@@ -25,15 +25,21 @@ Watch::Watch(const Engine& engine, const Recording& recording, Findings known) :
 }
 
 Findings Watch::look(const Sight& sight) {
-  Findings found;
+  Findings found, news;
   for (const std::unique_ptr<Watcher>& watcher : m_watchers) watcher->look(sight, found);
-  const auto is_known = [this](const Finding& finding) {
-    return std::any_of(m_known.begin(), m_known.end(), [&](const Finding& other) {
-      return other.id == finding.id && other.at.line != 0 && same_place(other.at, finding.at);
-    });
-  };
-  found.erase(std::remove_if(found.begin(), found.end(), is_known), found.end());
-  return found;
+  for (const Finding& finding : found) {
+    if (is_known(finding)) continue;
+    m_known.push_back(finding);
+    news.push_back(finding);
+  }
+  return news;
+}
+
+/// Parts of a hull stand at one place of the model file; they count as one.
+bool Watch::is_known(const Finding& finding) const {
+  return std::any_of(m_known.begin(), m_known.end(), [&](const Finding& other) {
+    return other.id == finding.id && other.at.line != 0 && same_place(other.at, finding.at);
+  });
 }
 
 void note(Findings& findings, const char* id, const Element& element, const std::string& text) {

@@ -38,8 +38,10 @@ public:
   Findings look(const Sight& sight);
 
 private:
+  bool is_known(const Finding& finding) const;
+
   std::vector<std::unique_ptr<Watcher>> m_watchers;
-  Findings m_known;
+  Findings m_known;  ///< told before the run or in it
 };
 
 }  // namespace qvslv

@@ -203,4 +203,15 @@ TEST(Watch, DoesNotTellAgainWhatWasToldBeforeTheRun) {
   EXPECT_THAT(warnings_of(out), ElementsAre("speed-beyond-sense"));
 }
 
+TEST(Watch, TakesElementsFromOnePlaceOfTheModelForOne) {
+  TestModel built = ball(1e-6, 1e-7);
+  const Script script([&](const HookCall& call) { call.result[0] = 1e13; });
+  for (const int line : {7, 7, 8}) {
+    Element& part = built.add_element("part", "scripted", ElementKind::force, {}, 6);
+    part.marker = 1;
+    part.at = {"test_model.toml", line, 1};
+  }
+  EXPECT_THAT(warnings_of(run_to_end(built)), ElementsAre("force-beyond-digits", "force-beyond-digits"));
+}
+
 }  // namespace
