@@ -46,7 +46,6 @@ void Engine::start_motion() {
   start_equations();
   if (m_fault.raised()) return;
   make_integrator();
-  m_integrator->initialize(m_initial);
 }
 
 /// Derivatives that are not integrated come from an evaluation of their own. Forces may read them, so what that
@@ -60,32 +59,40 @@ void Engine::start_equations() {
 
 void Engine::make_integrator() {
   const Simulation& simulation = m_model.simulation;
+  if (simulation.integrator == Integrator::runge_kutta_merson) {
+    m_stepper = std::make_unique<MersonStepper>(m_multibody, m_initial, k_smallest_step * simulation.end_time, m_fault);
+    return;
+  }
   if (simulation.integrator == Integrator::semi_explicit_euler) {
     m_integrator = std::make_unique<SimTK::SemiExplicitEulerIntegrator>(m_multibody.system(), simulation.step);
   } else {
     m_integrator = std::make_unique<SimTK::RungeKuttaMersonIntegrator>(m_multibody.system());
-    if (simulation.integrator == Integrator::runge_kutta_fixed) {
-      m_integrator->setFixedStepSize(simulation.step);
-    } else {
-      m_integrator->setAccuracy(simulation.accuracy);
-      if (simulation.end_time > 0) m_integrator->setMinimumStepSize(k_smallest_step * simulation.end_time);
-      if (simulation.max_step > 0) m_integrator->setMaximumStepSize(simulation.max_step);
-    }
+    m_integrator->setFixedStepSize(simulation.step);
   }
   m_integrator->setReturnEveryInternalStep(true);
   m_integrator->setAllowInterpolation(false);
+  m_integrator->initialize(m_initial);
 }
 
-const SimTK::State& Engine::state() const { return m_integrator ? m_integrator->getAdvancedState() : m_initial; }
+const SimTK::State& Engine::state() const {
+  if (m_stepper) return m_stepper->state();
+  return m_integrator ? m_integrator->getAdvancedState() : m_initial;
+}
 
-long Engine::rejected_steps() const { return m_integrator ? m_integrator->getNumErrorTestFailures() : 0; }
+long Engine::rejected_steps() const { return m_stepper ? m_stepper->rejected() : 0; }
+
+void Engine::advance(double limit) {
+  if (m_stepper) return m_stepper->step(limit);
+  const double before = time();
+  // stepTo also returns without an advance: at the start of an interval, and if the limit is reached already.
+  while (!(time() > before) && !m_fault.raised()) m_integrator->stepTo(limit, limit);
+}
 
 bool Engine::step(double limit) {
   if (m_fault.raised()) return false;
   const double before = time();
   try {
-    // stepTo also returns without an advance: at the start of an interval, and if the limit is reached already.
-    while (!(time() > before) && !m_fault.raised()) m_integrator->stepTo(limit, limit);
+    advance(limit);
   } catch (const std::exception& error) {
     const std::string text = error.what();
     const bool lost = text.find("NaN") != std::string::npos;
@@ -133,10 +140,10 @@ bool Engine::creeps(double limit) {
 /// The calls after a step may have changed what the subroutines remember, and with it the forces. So the forces are
 /// evaluated again at the same state, and the next step starts from them.
 void Engine::restart() {
-  SimTK::State& advanced = m_integrator->updAdvancedState();
+  SimTK::State& advanced = m_stepper ? m_stepper->upd_state() : m_integrator->updAdvancedState();
   advanced.invalidateAllCacheAtOrAbove(SimTK::Stage::Dynamics);
   m_multibody.system().realize(advanced, SimTK::Stage::Acceleration);
-  m_integrator->reinitialize(SimTK::Stage::Dynamics, false);
+  if (m_integrator) m_integrator->reinitialize(SimTK::Stage::Dynamics, false);
 }
 
 void Engine::give_up(const std::string& why) {

@@ -8,6 +8,7 @@
 #include "solver/engine/element_calls.h"
 #include "solver/engine/forces.h"
 #include "solver/engine/host.h"
+#include "solver/engine/merson_stepper.h"
 #include "solver/engine/multibody.h"
 #include "solver/engine/plugin.h"
 #include "solver/engine/readings.h"
@@ -54,6 +55,7 @@ public:
 private:
   void start_motion();
   void make_integrator();
+  void advance(double limit);
   void start_equations();
   void call_after_step();
   void restart();
@@ -68,7 +70,8 @@ private:
   ElementCalls m_calls;
   EngineForces* m_forces;  ///< owned by the multibody system
   SimTK::State m_initial;
-  std::unique_ptr<SimTK::Integrator> m_integrator;
+  std::unique_ptr<MersonStepper> m_stepper;         ///< the error-controlled integrator, or else
+  std::unique_ptr<SimTK::Integrator> m_integrator;  ///< one of fixed steps
   double m_last_step = 0;
   int m_smallest_steps = 0;  ///< number of steps of the smallest size in a row
   long m_steps = 0;

@@ -110,6 +110,7 @@ void check_simulation(const Simulation& simulation) {
                                                     {"frame_step", simulation.frame_step},
                                                     {"accuracy", simulation.accuracy},
                                                     {"step", simulation.step},
+                                                    {"smallest_motion", simulation.smallest_motion},
                                                     {"max_step", simulation.max_step}};
   for (const auto& [key, value] : numbers)
     require_finite(std::array<double, 1>{value}, std::string("simulation, ") + key);

@@ -214,9 +214,10 @@ struct Simulation {
   double output_step = 0;  ///< time between two rows of results.csv
   double frame_step = 0;   ///< time between two frames of the picture; 0: a frame at every output
   Integrator integrator = Integrator::runge_kutta_merson;
-  double accuracy = 1e-4;  ///< runge_kutta_merson: its error tolerance, relative
-  double step = 0;         ///< all others: their fixed step
-  double max_step = 0;     ///< runge_kutta_merson: longest step; 0: none
+  double accuracy = 1e-5;      ///< runge_kutta_merson: its error tolerance, relative to what moves
+  double smallest_motion = 0;  ///< runge_kutta_merson: shorter ways do not count; 0: a share of the bodies' sizes
+  double step = 0;             ///< all others: their fixed step
+  double max_step = 0;         ///< runge_kutta_merson: longest step; 0: none
 };
 
 /// The model's units: their names as in road files (upper case), and what one of each is in SI.

@@ -51,17 +51,22 @@ void read_units(const TableReader& root, Reading& reading) {
 }
 
 void read_simulation(const TableReader& root, Reading& reading) {
-  const TableReader table =
-      root.table("simulation", {"end_time", "output_step", "frame_step", "integrator", "accuracy", "step", "max_step"});
+  const TableReader table = root.table("simulation", {"end_time", "output_step", "frame_step", "integrator", "accuracy",
+                                                      "smallest_motion", "step", "max_step"});
   constexpr double k_default_rows = 200;
   Simulation& simulation = reading.model().simulation;
   simulation.end_time = table.positive("end_time");
   simulation.output_step = table.positive("output_step", simulation.end_time / k_default_rows);
   simulation.frame_step = table.positive("frame_step", 0);
-  simulation.accuracy = table.positive("accuracy", simulation.accuracy);
+  // Forces of elements jump, as friction does when a body comes to rest: there ten times the accuracy is ten times the
+  // steps.
+  constexpr double k_accuracy_with_elements = 1e-4;
+  simulation.accuracy =
+      table.positive("accuracy", root.has("element") ? k_accuracy_with_elements : simulation.accuracy);
+  simulation.smallest_motion = table.positive("smallest_motion", 0);
   simulation.step = table.positive("step", 0);
   simulation.max_step = table.positive("max_step", 0);
-  if (simulation.accuracy >= 1) table.fail("accuracy", "must be less than 1 (1e-4 is a good start)");
+  if (simulation.accuracy >= 1) table.fail("accuracy", "must be less than 1 (1e-5 is a good start)");
   const std::string integrator =
       table.has("integrator") ? table.choice("integrator", {"runge-kutta-merson", "runge-kutta-fixed", "semi-explicit"})
                               : "runge-kutta-merson";

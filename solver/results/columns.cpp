@@ -1,5 +1,7 @@
 #include "solver/results/columns.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "solver/model/units.h"
@@ -10,6 +12,15 @@ namespace qvslv {
 namespace {
 
 Vec3 to_array(const SimTK::Vec3& v) { return {v[0], v[1], v[2]}; }
+
+/// Sums and reports of what other elements did have nothing to tell before the first step: their set-up call leaves all
+/// results 0. That is no value, and the cell stays empty.
+double result_of(const Engine& engine, size_t element, size_t index) {
+  const std::vector<double>& result = engine.elements().result(element);
+  const bool had_a_step = engine.elements().is_evaluated(element) || engine.steps() > 0;
+  const bool tells = had_a_step || std::any_of(result.begin(), result.end(), [](double value) { return value != 0; });
+  return tells ? result[index] : std::numeric_limits<double>::quiet_NaN();
+}
 
 /// Collects the columns; their order is that of the calls.
 class ColumnList {
@@ -50,7 +61,7 @@ public:
     for (const ResultColumn& column : m_model.elements[element].columns) {
       const auto index = static_cast<size_t>(column.index);
       add(m_model.elements[element].name + "." + column.name, column.unit,
-          [element, index](const Moment& now) { return now.engine.elements().result(element)[index]; });
+          [element, index](const Moment& now) { return result_of(now.engine, element, index); });
     }
   }
 

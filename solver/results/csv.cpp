@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+#include <iterator>
+
 namespace qvslv {
 
 std::string csv_field(const std::string& text) {
@@ -24,6 +27,15 @@ std::string csv_line(const std::vector<std::string>& fields) {
   return line + '\n';
 }
 
-std::string csv_line(const std::vector<double>& values) { return fmt::format("{}\n", fmt::join(values, ",")); }
+std::string csv_line(const std::vector<double>& values) {
+  std::string line;
+  const char* comma = "";
+  for (const double value : values) {
+    line += comma;
+    if (!std::isnan(value)) fmt::format_to(std::back_inserter(line), "{}", value);
+    comma = ",";
+  }
+  return line + '\n';
+}
 
 }  // namespace qvslv

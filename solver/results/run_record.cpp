@@ -44,6 +44,7 @@ Json settings(const Model& model) {
     json["step"] = s.step;
   } else {
     json["accuracy"] = s.accuracy;
+    if (s.smallest_motion > 0) json["smallest_motion"] = s.smallest_motion;
     if (s.max_step > 0) json["max_step"] = s.max_step;
   }
   json["gravity"] = model.gravity;

@@ -35,9 +35,13 @@ TEST(AfloatRun, ExpandedModelRunsToTheSameNumbers) {
   const ResultTable expanded =
       results_of("expanded", k_afloat_model.substr(0, k_afloat_model.find("[[string]]")) + plain, folder);
   ASSERT_EQ(readable.rows(), expanded.rows());
+  // At the start reports have no values.
+  const auto after_start = [](const std::vector<double>& all) {
+    return std::vector<double>(all.begin() + 1, all.end());
+  };
   for (const char* column : {"barge.x [m]", "barge.vz [m/s]", "hull.force_z [N]", "screw.force_x [N]", "error", "way",
                              "swing.rate", "speed", "hull_report.buoyancy [N]"})
-    EXPECT_EQ(readable[column], expanded[column]) << column;
+    EXPECT_EQ(after_start(readable[column]), after_start(expanded[column])) << column;
 }
 
 TEST(AfloatRun, HullInPartsMovesLikeTheWhole) {
@@ -58,7 +62,8 @@ TEST(AfloatRun, HullInPartsMovesLikeTheWhole) {
     for (const char* part : {"hull_1", "hull_2", "hull_3"})
       volume += parts[part + std::string(".submerged_volume [m^3]")][i];
     EXPECT_NEAR(whole["hull.submerged_volume [m^3]"][i], volume, k_rounding);
-    EXPECT_NEAR(whole["hull_report.buoyancy [N]"][i], parts["hull_report.buoyancy [N]"][i], 1e5 * k_rounding);
+    if (i > 0)  // at the start reports have no values
+      EXPECT_NEAR(whole["hull_report.buoyancy [N]"][i], parts["hull_report.buoyancy [N]"][i], 1e5 * k_rounding);
   }
 }
 

@@ -175,10 +175,14 @@ TEST(TrackRun, ExpandedModelRunsToTheSameNumbers) {
   const ResultTable expanded =
       results_of("expanded", k_track_model.substr(0, k_track_model.find("[[variable]]")) + plain, folder);
   ASSERT_EQ(readable.rows(), expanded.rows());
+  // At the start reports have no values.
+  const auto after_start = [](const std::vector<double>& all) {
+    return std::vector<double>(all.begin() + 1, all.end());
+  };
   for (const char* column :
        {"vehicle.x [m]", "vehicle.z [m]", "vehicle.qz", "left_wheel_2.force_z [N]", "right_shear.force_x [N]",
         "left_sum.area [m^2]", "left_belt.speed [m/s]", "left_turn.rate", "left_drive", "left_belt_speed"})
-    EXPECT_EQ(readable[column], expanded[column]) << column;
+    EXPECT_EQ(after_start(readable[column]), after_start(expanded[column])) << column;
   EXPECT_NE(readable["vehicle.qz"].back(), 0);  // one belt drives, the other crawls: it turns
 }
 

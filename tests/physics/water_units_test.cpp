@@ -93,7 +93,7 @@ TEST(UnitsAfloat, MillimetreSetsGiveTheMotionAndTheForcesOfSi) {
     SCOPED_TRACE(row.name);
     const ResultTable other = run(boat_in(row.units, row.metre, row.kilogram));
     ASSERT_EQ(si.rows(), other.rows());
-    for (size_t i = 0; i < si.rows(); ++i) {
+    for (size_t i = 1; i < si.rows(); ++i) {  // at the start the report has no values
       for (const char* column : {"boat.x", "boat.z", "hull_report.point_0_height", "hull_report.buoyancy_centre_x"})
         EXPECT_NEAR(other[column + std::string(" [mm]")][i] / 1000, si[column + std::string(" [m]")][i], 1e-6)
             << column;

@@ -29,7 +29,7 @@ const mistake k_mistakes[] = {
     {"A negative output step", "output_step = 0.1", "output_step = -0.1", "model.toml:6:15: simulation, output_step: must be greater than 0, is -0.1"},
     {"An unknown integrator", "end_time = 2.0", "end_time = 2.0\nintegrator = \"runge-kuta-merson\"", "model.toml:6:14: simulation, integrator: 'runge-kuta-merson' is not known; did you mean 'runge-kutta-merson'?"},
     {"The fixed-step integrator without a step", "end_time = 2.0", "end_time = 2.0\nintegrator = \"semi-explicit\"", "model.toml:6:14: simulation, integrator: the semi-explicit integrator needs a 'step' as well"},
-    {"An accuracy of 1 or more", "end_time = 2.0", "end_time = 2.0\naccuracy = 5", "model.toml:6:12: simulation, accuracy: must be less than 1 (1e-4 is a good start)"},
+    {"An accuracy of 1 or more", "end_time = 2.0", "end_time = 2.0\naccuracy = 5", "model.toml:6:12: simulation, accuracy: must be less than 1 (1e-5 is a good start)"},
     {"An unknown unit", "length = \"m\"", "length = \"millimeter\"", "model.toml:9:10: units, length: 'millimeter' is no unit known here; did you mean 'MILIMETER'?"},
     {"Units that do not belong together", "length = \"m\"", "length = \"mm\"", "model.toml:8:1: units: the force unit NEWTON is not the one that belongs to KILOGRAM, MILIMETER and SECOND (force = mass length / time^2); with these a mass in TON would fit"},
     // Numbers and expressions

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <locale>
@@ -93,7 +94,28 @@ TEST(ResultsCsv, AModelWithoutBodiesStillRunsItsReports) {
   built.add_element("clock", "scripted", ElementKind::report, {}, 1);
   const Script script([](const HookCall& call) { call.result[0] = call.time; });
   const TestRun out = run_to_end(built);
-  EXPECT_EQ(out.column("clock.r0"), (std::vector<double>{0, 0.1, 0.2}));
+  EXPECT_EQ(out.at("clock.r0", 1), 0.1);
+  EXPECT_EQ(out.at("clock.r0", 2), 0.2);
+}
+
+TEST(ResultsCsv, AReportThatHasNothingToTellBeforeTheFirstStepHasEmptyCellsThere) {
+  TestModel built(0.2, 0.1);
+  built.add_body("box", 1, {1, 1, 1});
+  built.add_element("push", "scripted", ElementKind::force, {1}, 6).marker = 1;
+  built.add_element("sum", "scripted", ElementKind::report, {2}, 2);
+  built.add_element("size", "scripted", ElementKind::report, {3}, 2);
+  const Script script([](const HookCall& call) {
+    if (call.par[0] == 2 && call.iflag != 2) return;
+    if (call.par[0] != 1) call.result[1] = 7;
+  });
+  const TestRun out = run_to_end(built);
+  for (const char* column : {"sum.r0", "sum.r1"}) EXPECT_TRUE(std::isnan(out.at(column, 0))) << column;
+  EXPECT_EQ(out.at("sum.r0", 1), 0);
+  EXPECT_EQ(out.at("sum.r1", 1), 7);
+  EXPECT_EQ(out.at("size.r0", 0), 0);
+  EXPECT_EQ(out.at("size.r1", 0), 7);
+  EXPECT_EQ(out.at("push.r0", 0), 0);
+  EXPECT_EQ(csv_line(std::vector<double>{1, std::nan(""), 0.5}), "1,,0.5\n");
 }
 
 TEST(ResultsCsv, HeadersCarryTheModelsUnits) {
