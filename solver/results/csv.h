@@ -12,7 +12,8 @@ std::string csv_field(const std::string& text);
 /// A line of a CSV file with its line end.
 std::string csv_line(const std::vector<std::string>& fields);
 
-/// A line of numbers, each as the shortest text that reads back to the same bits; nan (no value) as an empty cell, inf for itself.
+/// A line of numbers, each as the shortest text that reads back to the same bits; nan (no value) as an empty cell, inf
+/// for itself.
 std::string csv_line(const std::vector<double>& values);
 
 }  // namespace qvslv

@@ -62,8 +62,9 @@ TEST(AfloatRun, HullInPartsMovesLikeTheWhole) {
     for (const char* part : {"hull_1", "hull_2", "hull_3"})
       volume += parts[part + std::string(".submerged_volume [m^3]")][i];
     EXPECT_NEAR(whole["hull.submerged_volume [m^3]"][i], volume, k_rounding);
-    if (i > 0)  // at the start reports have no values
+    if (i > 0) {  // at the start reports have no values
       EXPECT_NEAR(whole["hull_report.buoyancy [N]"][i], parts["hull_report.buoyancy [N]"][i], 1e5 * k_rounding);
+    }
   }
 }
 
