@@ -30,6 +30,13 @@ TEST(Override, MayAddAKeyThatTheFileLeavesOut) {
   EXPECT_DOUBLE_EQ(read({"simulation.accuracy=1e-6"}).model.simulation.accuracy, 1e-6);
 }
 
+TEST(Simulation, AccuracyIsLooserByDefaultWhereElementsMayJump) {
+  const qvslv::Model with = read({"simulation.smallest_motion=0.02"}).model;
+  EXPECT_DOUBLE_EQ(with.simulation.accuracy, 1e-4);
+  EXPECT_DOUBLE_EQ(with.simulation.smallest_motion, 0.02);
+  EXPECT_DOUBLE_EQ(qvslv::Simulation().accuracy, 1e-5);
+}
+
 TEST(Override, TakesListsAndTablesAsInTheFile) {
   EXPECT_EQ(read({"gravity=[0, 0, -1.62]"}).model.gravity, (qvslv::Vec3{0, 0, -1.62}));
   EXPECT_DOUBLE_EQ(read({"body.ball.shape={sphere={radius=0.3}}"}).model.bodies[2].shape.radius, 0.3);
