@@ -26,7 +26,7 @@ namespace qvcli {
 namespace {
 
 struct FileRequest {
-  std::string file, library;
+  std::string file, plugin_path;
   std::string made = qvslv::default_made_folder();
   std::string files;  ///< of expand: folder for the files to take along
   bool strict = false, json = false;
@@ -100,7 +100,7 @@ void tell_files_of(const qvslv::ModelFile& file) {
 qvslv::Findings check_model(const FileRequest& request, bool describe) {
   try {
     const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides, request.made);
-    qvslv::check_before_run(file.model, request.library.empty() ? default_library() : request.library);
+    qvslv::check_before_run(file.model, request.plugin_path.empty() ? default_library() : request.plugin_path);
     if (describe) tell_model(file);
     if (describe) tell_files_of(file);
     return file.findings;
@@ -141,7 +141,7 @@ void add_check_command(CLI::App& app, Action& action) {
       ->required();
   command
       ->add_option(
-          "--library", request->library,
+          "--library", request->plugin_path,
           "Shared library of user subroutines that a run will be given; the libqvbrisk.so that belongs to this "
           "command when not given")
       ->check(CLI::ExistingFile);

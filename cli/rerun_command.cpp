@@ -28,7 +28,7 @@ struct RerunRequest {
 
 /// What a run.json says of the run to repeat.
 struct EarlierRun {
-  std::string model_path, model_text, library;
+  std::string model_path, model_text, plugin_path;
   std::vector<std::string> overrides;
   std::vector<qvslv::InputFile> inputs;
   bool complete = false;
@@ -53,7 +53,7 @@ EarlierRun read_record(const std::string& path) {
       qvslv::InputFile input{entry.at("role"), entry.at("name"), entry.at("path")};
       input.digest = {entry.at("bytes").get<std::uintmax_t>(), entry.at("sha256").get<std::string>()};
       if (input.role == "model") run.model_path = input.path;
-      if (input.role == "library") run.library = input.path;
+      if (input.role == "library") run.plugin_path = input.path;
       run.inputs.push_back(std::move(input));
     }
     return run;
@@ -133,7 +133,7 @@ int rerun(RerunRequest request) {
   RunRequest run;
   run.model = earlier.model_path;
   run.out = request.out;
-  run.plugin_path = earlier.library;
+  run.plugin_path = earlier.plugin_path;
   run.typed = request.typed;
   run.quiet = request.quiet;
   run.force = request.force;
