@@ -1,5 +1,6 @@
 #include "cli/progress_line.h"
 
+#include <fmt/format.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -12,22 +13,9 @@ namespace qvcli {
 namespace {
 
 std::string duration(double seconds) {
-  char text[40];
-  if (seconds < 100) {
-    std::snprintf(text, sizeof text, "%.0f s", seconds);
-  } else if (seconds < 6000) {
-    std::snprintf(text, sizeof text, "%.0f min", seconds / 60);
-  } else {
-    std::snprintf(text, sizeof text, "%.1f h", seconds / 3600);
-  }
-  return text;
-}
-
-template <class... Values>
-std::string formatted(const char* format, Values... values) {
-  char text[120];
-  std::snprintf(text, sizeof text, format, values...);
-  return text;
+  if (seconds < 100) return fmt::format("{:.0f} s", seconds);
+  if (seconds < 6000) return fmt::format("{:.0f} min", seconds / 60);
+  return fmt::format("{:.1f} h", seconds / 3600);
 }
 
 /// A piece of the line; pieces of a low rank are kept longest.
@@ -53,13 +41,12 @@ size_t terminal_width() {
 }  // namespace
 
 std::string progress_text(const qvslv::Progress& progress, const std::string& time_unit, size_t width) {
-  const char* unit = time_unit.c_str();
   const double share = progress.end_time > 0 ? progress.time / progress.end_time : 0;
-  std::vector<Piece> pieces = {{2, formatted("%7.3f / %g %s", progress.time, progress.end_time, unit)},
-                               {0, formatted("%3.0f %%", 100 * share)},
-                               {3, formatted("step %.2g %s", progress.step, unit)}};
+  std::vector<Piece> pieces = {{2, fmt::format("{:7.3f} / {:g} {}", progress.time, progress.end_time, time_unit)},
+                               {0, fmt::format("{:3.0f} %", 100 * share)},
+                               {3, fmt::format("step {:.2g} {}", progress.step, time_unit)}};
   if (share > 0 && progress.wall_seconds > 0) {
-    pieces.push_back({4, formatted("%.2g x real time", progress.time / progress.wall_seconds)});
+    pieces.push_back({4, fmt::format("{:.2g} x real time", progress.time / progress.wall_seconds)});
     pieces.push_back({1, duration(progress.wall_seconds * (1 - share) / share) + " left"});
   }
   for (int most = 4; most > 0; --most) {

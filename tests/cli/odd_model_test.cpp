@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "tests/cli/process.h"
 #include "tests/solver/checks/odd_models.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -29,8 +29,7 @@ TEST(CheckCommand, WarnsOfEveryThingThatLooksWrongAndStrictRefusesIt) {
 
 /// A box of 4 x 2 x 2, with triangles of half its height, towed through still water.
 std::string towed_box(double draught, double speed) {
-  char text[1000];
-  std::snprintf(text, sizeof text, R"toml(gravity = [0, 0, -9.81]
+  return R"toml(gravity = [0, 0, -9.81]
 [simulation]
 end_time = 0.02
 output_step = 0.01
@@ -51,9 +50,11 @@ inertia = [1000, 1000, 1000]
 name = "tow"
 type = "slider"
 body = "box"
-position = [50, 0, %g]
+position = [50, 0, )toml" +
+         qvtest::exact_text(1 - draught) + R"toml(]
 axis = "x"
-motion = "%g*t"
+motion = ")toml" +
+         qvtest::exact_text(speed) + R"toml(*t"
 [[element]]
 name = "hull"
 type = "hull"
@@ -62,9 +63,7 @@ mesh = { shape = "box", size = [4, 2, 2], divisions = [4, 2, 2] }
 wave = "sea"
 current = "none"
 density = 1000
-)toml",
-                1 - draught, speed);
-  return text;
+)toml";
 }
 
 TEST(CoarseWaterline, GivesDragWithinTheBoundsThatTheWarningNamesAndComesNearToThem) {

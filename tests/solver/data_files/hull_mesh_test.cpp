@@ -239,6 +239,7 @@ protected:
 
 std::string ascii_stl(const TriangleMesh& mesh) {
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text << "solid box\n";
   for (const auto& triangle : mesh.triangles) {
     text << " facet normal 0 0 0\n  outer loop\n";
@@ -286,6 +287,7 @@ TEST_F(MeshFile, PolygonsOfAnObjFileBecomeTriangles) {
 TEST_F(MeshFile, PlyIsReadAsText) {
   const TriangleMesh mesh = box();
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text << "ply\nformat ascii 1.0\nelement vertex " << mesh.points.size()
        << "\nproperty float x\nproperty float y\nproperty float z\nelement face " << mesh.triangles.size()
        << "\nproperty list uchar int vertex_indices\nend_header\n";

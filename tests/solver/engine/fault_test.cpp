@@ -346,7 +346,8 @@ TEST(Faults, AFolderThatCannotBeMadeIsReported) {
   options.out_folder = "/proc/no/folder";
   const TestRun out = run(one_force(), options);
   EXPECT_EQ(out.summary.outcome, RunOutcome::failed);
-  expect_contains(out.summary.message, "cannot write into the folder /proc/no/folder: No such file or directory");
+  expect_contains(out.summary.message,
+                  std::string("cannot write into the folder /proc/no/folder: ") + std::strerror(ENOENT));
 }
 
 TEST(Interruption, KeepsTheRowsSoFarAndSaysIncomplete) {

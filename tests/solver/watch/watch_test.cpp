@@ -5,6 +5,7 @@
 
 #include "tests/solver/test_hook.h"
 #include "tests/solver/test_model.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -126,7 +127,7 @@ TestModel wall(double times) {
   built.model.simulation.accuracy = 1e-3;
   built.body(0).velocity = {1, 0, 0};
   built.add_force(1, {"0", "-0.1*dy(ball)", "0"});
-  built.add_force(1, {"-" + std::to_string(times) + "*step(dx(ball), 1, 0, 1.0001, 1)*vx(ball)", "0", "0"});
+  built.add_force(1, {"-" + qvtest::exact_text(times) + "*step(dx(ball), 1, 0, 1.0001, 1)*vx(ball)", "0", "0"});
   return built;
 }
 
