@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/cli/process.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -15,10 +16,10 @@ TEST(BallReport, AddsUpToTheEnginesOwnKineticEnergy) {
   constexpr int k_balls = 12;
   for (int i = 0; i < k_balls; ++i) {
     const std::string name = "ball" + std::to_string(i);
-    model += "[[body]]\nname = \"" + name + "\"\nmass = " + std::to_string(0.5 + 0.37 * i) +
-             "\nshape = { sphere = { radius = " + std::to_string(0.02 + 0.013 * i) + " } }\nposition = [" +
-             std::to_string(i) + ", 0, 3]\nvelocity = [" + std::to_string(0.3 * i) + ", -1, " +
-             std::to_string(2 - 0.5 * i) + "]\nangular_velocity = [" + std::to_string(7 - i) + ", " +
+    model += "[[body]]\nname = \"" + name + "\"\nmass = " + qvtest::exact_text(0.5 + 0.37 * i) +
+             "\nshape = { sphere = { radius = " + qvtest::exact_text(0.02 + 0.013 * i) + " } }\nposition = [" +
+             std::to_string(i) + ", 0, 3]\nvelocity = [" + qvtest::exact_text(0.3 * i) + ", -1, " +
+             qvtest::exact_text(2 - 0.5 * i) + "]\nangular_velocity = [" + std::to_string(7 - i) + ", " +
              std::to_string(3 * i) + ", 11]\n";
     names += (i == 0 ? "\"" : ", \"") + name + "\"";
   }

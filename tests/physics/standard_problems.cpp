@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "tests/physics/soil_model.h"
+#include "tests/support/exact_text.h"
 
 namespace qvtest {
 
@@ -208,13 +209,14 @@ std::string bob(const std::string& name, const std::string& parent, const std::s
   return "[[body]]\nname = \"" + name +
          "\"\nmass = \"M\"\ninertia = [\"0.01*M*L^2\", \"0.01*M*L^2\", \"0.01*M*L^2\"]\n" + "[[joint]]\nname = \"" +
          joint + "\"\ntype = \"revolute\"\naxis = \"y\"\nbody = \"" + name + "\"\nparent = \"" + parent +
-         "\"\nbody_position = [0, 0, \"L\"]\nstart = { angle = " + std::to_string(angle) + " }\n";
+         "\"\nbody_position = [0, 0, \"L\"]\nstart = { angle = " + qvtest::exact_text(angle) + " }\n";
 }
 
 const std::string k_down = "gravity = [0, 0, \"-9.81*L/T^2\"]\n", k_weightless = "gravity = [0, 0, 0]\n";
 
 std::string sections(const unit_choice& units) {
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text.precision(17);
   text << units.table << "[parameters]\nL = " << 1 / units.length << "\nT = " << 1 / units.time
        << "\nM = " << 1 / units.mass << "\n";
@@ -258,6 +260,7 @@ const std::vector<standard_problem>& standard_problems() {
 problem_run run_problem(const standard_problem& problem, const std::string& settings, double output_step,
                         const unit_choice& units, const std::filesystem::path& folder) {
   std::ostringstream simulation;
+  simulation.imbue(std::locale::classic());
   simulation.precision(17);
   simulation << "[simulation]\nend_time = " << problem.end_time / units.time
              << "\noutput_step = " << output_step / units.time << "\nframe_step = " << problem.end_time / units.time

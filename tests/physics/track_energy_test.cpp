@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <string>
 
 #include "tests/physics/track_soil.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -13,12 +13,6 @@ using qvtest::track_soil;
 
 constexpr double k_mass = 1000, k_inertia = 40, k_radius = 0.3, k_step = 0.0005;  // SI
 constexpr double k_duration = 1, k_load = 10000;                                  // [s] [N]
-
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.17g", value);
-  return text;
-}
 
 /// Depth at which the belt has the same load on every soil.
 double depth_on(const track_soil& soil) {
@@ -30,16 +24,16 @@ double thrust_strength(const track_soil& soil) { return belt{}.area() * soil.str
 
 /// A hull at a fixed height that its belt drives against a pull, both from the start.
 ResultTable run_pulling(const track_soil& soil, double torque, double pull) {
-  const std::string more = "[[force]]\nname = \"load\"\nmarker = \"hull\"\nforce = [" + number(-pull) +
-                           ", 0, 0]\n[[equation]]\nname = \"engine_work\"\nvalue = \"" + number(torque) +
-                           "*dif1(belt_turn)\"\n[[equation]]\nname = \"pull_work\"\nvalue = \"" + number(pull) +
-                           "*vx(hull)\"\n";
+  const std::string more = "[[force]]\nname = \"load\"\nmarker = \"hull\"\nforce = [" + qvtest::exact_text(-pull) +
+                           ", 0, 0]\n[[equation]]\nname = \"engine_work\"\nvalue = \"" + qvtest::exact_text(torque) +
+                           "*dif1(belt_turn)\"\n[[equation]]\nname = \"pull_work\"\nvalue = \"" +
+                           qvtest::exact_text(pull) + "*vx(hull)\"\n";
   return qvtest::run_belt(qvtest::belt_model(
       belt{}, soil,
-      "end_time = " + number(k_duration) +
-          "\noutput_step = 0.02\nintegrator = \"semi-explicit\"\nstep = " + number(k_step) + "\n",
-      "", "type = \"slider\"\naxis = \"x\"\nposition = [-2, 0, " + number(0.32 - depth_on(soil)) + "]\n",
-      "drive = { torque = " + number(torque) + ", inertia = 40 }", more));
+      "end_time = " + qvtest::exact_text(k_duration) +
+          "\noutput_step = 0.02\nintegrator = \"semi-explicit\"\nstep = " + qvtest::exact_text(k_step) + "\n",
+      "", "type = \"slider\"\naxis = \"x\"\nposition = [-2, 0, " + qvtest::exact_text(0.32 - depth_on(soil)) + "]\n",
+      "drive = { torque = " + qvtest::exact_text(torque) + ", inertia = 40 }", more));
 }
 
 /// Engine work less work of the pull and what hull and sprocket hold: what has become heat in the soil.

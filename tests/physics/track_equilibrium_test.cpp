@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/physics/track_soil.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ constexpr double k_weight = 10000;  // of the models' hull [N]
 const std::string k_upright = "type = \"slider\"\naxis = \"z\"\n";
 
 std::string held_at(double height) {
-  return k_upright + "motion = { coordinate = \"travel\", position = \"" + std::to_string(height) + "\" }\n";
+  return k_upright + "motion = { coordinate = \"travel\", position = \"" + qvtest::exact_text(height) + "\" }\n";
 }
 
 double wheel_force(const ResultTable& table, int wheel) {
@@ -33,9 +34,9 @@ double level_depth(const belt& gear, const track_soil& soil) {
 void expect_settling(const belt& gear, const track_soil& soil) {
   SCOPED_TRACE(std::string(soil.preset) + ", wheels: " + std::to_string(gear.wheels));
   const double depth = level_depth(gear, soil), touching = gear.radius + gear.thickness;
-  const std::string start = "start = { travel = " + std::to_string(touching) + " }\n";
+  const std::string start = "start = { travel = " + qvtest::exact_text(touching) + " }\n";
   const ResultTable table = qvtest::run_belt(qvtest::belt_model(
-      gear, soil, k_settling, "damp_ratio = 0.2\nboundary_sinkage = " + std::to_string(0.5 * depth) + "\n",
+      gear, soil, k_settling, "damp_ratio = 0.2\nboundary_sinkage = " + qvtest::exact_text(0.5 * depth) + "\n",
       k_upright + start, "belt_speed = 0"));
   EXPECT_NEAR(touching - table["hull.z [m]"].back(), depth, 1e-6 * depth);
   EXPECT_NEAR(table["belt_sum.force_z [N]"].back(), k_weight, 1e-5 * k_weight);
@@ -119,7 +120,7 @@ TEST(TrackAtALeanUnderDeadWeight, SettlesWhereItsWheelsForcesCarryIt) {
       (carried(middle) > k_weight ? low : high) = middle;
     }
     const ResultTable table = qvtest::run_belt(qvtest::belt_model(
-        gear, soil, k_settling, "damp_ratio = 0.2\nboundary_sinkage = " + std::to_string(0.5 * depth) + "\n",
+        gear, soil, k_settling, "damp_ratio = 0.2\nboundary_sinkage = " + qvtest::exact_text(0.5 * depth) + "\n",
         k_upright + "start = { travel = 0.32 }\n", "belt_speed = 0"));
     double wheels = 0, tolerance = 0;
     for (int wheel = 0; wheel < 4; ++wheel) wheels += wheel_force(table, wheel);

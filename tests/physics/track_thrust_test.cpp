@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/physics/track_soil.h"
+#include "tests/support/exact_text.h"
 
 namespace {
 
@@ -16,15 +17,16 @@ const std::string k_steps = "end_time = 0.6\noutput_step = 0.01\nintegrator = \"
 
 /// A hull that keeps its height and its axes and moves over the ground with these velocities.
 std::string carried(double along, double across) {
-  return "type = \"planar\"\naxis = \"z\"\nposition = [0, 0, " + std::to_string(k_height) +
+  return "type = \"planar\"\naxis = \"z\"\nposition = [0, 0, " + qvtest::exact_text(k_height) +
          "]\nmotions = [{ coordinate = \"angle\", position = \"0\" }, { coordinate = \"x\", velocity = \"" +
-         std::to_string(along) + "\" }, { coordinate = \"y\", velocity = \"" + std::to_string(across) + "\" }]\n";
+         qvtest::exact_text(along) + "\" }, { coordinate = \"y\", velocity = \"" + qvtest::exact_text(across) +
+         "\" }]\n";
 }
 
 ResultTable run_carried(const belt& gear, const track_soil& soil, double along, double across, double belt_speed) {
   return qvtest::run_belt(qvtest::belt_model(gear, soil, k_steps,
-                                             "sensitivity = " + std::to_string(k_sensitivity) + "\n",
-                                             carried(along, across), "belt_speed = " + std::to_string(belt_speed)));
+                                             "sensitivity = " + qvtest::exact_text(k_sensitivity) + "\n",
+                                             carried(along, across), "belt_speed = " + qvtest::exact_text(belt_speed)));
 }
 
 // A locked belt that is dragged has a shear displacement that is a way: slip velocity times time.
