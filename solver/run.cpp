@@ -196,7 +196,7 @@ private:
 
   void close_record() {
     for (const InputFile& input : m_record.inputs)
-      if (input.role != "model" && !is_unchanged(input))
+      if (input.modified != 0 && !is_unchanged(input))  // 0: the model, or the run ended before it was read
         warn("input-changed", "the file " + input.path +
                                   " was changed while the run went on; run.json tells what was "
                                   "in it at the start");

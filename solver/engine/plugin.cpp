@@ -52,6 +52,8 @@ Origin origin_of(void* address) {
 Plugin::Plugin(const std::string& path)
     : m_path(found_file(path)), m_library(dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (m_library == nullptr) throw PluginError("cannot load the library " + path + ": " + loader_text());
+  const link_map* map = map_of(m_library);
+  m_file = map != nullptr ? map->l_name : m_path;
 }
 
 Plugin::~Plugin() { dlclose(m_library); }

@@ -28,10 +28,11 @@ public:
   qv_user_subroutine find(const std::string& name) const;
 
   /// The file that was loaded, as the loader knows it.
-  const std::string& path() const { return m_path; }
+  const std::string& path() const { return m_file; }
 
 private:
-  std::string m_path;
+  std::string m_path;  ///< as asked for
+  std::string m_file;
   void* m_library;
 };
 

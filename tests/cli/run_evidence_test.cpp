@@ -49,6 +49,19 @@ TEST_F(Evidence, RecordHoldsEveryInputWithPathSizeAndDigest) {
   EXPECT_EQ(input(json, "command")["path"], fs::canonical(QVBRISK_COMMAND_PATH).string());
 }
 
+TEST_F(Evidence, LibraryThatTheLoaderFindsStandsInTheRecordWithItsPath) {
+  const fs::path command = QVBRISK_COMMAND_PATH, libraries = command.parent_path().parent_path() / "lib";
+  fs::create_directories(folder / "bin");
+  fs::copy(command, folder / "bin");
+  const CommandResult result =
+      RunningCommand({"run", "press.toml", "--out", "out", "-q"}, folder, {{"LD_LIBRARY_PATH", libraries.string()}},
+                     (folder / "bin" / command.filename()).string())
+          .wait();
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(input(record("out"), "library")["path"], fs::canonical(libraries / "libqvbrisk.so").string());
+}
+
 TEST_F(Evidence, RecordHoldsTheModelAsItIsWrittenAndAsItWasRun) {
   ASSERT_EQ(run_command({"run", "press.toml", "--out", "out", "--set", "body.plate.mass=0.1"}, folder).code, 0);
   const Json json = record("out");
