@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -32,14 +30,6 @@ struct FileRequest {
   bool strict = false, json = false;
   std::vector<std::string> overrides;
 };
-
-/// The file name's ending in lower case. It tells data files from models.
-std::string ending_of(const std::string& file) {
-  std::string extension = std::filesystem::path(file).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-  return extension;
-}
 
 void tell_road(const qvslv::RoadCheck& road) {
   print(stdout, "%s: %ld nodes, %ld triangles, x %g to %g, y %g to %g, z %g to %g\n", road.path.c_str(), road.nodes,

@@ -11,6 +11,7 @@
 
 #include "cli/commands.h"
 #include "cli/tell_findings.h"
+#include "cli/terminal.h"
 #include "solver/data_files/hull_mesh.h"
 
 namespace qvcli {
@@ -31,13 +32,6 @@ constexpr std::array<Signature, 5> k_signatures = {{{"\x89PNG\r\n\x1a\n", "a pic
                                                     {"GIF8", "a picture (GIF)"},
                                                     {"%PDF-", "a PDF document"},
                                                     {"PK\x03\x04", "a ZIP archive, as spreadsheets are too"}}};
-
-std::string ending_of(const std::string& path) {
-  std::string ending = fs::path(path).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-  return ending;
-}
 
 const Signature* signature_of(const std::string& path) {
   std::array<char, 8> head{};
@@ -104,16 +98,16 @@ std::string about_foreign(const std::string& path) {
 /// Size of a mesh; "not closed" and the like follow as a finding.
 void tell_mesh(const std::string& path, const qvslv::TriangleMesh& mesh) {
   const qvslv::MeshMeasures m = qvslv::calc_measures(mesh);
-  std::printf("%s: a mesh of %zu points, %zu triangles, x %g to %g, y %g to %g, z %g to %g, area %.6g\n", path.c_str(),
-              mesh.points.size(), mesh.triangles.size(), m.low[0], m.high[0], m.low[1], m.high[1], m.low[2], m.high[2],
-              m.area);
+  print(stdout, "%s: a mesh of %zu points, %zu triangles, x %g to %g, y %g to %g, z %g to %g, area %.6g\n",
+        path.c_str(), mesh.points.size(), mesh.triangles.size(), m.low[0], m.high[0], m.low[1], m.high[1], m.low[2],
+        m.high[2], m.area);
 }
 
 void tell_volume(const qvslv::TriangleMesh& mesh) {
   const qvslv::MeshMeasures m = qvslv::calc_measures(mesh);
-  std::printf("  closed, volume %.6g, centre of volume (%.4g, %.4g, %.4g)\n", m.volume, m.center[0], m.center[1],
-              m.center[2]);
-  std::printf("  can be a hull: mesh = \"...\" in an [[element]] of type \"hull\"\n");
+  print(stdout, "  closed, volume %.6g, centre of volume (%.4g, %.4g, %.4g)\n", m.volume, m.center[0], m.center[1],
+        m.center[2]);
+  print(stdout, "  can be a hull: mesh = \"...\" in an [[element]] of type \"hull\"\n");
 }
 
 qvslv::Findings check_mesh(const std::string& path, bool describe) {
@@ -151,12 +145,19 @@ qvslv::Findings findings_in(const std::string& path, bool describe) {
 
 }  // namespace
 
+std::string ending_of(const std::string& path) {
+  std::string ending = fs::path(path).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  return ending;
+}
+
 bool is_other_file(const std::string& path) { return kind_of(path) != Kind::none; }
 
 int check_other(const std::string& path, bool json) {
   const qvslv::Findings findings = findings_in(path, !json);
   if (!json) return conclude(findings, "can be used; see the warnings");
-  std::fputs(json_text(findings).c_str(), stdout);
+  print(stdout, "%s", json_text(findings).c_str());
   return qvslv::any_error(findings) ? k_bad_input : k_done;
 }
 

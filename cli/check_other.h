@@ -4,6 +4,9 @@
 
 namespace qvcli {
 
+/// The file name's ending in lower case, with its point. It tells data files from models.
+std::string ending_of(const std::string& path);
+
 /// Is this none of the files that `check` reads line by line, a model, road, WAVE or CURRENT file, but one that a user
 /// may well hand to it: a folder, a mesh, a picture, a table? A file that is not there is none.
 bool is_other_file(const std::string& path);
