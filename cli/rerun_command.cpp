@@ -57,8 +57,8 @@ EarlierRun read_record(const std::string& path) {
       run.inputs.push_back(std::move(input));
     }
     return run;
-  } catch (const Json::exception& fault) {
-    throw UsageError(path + " is no record of a whole run: " + fault.what());
+  } catch (const Json::exception&) {  // its words would mean nothing to a user
+    throw UsageError(path + " is no record of a whole run: the model, its overrides and its inputs are expected in it");
   }
 }
 

@@ -106,7 +106,9 @@ TEST_F(Evidence, RerunOfAFolderWithoutARecordSaysSo) {
   EXPECT_EQ(nothing.code, 2);
   EXPECT_THAT(nothing.err, HasSubstr("cannot read nowhere/run.json: is this the folder of a run?"));
   write_text(folder / "run.json", "{}");
-  EXPECT_THAT(run_command({"rerun", "."}, folder).err, HasSubstr("run.json is no record of a whole run"));
+  EXPECT_THAT(
+      run_command({"rerun", "."}, folder).err,
+      HasSubstr("run.json is no record of a whole run: the model, its overrides and its inputs are expected in it\n"));
 }
 
 TEST_F(Evidence, WarningsStandInTheRecordOnStderrAndOnThePage) {
