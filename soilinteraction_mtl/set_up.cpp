@@ -12,7 +12,8 @@ namespace {
 using qvsoilrdf::CRoad;
 using qvsoilrdf::k_not_set;
 
-std::vector<int> s_road_strings;  // by road: the string id that it was read by
+std::vector<int> s_road_strings;    // by road: the string id that it was read by
+std::vector<track_state> s_states;  // by road, which has one track: what a call works with
 qv::kept_set_up s_kept("SOILINTERACTION MTL WARNING : ");
 
 CRoad& set_up_road(void* handle, const parameters& p, const qv::fault_channel& channel) {
@@ -49,6 +50,7 @@ void size_containers(const parameters& p, const qv::fault_channel& channel) {
   auto contact = sized(p.roads, contact_sum{});
   auto shear = sized(p.roads, node_sum{});
   auto normal = sized(p.roads, std::vector<node_sum>(nodes, node_sum{}));
+  s_states.resize(static_cast<std::size_t>(p.roads));
   s_MTLsoil_contact_forces_Sum = std::move(contact);
   s_MTLsoil_shear_forces_Sum = std::move(shear);
   s_MTLsoil_normal_forces_Sum = std::move(normal);
@@ -63,6 +65,9 @@ void size_containers(const parameters& p, const qv::fault_channel& channel) {
 void size_grids(const parameters& p, track_records& track, const qv::fault_channel& channel) {
   const auto nodes = static_cast<std::size_t>(p.nodes);
   if (nodes > track.size()) refuse_node_count(nodes, track.size(), channel);
+  track_state& state = state_of(p);
+  state.nodes.resize(nodes);
+  state.radii.resize(nodes);
   const auto rows = static_cast<std::size_t>(p.n_long), columns = static_cast<std::size_t>(p.n_lat);
   for (std::size_t node = 0; node < nodes; ++node) {
     for (std::size_t side = 0; side < 2; ++side) {
@@ -135,6 +140,8 @@ void set_up(void* handle, const parameters& p, const qv::fault_channel& channel)
   }
   store_soil_type(road, track);
 }
+
+track_state& state_of(const parameters& p) { return s_states[static_cast<std::size_t>(p.road)]; }
 
 track_records* find_track(const parameters& p, const qv::fault_channel& channel) {
   track_records* track = entry(p, channel);

@@ -94,7 +94,7 @@ void BeltScene::move(const vec3& velocity) {
 }
 
 const std::vector<double>& BeltScene::call(int iflag, double time) {
-  a_set_up_was_called = a_set_up_was_called || iflag == 1;
+  if (iflag == 1) a_set_up_was_called = true;  // other calls may run at the same time
   m_result.assign(parameters.results() + 1, k_poison);
   std::vector<double> par = parameters.list();
   const std::vector<double> before = par;
@@ -107,7 +107,7 @@ const std::vector<double>& BeltScene::call(int iflag, double time) {
 
 std::string BeltScene::report_with(std::size_t parameter, double value, int iflag, std::size_t extra) {
   std::vector<double> par = parameters.list();
-  a_set_up_was_called = a_set_up_was_called || iflag == 1;
+  if (iflag == 1) a_set_up_was_called = true;
   par.at(parameter) = value;
   std::vector<double> result(parameters.results() + extra + 1, k_poison);
   qvsoil_interaction_mtl(host.handle(), 0.25, par.data(), static_cast<int>(par.size()), 0, iflag, result.data());
