@@ -7,8 +7,7 @@ namespace qv {
 // Marks functions that loop over a block: they are also compiled for processors with 256-bit vectors. Both versions
 // round every operation alike (no fused multiply-add), so the numbers are the same. Sanitizers and clang cannot handle
 // the choice between them at load time.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && \
-    !defined(__clang__)
+#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
 #define QV_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
 #else
 #define QV_WIDE_VECTORS
