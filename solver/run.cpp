@@ -9,6 +9,7 @@
 #include <cmath>
 #include <ctime>
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -109,10 +110,19 @@ private:
       if (!failure) input.path = path.string();
       if (input.role == "model") {
         input.digest = digest_of_text(m_options.model_text);  // what was read; the file may be edited meanwhile
-      } else {
-        take_digest(input);
       }
     }
+    m_digests = take_digests(m_record.inputs);
+  }
+
+  void check_inputs() {
+    if (!m_digests.valid()) return;  // the run ended before its inputs were known
+    m_record.inputs = m_digests.get();
+    for (const InputFile& input : m_record.inputs)
+      if (input.role != "model" && !is_unchanged(input))
+        warn("input-changed", "the file " + input.path +
+                                  " was changed while the run went on; run.json tells what was "
+                                  "in it at the start");
   }
 
   void integrate(Engine& engine) {
@@ -195,11 +205,7 @@ private:
   }
 
   void close_record() {
-    for (const InputFile& input : m_record.inputs)
-      if (input.modified != 0 && !is_unchanged(input))  // 0: the model, or the run ended before it was read
-        warn("input-changed", "the file " + input.path +
-                                  " was changed while the run went on; run.json tells what was "
-                                  "in it at the start");
+    attempt([this] { check_inputs(); });
     m_record.running = false;
     m_summary.wall_seconds = wall_seconds();
     try {
@@ -257,8 +263,9 @@ private:
   std::optional<ResultsFolder> m_folder;
   RunRecord m_record;
   RunSummary m_summary;
-  bool m_refused = false;                ///< a warning came, and warnings are errors
-  std::unique_ptr<Recorder> m_recorder;  ///< null if the run ended before its start
+  std::future<std::vector<InputFile>> m_digests;  ///< the record's inputs, while their digests are taken
+  bool m_refused = false;                         ///< a warning came, and warnings are errors
+  std::unique_ptr<Recorder> m_recorder;           ///< null if the run ended before its start
 };
 
 }  // namespace
