@@ -52,6 +52,16 @@ std::string in_temporary_folder(const std::string& name) {
 
 }  // namespace
 
+hull_mesh make_box() {
+  hull_mesh mesh;
+  for (const double z : {-0.6, 0.6})
+    for (const double y : {-0.8, 0.8})
+      for (const double x : {-1.2, 1.2}) mesh.nodes.push_back({x, y, z});
+  mesh.patches = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6}, {0, 1, 5}, {0, 5, 4},
+                  {2, 6, 7}, {2, 7, 3}, {0, 4, 6}, {0, 6, 2}, {1, 3, 7}, {1, 7, 5}};
+  return mesh;
+}
+
 hull_mesh make_icosphere(int refinements) {
   hull_mesh mesh = icosahedron();
   for (int step = 0; step < refinements; ++step) {
@@ -75,6 +85,18 @@ hull_mesh make_icosphere(int refinements) {
     mesh.patches = std::move(finer);
   }
   return mesh;
+}
+
+double volume_of(const hull_mesh& mesh) {
+  double six_volumes = 0.0;
+  for (const auto& patch : mesh.patches) {
+    const vec& a = mesh.nodes[static_cast<std::size_t>(patch[0])];
+    const vec& b = mesh.nodes[static_cast<std::size_t>(patch[1])];
+    const vec& c = mesh.nodes[static_cast<std::size_t>(patch[2])];
+    six_volumes +=
+        a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) + a[2] * (b[0] * c[1] - b[1] * c[0]);
+  }
+  return six_volumes / 6.0;
 }
 
 std::string make_wave_file(int rows, int columns) {
