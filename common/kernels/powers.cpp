@@ -1,19 +1,191 @@
 #include "common/kernels/powers.h"
 
-#include <cmath>
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+#include "common/kernels/power_steps.h"
 
 namespace qv {
+namespace {
 
-double power(double base, double exponent) { return std::pow(base, exponent); }
+using power_steps::two_parts;
 
-double exponential(double x) { return std::exp(x); }
+constexpr double k_infinity = std::numeric_limits<double>::infinity();
+constexpr double k_nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double k_smallest_normal = std::numeric_limits<double>::min();
+constexpr double k_largest = std::numeric_limits<double>::max();
+
+/// A value that the steps give, and whether it holds. 1 and 0 are as wide as the doubles beside them, for the loops.
+struct plain_value {
+  double value;
+  std::uint64_t holds;
+};
+
+QV_IN_LOOPS plain_value plain_power(double base, const two_parts& exponent) {
+  const two_parts t = power_steps::times(exponent, power_steps::logarithm(base));
+  const bool holds =
+      (base >= k_smallest_normal) & (base <= k_largest) & (std::fabs(t.high) <= power_steps::k_plain_limit);
+  return {power_steps::exponential_of(t), holds ? std::uint64_t{1} : std::uint64_t{0}};
+}
+
+QV_IN_LOOPS plain_value plain_exponential(double x) {
+  const bool holds = std::fabs(x) <= power_steps::k_plain_limit;
+  return {power_steps::exponential_of({x, -0.0}), holds ? std::uint64_t{1} : std::uint64_t{0}};
+}
+
+/// e^t where it may be subnormal, 0 or infinite. Only subnormal results are rounded a second time.
+double wide_exponential(const two_parts& t) {
+  if (t.high > 710.0) return k_infinity;
+  if (t.high < -746.0) return 0.0;
+  const power_steps::exponential_parts e = power_steps::split_exponential(t);
+  const auto k = static_cast<std::int32_t>(static_cast<std::uint32_t>(e.k));
+  const std::int32_t half = k / 2;  // 2^k itself may be no double
+  const auto two_to = [](std::int32_t n) { return power_steps::with_bits(static_cast<std::uint64_t>(1023 + n) << 52); };
+  return (e.root + e.root * e.more) * two_to(half) * two_to(k - half);
+}
+
+/// Of a base that is positive and finite.
+double wide_power(double base, double exponent) {
+  const bool subnormal = base < k_smallest_normal;
+  const two_parts log = subnormal ? power_steps::logarithm(base * 0x1p54, -54.0) : power_steps::logarithm(base);
+  // Beyond 2^100 every exponent acts alike, and its product with the logarithm might overflow.
+  const double y = std::clamp(exponent, -0x1p100, 0x1p100);
+  return wide_exponential(power_steps::times(power_steps::split(y), log));
+}
+
+bool is_whole(double x) { return std::floor(x) == x; }
+bool is_odd(double x) { return is_whole(x) && !is_whole(0.5 * x); }
+
+/// Infinite or zero to the power of the exponent: the limit where it grows or where it vanishes.
+double limit_of(bool grows) { return grows ? k_infinity : 0.0; }
+
+/// The cases of C's pow that are not a positive, finite base under a finite exponent.
+double special_power(double base, double exponent) {
+  if (exponent == 0.0 || base == 1.0) return 1.0;
+  if (base != base || exponent != exponent) return k_nan;
+  const double size = std::fabs(base);
+  if (std::fabs(exponent) > k_largest) return size == 1.0 ? 1.0 : limit_of((size > 1.0) == (exponent > 0.0));
+  const bool ended = size == 0.0 || size > k_largest;
+  if (base < 0.0 && !ended && !is_whole(exponent)) return k_nan;
+  const double value = ended ? limit_of((size > 1.0) == (exponent > 0.0)) : wide_power(size, exponent);
+  return std::signbit(base) && is_odd(exponent) ? -value : value;
+}
+
+double special_exponential(double x) { return x != x ? k_nan : wide_exponential({x, -0.0}); }
+
+/// Powers of one exponent, as a row of them takes them.
+struct powers_of_exponent {
+  double exponent;
+  two_parts parts = power_steps::split(exponent);
+
+  QV_IN_LOOPS plain_value plain(double base) const { return plain_power(base, parts); }
+  double special(double base) const { return special_power(base, exponent); }
+};
+
+struct exponentials_of_numbers {
+  QV_IN_LOOPS static plain_value plain(double x) { return plain_exponential(x); }
+  static double special(double x) { return special_exponential(x); }
+};
+
+/// The function of each number: plain in vectors, then special for those that it does not hold for.
+template <typename Function>
+QV_IN_LOOPS void apply(const Function& function, const double* from, double* to, int count) {
+  constexpr int k_widest = 8;  // a block is filled up with ones to whole vectors, so that its loop leaves no rest
+  double in[k_block], out[k_block];
+  for (int done = 0; done < count; done += k_block) {
+    const int here = std::min(count - done, k_block);
+    const int padded = (here + k_widest - 1) / k_widest * k_widest;
+    std::copy_n(from + done, here, in);
+    std::fill(in + here, in + padded, 1.0);
+    std::uint64_t all_hold = 1;
+    for (int i = 0; i < padded; ++i) {
+      const plain_value p = function.plain(in[i]);
+      out[i] = p.value;
+      all_hold &= p.holds;
+    }
+    if (all_hold == 0) {
+      for (int i = 0; i < here; ++i)
+        if (function.plain(in[i]).holds == 0) out[i] = function.special(in[i]);
+    }
+    std::copy_n(out, here, to + done);
+  }
+}
+
+QV_IN_LOOPS void powers_loop(const double* bases, double exponent, double* values, int count) {
+  apply(powers_of_exponent{exponent}, bases, values, count);
+}
+
+QV_IN_LOOPS void exponentials_loop(const double* x, double* values, int count) {
+  apply(exponentials_of_numbers{}, x, values, count);
+}
+
+void powers_narrow(const double* bases, double exponent, double* values, int count) {
+  powers_loop(bases, exponent, values, count);
+}
+void exponentials_narrow(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
+
+#if defined(__x86_64__)
+// GCC takes several numbers from a table by one instruction only if it is told that a processor likes that.
+#if defined(__clang__)
+#define QV_FOR_256 __attribute__((target("avx2")))
+#define QV_FOR_512 __attribute__((target("avx512f,avx512dq")))
+#else
+#define QV_FOR_256 __attribute__((target("avx2,tune=haswell")))
+#define QV_FOR_512 __attribute__((target("avx512f,avx512dq,tune=haswell")))
+#endif
+QV_FOR_256 void powers_256(const double* bases, double exponent, double* values, int count) {
+  powers_loop(bases, exponent, values, count);
+}
+QV_FOR_256 void exponentials_256(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
+QV_FOR_512 void powers_512(const double* bases, double exponent, double* values, int count) {
+  powers_loop(bases, exponent, values, count);
+}
+QV_FOR_512 void exponentials_512(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
+#endif
+
+const power_version& widest_version() {
+  const power_version* widest = all_power_versions().begin();
+  for (const power_version& version : all_power_versions())
+    if (version.runs_here) widest = &version;
+  return *widest;
+}
+
+const power_version& version_in_use() {
+  static const power_version& version = widest_version();
+  return version;
+}
+
+}  // namespace
+
+power_versions all_power_versions() {
+#if defined(__x86_64__)
+  __builtin_cpu_init();
+  static const power_version versions[] = {
+      {"128 bits", true, powers_narrow, exponentials_narrow},
+      {"256 bits", __builtin_cpu_supports("avx2") != 0, powers_256, exponentials_256},
+      {"512 bits", __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0, powers_512,
+       exponentials_512}};
+#else
+  static const power_version versions[] = {{"plain", true, powers_narrow, exponentials_narrow}};
+#endif
+  return {versions, std::size(versions)};
+}
+
+double power(double base, double exponent) {
+  const plain_value p = plain_power(base, power_steps::split(exponent));
+  return p.holds != 0 ? p.value : special_power(base, exponent);
+}
+
+double exponential(double x) {
+  const plain_value p = plain_exponential(x);
+  return p.holds != 0 ? p.value : special_exponential(x);
+}
 
 void powers(const double* bases, double exponent, double* values, int count) {
-  for (int i = 0; i < count; ++i) values[i] = power(bases[i], exponent);
+  version_in_use().powers(bases, exponent, values, count);
 }
 
-void exponentials(const double* x, double* values, int count) {
-  for (int i = 0; i < count; ++i) values[i] = exponential(x[i]);
-}
+void exponentials(const double* x, double* values, int count) { version_in_use().exponentials(x, values, count); }
 
 }  // namespace qv

@@ -1,12 +1,17 @@
 #pragma once
 
-/// Powers and exponentials of the laws, one by one and in rows.
+#include <cstddef>
+
+/// Powers and exponentials of the laws, one by one and in rows. They are computed by operations of our own in one
+/// order (power_steps.h), and not by the C library: every processor, compiler, level of optimisation and C library
+/// gives the same bits. They are less than 0.55 ulp from the exact value, up to 1 ulp where the result is subnormal;
+/// results that are doubles come out exact (x^1, 3^4, 4^0.5). Rounding to nearest is taken for granted.
 namespace qv {
 
-/// base^exponent, with the special cases of C's pow.
+/// base^exponent, with the special cases of C's pow. All that is not a number is the one positive quiet NaN.
 double power(double base, double exponent);
 
-/// e^x, with the special cases of C's exp.
+/// e^x, with the special cases of C's exp; likewise.
 double exponential(double x);
 
 /// values[i] = bases[i]^exponent for `count` values; `values` may be `bases`. Each has the bits that `power` gives.
@@ -14,5 +19,23 @@ void powers(const double* bases, double exponent, double* values, int count);
 
 /// values[i] = e^x[i] for `count` values; `values` may be `x`. Each has the bits that `exponential` gives.
 void exponentials(const double* x, double* values, int count);
+
+/// `powers` and `exponentials` as compiled for one kind of processor.
+struct power_version {
+  const char* name;
+  bool runs_here;
+  void (*powers)(const double* bases, double exponent, double* values, int count);
+  void (*exponentials)(const double* x, double* values, int count);
+};
+
+/// All versions, `count` of them, from narrow to wide vectors: the last that runs here is the one in use.
+struct power_versions {
+  const power_version* first;
+  std::size_t count;
+
+  const power_version* begin() const { return first; }
+  const power_version* end() const { return first + count; }
+};
+power_versions all_power_versions();
 
 }  // namespace qv
