@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "bench/road_maker.h"
+#include "common/kernels/powers.h"
+#include "common/kernels/vectors.h"
 
 /// What the limits are made of: a height on a grid that is known to be regular, the powers and exponentials that the
 /// laws need for a point in contact, and a bare scan of a file's numbers.
@@ -63,14 +65,65 @@ struct regular_terrain {
   }
 };
 
-/// The powers and exponentials that the laws need for a point: sinkage z [m], pressure p [Pa], shear displacements j1
-/// and j2 [m]. The result means nothing.
-inline double point_of_law(double z, double p, double j1, double j2) {
-  const double dynamic = std::pow(p / 40000.0, 0.9) * std::pow(j1 * j1 + j2 * j2, 0.4);
-  const double power = std::pow(z + 0.02 * dynamic, 0.7 - 1.0);
-  const double r1 = j1 / 0.025, r2 = j2 / 0.025;
-  return power * z + (0.9 * std::exp(1.0 - r1) + 1.0) * (1.0 - std::exp(-r1)) +
-         (0.9 * std::exp(1.0 - r2) + 1.0) * (1.0 - std::exp(-r2));
-}
+/// The powers and exponentials that the laws need for points in contact, one by one and by the C library. The sum means
+/// nothing.
+class laws_by_c_library {
+public:
+  /// Sinkage z [m], pressure p [Pa], shear displacements j1 and j2 [m].
+  void add(double z, double p, double j1, double j2) {
+    const double dynamic = std::pow(p / 40000.0, 0.9) * std::pow(j1 * j1 + j2 * j2, 0.4);
+    const double power = std::pow(z + 0.02 * dynamic, 0.7 - 1.0);
+    const double r1 = j1 / 0.025, r2 = j2 / 0.025;
+    m_sum += power * z + (0.9 * std::exp(1.0 - r1) + 1.0) * (1.0 - std::exp(-r1)) +
+             (0.9 * std::exp(1.0 - r2) + 1.0) * (1.0 - std::exp(-r2));
+  }
+  double sum() { return m_sum; }
+
+private:
+  double m_sum = 0.0;
+};
+
+/// The same for a block of points at a time, in rows.
+class laws_in_rows {
+public:
+  void add(double z, double p, double j1, double j2) {
+    m_z[m_count] = z;
+    m_pressure[m_count] = p / 40000.0;
+    m_slip[m_count] = j1 * j1 + j2 * j2;
+    m_r[0][m_count] = j1 / 0.025;
+    m_r[1][m_count] = j2 / 0.025;
+    if (++m_count == qv::k_block) finish();
+  }
+  double sum() {
+    finish();
+    return m_sum;
+  }
+
+private:
+  using row = double[qv::k_block];
+
+  void finish() {
+    qv::powers(m_pressure, 0.9, m_pressure, m_count);
+    qv::powers(m_slip, 0.4, m_slip, m_count);
+    row power, stress = {}, rising, falling;
+    for (int i = 0; i < m_count; ++i) power[i] = m_z[i] + 0.02 * (m_pressure[i] * m_slip[i]);
+    qv::powers(power, 0.7 - 1.0, power, m_count);
+    for (const row& r : m_r) {
+      for (int i = 0; i < m_count; ++i) {
+        rising[i] = -r[i];
+        falling[i] = 1.0 - r[i];
+      }
+      qv::exponentials(rising, rising, m_count);
+      qv::exponentials(falling, falling, m_count);
+      for (int i = 0; i < m_count; ++i) stress[i] += (0.9 * falling[i] + 1.0) * (1.0 - rising[i]);
+    }
+    for (int i = 0; i < m_count; ++i) m_sum += power[i] * m_z[i] + stress[i];
+    m_count = 0;
+  }
+
+  int m_count = 0;
+  double m_sum = 0.0;
+  row m_z, m_pressure, m_slip, m_r[2];
+};
 
 }  // namespace qvbench

@@ -8,16 +8,17 @@
 #include "bench/soil_scene.h"
 
 // Limits that no implementation can go below: finding a point on a grid that is known to be regular, with only the
-// powers and exponentials that the laws need for a point in contact; and a bare scan of a road file's numbers.
+// powers and exponentials that the laws need for a point in contact, one by one by the C library or in rows; and a bare
+// scan of a road file's numbers.
 namespace {
 
 using qvbench::body;
-using qvbench::point_of_law;
 using qvbench::regular_terrain;
 
 constexpr body k_bodies[] = {{true, 36, 9}, {true, 72, 19}, {false, 20, 20}};
 constexpr const char* k_names[] = {"wheel 36x9", "wheel 72x19", "plate 20x20"};
 
+template <typename Laws>
 void limit_per_point(benchmark::State& state) {
   const body what = k_bodies[state.range(0)];
   static regular_terrain terrain(707);
@@ -34,6 +35,7 @@ void limit_per_point(benchmark::State& state) {
     }
   }
   double travel = 0.0, sum = 0.0;
+  Laws laws;
   long in_contact = 0, points = 0;
   for (auto _ : state) {
     const double x = 0.7 + travel, y = 35.35, z = qvbench::terrain_height(x, y) + what.height();
@@ -43,8 +45,9 @@ void limit_per_point(benchmark::State& state) {
       ++points;
       if (depth <= 0.0) continue;
       ++in_contact;
-      sum += point_of_law(depth, 20000.0 + 1000.0 * depth, 0.01 + at[0] * at[0], 0.001 + depth);
+      laws.add(depth, 20000.0 + 1000.0 * depth, 0.01 + at[0] * at[0], 0.001 + depth);
     }
+    sum = laws.sum();
   }
   benchmark::DoNotOptimize(sum);
   state.SetLabel(k_names[state.range(0)]);
@@ -63,7 +66,8 @@ void limit_scan(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(road.bytes) * state.iterations());
 }
 
-BENCHMARK(limit_per_point)->DenseRange(0, 2)->ArgName("body");
+BENCHMARK(limit_per_point<qvbench::laws_by_c_library>)->Name("limit_per_point")->DenseRange(0, 2)->ArgName("body");
+BENCHMARK(limit_per_point<qvbench::laws_in_rows>)->Name("limit_per_point_in_rows")->DenseRange(0, 2)->ArgName("body");
 BENCHMARK(limit_scan)
     ->Arg(2000)
     ->Arg(20000)

@@ -219,10 +219,12 @@ void track_jumping(benchmark::State& state) {
   report(state, scene);
 }
 
+template <typename Laws>
 void limit_per_track_point(benchmark::State& state) {
   static qvbench::regular_terrain terrain(707);
   const std::vector<belt_point> belt = belt_of_spans();
   double travel = 0.0, sum = 0.0;
+  Laws laws;
   long in_contact = 0, points = 0;
   for (auto _ : state) {
     const double x = 1.2 + travel, y = 35.35, z = terrain_height(x, y);
@@ -232,8 +234,9 @@ void limit_per_track_point(benchmark::State& state) {
       ++points;
       if (depth <= 0.0) continue;
       ++in_contact;
-      sum += qvbench::point_of_law(depth, 20000.0 + 1000.0 * depth, 0.01 + at.x * at.x, 0.001 + depth);
+      laws.add(depth, 20000.0 + 1000.0 * depth, 0.01 + at.x * at.x, 0.001 + depth);
     }
+    sum = laws.sum();
   }
   benchmark::DoNotOptimize(sum);
   state.counters["in_contact"] = double(in_contact) / double(points);
@@ -241,7 +244,8 @@ void limit_per_track_point(benchmark::State& state) {
       benchmark::Counter(double(points), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-BENCHMARK(limit_per_track_point);
+BENCHMARK(limit_per_track_point<qvbench::laws_by_c_library>)->Name("limit_per_track_point");
+BENCHMARK(limit_per_track_point<qvbench::laws_in_rows>)->Name("limit_per_track_point_in_rows");
 BENCHMARK(track_driving)->Arg(2000)->Arg(20000)->Arg(200000)->Arg(1000000)->ArgName("triangles");
 BENCHMARK(track_jumping)->Arg(2000)->Arg(20000)->Arg(200000)->Arg(1000000)->ArgName("triangles");
 
