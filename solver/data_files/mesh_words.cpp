@@ -1,12 +1,12 @@
 #include "solver/data_files/mesh_words.h"
 
-#include <assimp/fast_atof.h>
-
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "solver/data_files/hull_mesh.h"
 
@@ -17,16 +17,53 @@ namespace {
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v'; }
 bool is_space(char c) { return is_blank(c) || c == '\n'; }
 
-/// Thrown by the importer's number reader for a text that is no number; it is only given texts that are.
-struct NoNumber : MeshError {
-  template <class... Texts>
-  explicit NoNumber(Texts&&...) : MeshError("no number") {}
-};
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+/// Takes the digits at a word's begin away. Returns the number that the first `most` of them make, which is not theirs
+/// if it has more than 64 bits, and their count.
+std::pair<std::uint64_t, std::size_t> take_digits(std::string_view& word, std::size_t most) {
+  std::uint64_t number = 0;
+  std::size_t count = 0;
+  bool lost = false;
+  for (; !word.empty() && is_digit(word[0]); word.remove_prefix(1)) {
+    if (count == most) continue;
+    const std::uint64_t next = 10 * number + static_cast<std::uint64_t>(word[0] - '0');
+    lost = lost || next < number;
+    number = next;
+    ++count;
+  }
+  return {lost ? 0 : number, count};
+}
+
+/// The value of a word that is a number in C notation. It is rounded at each step: the digits before the point, the
+/// first fifteen after it, their sum, the power of ten and the product.
+template <class Real>
+Real stepwise_value(std::string_view word) {
+  constexpr std::size_t k_any = std::numeric_limits<std::size_t>::max(), k_decimals = 15;
+  constexpr double k_place[k_decimals + 1] = {1,    1e-1, 1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
+                                              1e-8, 1e-9, 1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15};
+  const bool negative = word[0] == '-';
+  if (negative) word.remove_prefix(1);
+  auto value = static_cast<Real>(take_digits(word, k_any).first);
+  if (!word.empty() && word[0] == '.') {
+    word.remove_prefix(1);
+    const auto [decimals, count] = take_digits(word, k_decimals);
+    value += static_cast<Real>(static_cast<double>(decimals) * k_place[count]);
+  }
+  if (!word.empty()) {  // e or E
+    word.remove_prefix(1);
+    const bool small = word[0] == '-';
+    if (small || word[0] == '+') word.remove_prefix(1);
+    const auto exponent = static_cast<Real>(take_digits(word, k_any).first);
+    value *= std::pow(static_cast<Real>(10), small ? -exponent : exponent);
+  }
+  return negative ? -value : value;
+}
 
 /// The number of a word in C notation, if it is one as a whole and no wider than `Real`.
 ///
-/// The value is the importer's, whose readers made the meshes of all earlier results: it may differ from the nearest
-/// float in its last bits. It reads wrong what has more digits than 64 bits hold; such a word is refused.
+/// The value may differ from the nearest one in its last bits: it is that of the import library whose readers made the
+/// meshes of all earlier results. A word with more digits than 64 bits hold is refused.
 template <class Real>
 bool read_number(std::string_view word, Real& value) {
   constexpr double k_agreement = 1e-5;
@@ -36,7 +73,7 @@ bool read_number(std::string_view word, Real& value) {
   if (end != word.data() + word.size() || word.empty()) return false;
   if (error == std::errc::result_out_of_range) exact = 0;
   if (!std::isfinite(exact)) return false;
-  Assimp::fast_atoreal_move<Real, NoNumber>(std::string(word).c_str(), value, false);
+  value = stepwise_value<Real>(word);
   const double slack = k_agreement * std::abs(exact) + static_cast<double>(std::numeric_limits<float>::min());
   return std::isfinite(value) && std::abs(static_cast<double>(value) - exact) <= slack;
 }

@@ -28,6 +28,30 @@ TEST(CheckOther, SaysWhyAnOpenMeshIsNoHull) {
   EXPECT_THAT(result.err, HasSubstr("error: boat.obj: cannot be a hull: "));
 }
 
+// A cube of six quadrangles; the command lies where its part that divides them is not.
+TEST(CheckOther, SaysThatThePartIsMissingWhichDividesPolygons) {
+  const fs::path folder = fresh_folder(), command = QVBRISK_COMMAND_PATH;
+  write_text(folder / "cube.obj",
+             "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\nv 0 0 1\nv 1 0 1\nv 0 1 1\nv 1 1 1\n"
+             "f 1 3 4 2\nf 5 6 8 7\nf 1 2 6 5\nf 3 7 8 4\nf 1 5 7 3\nf 2 4 8 6\n");
+  write_text(folder / "boat.obj", k_open_mesh + "f 2 3 4\n");
+  EXPECT_THAT(run_command({"check", "cube.obj"}, folder).out, HasSubstr("a mesh of 8 points, 12 triangles"));
+  fs::create_directories(folder / "bin");
+  fs::create_directories(folder / "lib");
+  fs::copy(command, folder / "bin");
+  fs::copy(command.parent_path().parent_path() / "lib/libqvslv.so", folder / "lib");
+  const std::string alone = (folder / "bin" / command.filename()).string();
+  const CommandResult result = run_program(alone, {"check", "cube.obj"}, folder);
+  EXPECT_EQ(result.code, 2);
+  EXPECT_THAT(
+      result.err,
+      HasSubstr(
+          "error: cube.obj: 'cube.obj' cannot be read: it holds polygons of four or more corners, and the part of "
+          "qvbrisk that splits them into triangles cannot be loaded ("));
+  EXPECT_THAT(result.err, HasSubstr("libqvslv_polygons.so"));
+  EXPECT_EQ(run_program(alone, {"check", "boat.obj"}, folder).code, 0) << "a mesh of triangles needs it not";
+}
+
 TEST(CheckOther, SaysWhatAFolderHolds) {
   const fs::path folder = fresh_folder();
   fs::create_directories(folder / "boats");
