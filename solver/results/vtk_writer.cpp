@@ -6,8 +6,6 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <iterator>
-#include <stdexcept>
 #include <utility>
 
 #include "solver/results/hull_picture.h"
@@ -20,80 +18,57 @@ namespace {
 
 constexpr const char* k_index_tail = "  </Collection>\n</VTKFile>\n";
 
-/// Builds the text of a PolyData file.
-class PolyData {
-public:
-  PolyData(const std::vector<Vec3>& points, const std::vector<std::array<int, 3>>& triangles, bool vertices) {
-    add("<?xml version=\"1.0\"?>\n<VTKFile type=\"PolyData\" version=\"0.1\" byte_order=\"LittleEndian\">\n  "
-        "<PolyData>\n");
-    add("    <Piece NumberOfPoints=\"{}\" NumberOfVerts=\"{}\" NumberOfLines=\"0\" NumberOfStrips=\"0\" "
-        "NumberOfPolys=\"{}\">\n",
-        points.size(), vertices ? points.size() : 0, triangles.size());
-    add("      <Points>\n");
-    open_array("Float64", "Points", 3);
-    for (const Vec3& p : points) add("{} {} {}\n", p[0], p[1], p[2]);
-    close_array();
-    add("      </Points>\n");
-    if (vertices) add_vertices(points.size());
-    if (!triangles.empty()) add_triangles(triangles);
-  }
+using Floats = std::vector<float>;
+using Integers = std::vector<std::int32_t>;
+using Flags = std::vector<std::uint8_t>;
 
-  void begin(const char* section) { add("      <{}>\n", section); }
-  void end(const char* section) { add("      </{}>\n", section); }
+void append(std::vector<double>& coordinates, const Vec3& place) {
+  coordinates.insert(coordinates.end(), place.begin(), place.end());
+}
 
-  /// Adds an array of `count` numbers, one per point or cell; `value(k)` gives the k-th.
-  template <class Value>
-  void scalars(const char* name, const char* type, size_t count, Value&& value) {
-    open_array(type, name, 1);
-    for (size_t k = 0; k < count; ++k) add("{}\n", value(k));
-    close_array();
-  }
+void append_corners(Integers& corners, const std::vector<std::array<int, 3>>& triangles, size_t first_point) {
+  for (const auto& triangle : triangles)
+    for (const int corner : triangle) corners.push_back(corner + static_cast<int>(first_point));
+}
 
-  template <class Value>
-  void vectors(const char* name, size_t count, Value&& value) {
-    open_array("Float64", name, 3);
-    for (size_t k = 0; k < count; ++k) {
-      const Vec3 v = value(k);
-      add("{} {} {}\n", v[0], v[1], v[2]);
+/// The largest distance of a coordinate from 0, and the size of what it belongs to.
+struct Extent {
+  Vec3 low = {0, 0, 0}, high = {0, 0, 0};
+  bool empty = true;
+
+  void add(const Vec3& place) {
+    for (size_t c = 0; c < 3; ++c) {
+      low[c] = empty ? place[c] : std::min(low[c], place[c]);
+      high[c] = empty ? place[c] : std::max(high[c], place[c]);
     }
-    close_array();
+    empty = false;
   }
-
-  std::string finish() {
-    add("    </Piece>\n  </PolyData>\n</VTKFile>\n");
-    return fmt::to_string(m_text);
+  double size() const { return std::hypot(high[0] - low[0], high[1] - low[1], high[2] - low[2]); }
+  double farthest() const {
+    double most = 0;
+    for (size_t c = 0; c < 3; ++c) most = std::max({most, std::abs(low[c]), std::abs(high[c])});
+    return most;
   }
-
-private:
-  template <class... Args>
-  void add(fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(m_text), format, std::forward<Args>(args)...);
-  }
-
-  void open_array(const char* type, const char* name, int components) {
-    add("        <DataArray type=\"{}\" Name=\"{}\" NumberOfComponents=\"{}\" format=\"ascii\">\n", type, name,
-        components);
-  }
-  void close_array() { add("        </DataArray>\n"); }
-
-  void add_vertices(size_t count) {
-    add("      <Verts>\n");
-    scalars("connectivity", "Int32", count, [](size_t k) { return k; });
-    scalars("offsets", "Int32", count, [](size_t k) { return k + 1; });
-    add("      </Verts>\n");
-  }
-
-  void add_triangles(const std::vector<std::array<int, 3>>& triangles) {
-    add("      <Polys>\n");
-    open_array("Int32", "connectivity", 1);
-    for (const auto& t : triangles) add("{} {} {}\n", t[0], t[1], t[2]);
-    close_array();
-    scalars("offsets", "Int32", triangles.size(), [](size_t k) { return 3 * (k + 1); });
-    add("      </Polys>\n");
-  }
-
-  fmt::memory_buffer m_text;
 };
+
+Extent extent_of(const std::vector<Vec3>& points) {
+  Extent extent;
+  for (const Vec3& point : points) extent.add(point);
+  return extent;
+}
+
+/// Whether the places of a scene, as it stands at the start, need more than single precision.
+bool needs_double(const Recording& recording, const std::vector<TriangleMesh>& shapes) {
+  constexpr double k_single = 1.0 / (1 << 24), k_resolved = 1e-6;  // of a coordinate; of the scene
+  Extent scene = extent_of(recording.terrain.points);
+  for (const Body& body : recording.model->bodies) scene.add(body.position);
+  double size = scene.size();
+  for (const TriangleMesh& shape : shapes) size = std::max(size, extent_of(shape.points).size());
+  for (const Hull& hull : recording.hulls) size = std::max(size, extent_of(hull.mesh.points).size());
+  return scene.farthest() * k_single > size * k_resolved;
+}
+
+float length_of(const Vec3& v) { return static_cast<float>(std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2])); }
 
 }  // namespace
 
@@ -101,20 +76,15 @@ VtkWriter::VtkWriter(const Recording& recording, ResultsFolder& folder)
     : m_recording(recording),
       m_folder(folder),
       m_has_terrain(!recording.terrain.triangles.empty()),
-      m_has_points(false),
       m_reaches(recording.waters.size()) {
   const Model& model = *recording.model;
-  const TriangleMesh& terrain = recording.terrain;
   std::filesystem::create_directories(m_folder.path() + "/frames");
   for (const Body& body : model.bodies) m_shapes.push_back(shape_mesh(body.shape));
   for (const Element& element : model.elements) m_has_points = m_has_points || element.points.count > 0;
-  if (m_has_terrain) {
-    PolyData file(terrain.points, terrain.triangles, false);
-    file.begin("PointData");
-    file.scalars("height", "Float64", terrain.points.size(), [&](size_t k) { return terrain.points[k][2]; });
-    file.end("PointData");
-    write_file("frames/terrain.vtp", file.finish());
-  }
+  m_double_places = needs_double(recording, m_shapes);
+  m_bodies = body_topology();
+  m_hulls = hull_topology();
+  if (m_has_terrain) write_terrain();
   m_index = OutputFile(m_folder.add("frames.pvd"));
   m_index.write("<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n  <Collection>\n");
   m_index_end = m_index.position();
@@ -123,114 +93,163 @@ VtkWriter::VtkWriter(const Recording& recording, ResultsFolder& folder)
 }
 
 void VtkWriter::write(const Frame& frame) {
-  std::vector<std::string> parts = {fmt::format("frames/bodies_{:06}.vtp", m_frames)};
-  write_bodies(frame, parts.back());
-  if (m_has_points) {
-    parts.push_back(fmt::format("frames/points_{:06}.vtp", m_frames));
-    write_points(frame, parts.back());
-  }
-  if (!m_recording.hulls.empty()) {
-    parts.push_back(fmt::format("frames/hulls_{:06}.vtp", m_frames));
-    write_hulls(frame, parts.back());
-  }
-  if (!m_recording.waters.empty()) {
-    parts.push_back(fmt::format("frames/water_{:06}.vtp", m_frames));
-    write_water(frame, parts.back());
-  }
-  if (m_has_terrain) parts.push_back("frames/terrain.vtp");
-  index_frame(frame.time, parts);
+  m_parts.clear();
+  if (m_bodies.cells > 0) write_bodies(frame);
+  if (m_has_points) write_points(frame);
+  if (!m_recording.hulls.empty()) write_hulls(frame);
+  if (!m_recording.waters.empty()) write_water(frame);
+  if (m_has_terrain) m_parts.emplace_back("frames/terrain.vtp");
+  index_frame(frame.time);
   ++m_frames;
 }
 
-void VtkWriter::write_bodies(const Frame& frame, const std::string& name) {
-  TriangleMesh all;
-  std::vector<size_t> owners;  // per triangle
-  for (size_t i = 0; i < m_shapes.size(); ++i) {
-    append_mesh(all, m_shapes[i], rotation_of(frame.body_poses[i].quaternion), frame.body_poses[i].position);
-    owners.resize(all.triangles.size(), i);
+void VtkWriter::write_terrain() {
+  const TriangleMesh& terrain = m_recording.terrain;
+  Integers corners;
+  append_corners(corners, terrain.triangles, 0);
+  std::vector<double> coordinates;
+  Floats heights;
+  for (const Vec3& point : terrain.points) {
+    append(coordinates, point);
+    heights.push_back(static_cast<float>(point[2]));
   }
-  PolyData file(all.points, all.triangles, false);
-  file.begin("CellData");
-  file.scalars("body", "Int32", owners.size(), [&](size_t k) { return owners[k]; });
-  file.end("CellData");
-  write_file(name, file.finish());
+  const VtpArray height("height", 1, heights, Packing::small);
+  write_new_file(m_folder.add("frames/terrain.vtp"),
+                 vtp_text(triangle_topology(terrain.points.size(), corners), places(coordinates), {height}));
 }
 
-void VtkWriter::write_points(const Frame& frame, const std::string& name) {
-  std::vector<Vec3> positions;
-  for (const ContactPointSample& point : frame.points) positions.push_back(point.position);
-  PolyData file(positions, {}, true);
-  const std::vector<ContactPointSample>& p = frame.points;
-  const size_t n = p.size();
-  file.begin("PointData");
-  file.scalars("sinkage", "Float64", n, [&](size_t k) { return p[k].sinkage; });
-  file.scalars("dynamic_sinkage", "Float64", n, [&](size_t k) { return p[k].dynamic_sinkage; });
-  file.vectors("local_force", n, [&](size_t k) { return p[k].local_force; });
-  file.scalars("force", "Float64", n, [&](size_t k) {
-    const Vec3& f = p[k].local_force;
-    return std::sqrt(f[0] * f[0] + f[1] * f[1] + f[2] * f[2]);
-  });
-  file.scalars("normal_force", "Float64", n, [&](size_t k) { return p[k].local_force[2]; });
-  file.scalars("in_contact", "Int32", n, [&](size_t k) { return p[k].in_contact() ? 1 : 0; });
-  file.scalars("element", "Int32", n, [&](size_t k) { return p[k].element; });
-  file.end("PointData");
-  write_file(name, file.finish());
+VtpTopology VtkWriter::body_topology() const {
+  Integers corners, owners;
+  size_t points = 0;
+  for (size_t body = 0; body < m_shapes.size(); ++body) {
+    append_corners(corners, m_shapes[body].triangles, points);
+    points += m_shapes[body].points.size();
+    owners.resize(corners.size() / 3, static_cast<std::int32_t>(body));
+  }
+  VtpTopology topology = triangle_topology(points, corners);
+  topology.cell_data.emplace_back("body", 1, owners, Packing::small);
+  return topology;
 }
 
-void VtkWriter::write_hulls(const Frame& frame, const std::string& name) {
-  TriangleMesh all;
-  std::vector<double> depth;       // per node
-  std::vector<int> wet, elements;  // per patch
+void VtkWriter::write_bodies(const Frame& frame) {
+  std::vector<double> coordinates;
+  coordinates.reserve(3 * m_bodies.points);
+  for (size_t body = 0; body < m_shapes.size(); ++body) {
+    const MarkerPose pose{frame.body_poses[body].position, rotation_of(frame.body_poses[body].quaternion)};
+    for (const Vec3& point : m_shapes[body].points) append(coordinates, to_ground(pose, point));
+  }
+  write_part("bodies", m_bodies, coordinates, {});
+}
+
+VtpTopology VtkWriter::point_topology(const Frame& frame) const {
+  VtpTopology topology = vertex_topology(frame.points.size());
+  Integers elements;
+  for (const ContactPointSample& point : frame.points) elements.push_back(point.element);
+  topology.point_data.emplace_back("element", 1, elements, Packing::small);
+  return topology;
+}
+
+void VtkWriter::write_points(const Frame& frame) {
+  const size_t count = frame.points.size();
+  if (m_frames == 0 || m_points.points != count) m_points = point_topology(frame);
+  std::vector<double> coordinates;
+  coordinates.reserve(3 * count);
+  Floats sinkage, dynamic_sinkage, local_force, force, normal_force;
+  for (Floats* values : {&sinkage, &dynamic_sinkage, &force, &normal_force}) values->reserve(count);
+  local_force.reserve(3 * count);
+  Flags in_contact;
+  in_contact.reserve(count);
+  for (const ContactPointSample& point : frame.points) {
+    append(coordinates, point.position);
+    sinkage.push_back(static_cast<float>(point.sinkage));
+    dynamic_sinkage.push_back(static_cast<float>(point.dynamic_sinkage));
+    for (const double component : point.local_force) local_force.push_back(static_cast<float>(component));
+    force.push_back(length_of(point.local_force));
+    normal_force.push_back(static_cast<float>(point.local_force[2]));
+    in_contact.push_back(point.in_contact() ? 1 : 0);
+  }
+  write_part("points", m_points, coordinates,
+             {{"sinkage", 1, sinkage, Packing::fast},
+              {"dynamic_sinkage", 1, dynamic_sinkage, Packing::fast},
+              {"local_force", 3, local_force, Packing::fast},
+              {"force", 1, force, Packing::fast},
+              {"normal_force", 1, normal_force, Packing::fast},
+              {"in_contact", 1, in_contact, Packing::fast}});
+}
+
+VtpTopology VtkWriter::hull_topology() const {
+  Integers corners, elements;
+  size_t points = 0;
+  for (const Hull& hull : m_recording.hulls) {
+    append_corners(corners, hull.mesh.triangles, points);
+    points += hull.mesh.points.size();
+    elements.resize(corners.size() / 3, hull.element);
+  }
+  VtpTopology topology = triangle_topology(points, corners);
+  topology.cell_data.emplace_back("element", 1, elements, Packing::small);
+  return topology;
+}
+
+void VtkWriter::write_hulls(const Frame& frame) {
+  std::vector<double> coordinates;
+  coordinates.reserve(3 * m_hulls.points);
+  Floats depth;
+  depth.reserve(m_hulls.points);
+  Flags wet;
+  wet.reserve(m_hulls.cells);
   for (const Hull& hull : m_recording.hulls) {
     const Water* water = hull.water == k_none ? nullptr : &m_recording.waters[static_cast<size_t>(hull.water)];
     const HullState state = calc_hull_state(*m_recording.model, hull, water, frame);
-    append_mesh(all, {state.points, hull.mesh.triangles}, k_identity, {0, 0, 0});
-    depth.insert(depth.end(), state.depth.begin(), state.depth.end());
+    for (const Vec3& point : state.points) append(coordinates, point);
+    for (const double value : state.depth) depth.push_back(static_cast<float>(value));
     wet.insert(wet.end(), state.wet.begin(), state.wet.end());
-    elements.resize(all.triangles.size(), hull.element);
   }
-  PolyData file(all.points, all.triangles, false);
-  file.begin("PointData");
-  file.scalars("depth", "Float64", depth.size(), [&](size_t k) { return depth[k]; });
-  file.end("PointData");
-  file.begin("CellData");
-  file.scalars("wet", "Int32", wet.size(), [&](size_t k) { return wet[k]; });
-  file.scalars("element", "Int32", elements.size(), [&](size_t k) { return elements[k]; });
-  file.end("CellData");
-  write_file(name, file.finish());
+  write_part("hulls", m_hulls, coordinates, {{"depth", 1, depth, Packing::fast}}, {{"wet", 1, wet, Packing::fast}});
 }
 
-void VtkWriter::write_water(const Frame& frame, const std::string& name) {
+void VtkWriter::write_water(const Frame& frame) {
   TriangleMesh all;
-  std::vector<double> elevations;
+  Floats elevations;
   for (size_t k = 0; k < m_recording.waters.size(); ++k) {
     const Water& water = m_recording.waters[k];
     widen(m_reaches[k], m_recording, k, frame);
     const WaterStrip strip = choose_strip(water, m_reaches[k], k_water_columns);
     append_mesh(all, sheet_mesh(*m_recording.model, water, strip, frame), k_identity, {0, 0, 0});
-    for (const double x : strip.x) elevations.insert(elevations.end(), 2, find_level(water, frame.time, x));
+    for (const double x : strip.x)
+      elevations.insert(elevations.end(), 2, static_cast<float>(find_level(water, frame.time, x)));
   }
-  PolyData file(all.points, all.triangles, false);
-  file.begin("PointData");
-  file.scalars("elevation", "Float64", elevations.size(), [&](size_t k) { return elevations[k]; });
-  file.end("PointData");
-  write_file(name, file.finish());
+  if (m_frames == 0 || m_water.points != all.points.size()) {
+    Integers corners;
+    append_corners(corners, all.triangles, 0);
+    m_water = triangle_topology(all.points.size(), corners);
+  }
+  std::vector<double> coordinates;
+  coordinates.reserve(3 * all.points.size());
+  for (const Vec3& point : all.points) append(coordinates, point);
+  write_part("water", m_water, coordinates, {{"elevation", 1, elevations, Packing::fast}});
+}
+
+VtpArray VtkWriter::places(const std::vector<double>& coordinates) const {
+  if (m_double_places) return {"Points", 3, coordinates, Packing::fast};
+  return {"Points", 3, Floats(coordinates.begin(), coordinates.end()), Packing::fast};
+}
+
+void VtkWriter::write_part(const char* name, const VtpTopology& topology, const std::vector<double>& coordinates,
+                           const std::vector<VtpArray>& point_data, const std::vector<VtpArray>& cell_data) {
+  m_parts.push_back(fmt::format("frames/{}_{:06}.vtp", name, m_frames));
+  write_new_file(m_folder.add(m_parts.back()), vtp_text(topology, places(coordinates), point_data, cell_data));
 }
 
 /// Writes the new entries over the closing tags, and the tags behind them again.
-void VtkWriter::index_frame(double time, const std::vector<std::string>& parts) {
+void VtkWriter::index_frame(double time) {
   m_index.go_to(m_index_end);
-  for (size_t k = 0; k < parts.size(); ++k) {
+  for (size_t k = 0; k < m_parts.size(); ++k) {
     m_index.write(
-        fmt::format("    <DataSet timestep=\"{}\" group=\"\" part=\"{}\" file=\"{}\"/>\n", time, k, parts[k]));
+        fmt::format("    <DataSet timestep=\"{}\" group=\"\" part=\"{}\" file=\"{}\"/>\n", time, k, m_parts[k]));
   }
   m_index_end = m_index.position();
   m_index.write(k_index_tail);
   m_index.flush();
-}
-
-void VtkWriter::write_file(const std::string& name, const std::string& text) {
-  write_new_file(m_folder.add(name), text);
 }
 
 }  // namespace qvslv

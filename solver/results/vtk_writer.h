@@ -7,13 +7,16 @@
 #include "solver/results/output_file.h"
 #include "solver/results/recording.h"
 #include "solver/results/results_folder.h"
+#include "solver/results/vtp_file.h"
 #include "solver/results/water_surface.h"
 
 namespace qvslv {
 
 /// Writes pictures of a run as VTK XML PolyData for ParaView, all in ground axes:
-///   frames/terrain.vtp            the roads, in their places at the start
-///   frames/bodies_000000.vtp ...  all bodies that have a shape; cells carry `body` (index in the model's order)
+///   frames/terrain.vtp            the roads, in their places at the start; nodes carry `height`
+///   frames/bodies_000000.vtp ...  all bodies that have a shape; cells carry `body` (index in the model's order);
+///   written
+///                                 if a body has a shape
 ///   frames/points_000000.vtp ...  contact points; they carry `sinkage`, `dynamic_sinkage`, `local_force` (shear 1,
 ///                                 shear 2, normal), `force`, `normal_force`, `in_contact` and `element`; written if an
 ///                                 element has points
@@ -21,6 +24,11 @@ namespace qvslv {
 ///                                 `wet` and `element` (index in the model's order)
 ///   frames/water_000000.vtp ...   the surfaces of the waters around the hulls; nodes carry `elevation`
 ///   frames.pvd                    the index over time: parts bodies, points, hulls, water, terrain
+/// Numbers are binary with single precision; places have double precision if single would not resolve a millionth of
+/// the scene, as far from the ground's origin. A file per frame and part, since no reader of today's ParaView takes the
+/// times of several frames in one file of this format: it counts them 0, 1, 2. What a part's frames have in common is
+/// packed once, for the first of them.
+///
 /// The index is complete after every frame. Throws std::runtime_error if a file cannot be written.
 class VtkWriter {
 public:
@@ -33,22 +41,31 @@ public:
   void close() { m_index.close(); }
 
 private:
-  void write_bodies(const Frame& frame, const std::string& name);
-  void write_points(const Frame& frame, const std::string& name);
-  void write_hulls(const Frame& frame, const std::string& name);
-  void write_water(const Frame& frame, const std::string& name);
-  void index_frame(double time, const std::vector<std::string>& parts);
-  void write_file(const std::string& name, const std::string& text);
+  void write_terrain();
+  void write_bodies(const Frame& frame);
+  void write_points(const Frame& frame);
+  void write_hulls(const Frame& frame);
+  void write_water(const Frame& frame);
+  VtpTopology body_topology() const;
+  VtpTopology point_topology(const Frame& frame) const;
+  VtpTopology hull_topology() const;
+  VtpArray places(const std::vector<double>& coordinates) const;
+  void write_part(const char* name, const VtpTopology& topology, const std::vector<double>& coordinates,
+                  const std::vector<VtpArray>& point_data, const std::vector<VtpArray>& cell_data = {});
+  void index_frame(double time);
 
   const Recording& m_recording;
   ResultsFolder& m_folder;
   std::vector<TriangleMesh> m_shapes;  ///< one per body; empty for a body without a shape
+  bool m_double_places = false;        ///< whether places need double precision
   bool m_has_terrain;
-  bool m_has_points;
+  bool m_has_points = false;
+  VtpTopology m_bodies, m_points, m_hulls, m_water;
   std::vector<WaterReach> m_reaches;  ///< per water what its hulls have covered so far
   OutputFile m_index;
   long m_index_end = 0;  ///< position before the closing tags
   long m_frames = 0;
+  std::vector<std::string> m_parts;  ///< files of the present frame
 };
 
 }  // namespace qvslv
