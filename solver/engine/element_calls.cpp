@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace qvslv {
 
@@ -19,11 +20,18 @@ size_t result_length(const Element& element) {
 
 }  // namespace
 
-ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, EngineHost& host, Fault& fault)
-    : m_model(model), m_host(host), m_fault(fault) {
+ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, const ModelReadings& readings, LoadTable& loads,
+                           Fault& fault, Report report)
+    : m_model(model),
+      m_readings(readings),
+      m_loads(loads),
+      m_fault(fault),
+      m_report(std::move(report)),
+      m_index(model) {
   for (const Element& element : model.elements) {
     try {
-      m_bound.push_back({plugin.find(element.subroutine), element.par, std::vector<double>(result_length(element))});
+      m_bound.push_back({plugin.find(element.subroutine), element.par, std::vector<double>(result_length(element)),
+                         std::make_unique<ElementHost>(m_index, readings, loads, model, element)});
     } catch (const PluginError& error) {
       throw PluginError("element " + element.name + ": " + error.what());
     }
@@ -34,34 +42,41 @@ void ElementCalls::call(size_t element, CallKind kind, const SimTK::State& state
   if (m_fault.raised()) return;
   Bound& bound = m_bound[element];
   std::fill(bound.result.begin(), bound.result.end(), 0.0);
-  const double time = state.getTime();
   {
-    const EngineHost::Call under_way(m_host, state, m_model.elements[element]);
+    const ElementHost::Call under_way(*bound.host, state);
     try {
-      bound.subroutine(static_cast<ServiceHost*>(&m_host), time, bound.par.data(), static_cast<int>(bound.par.size()),
-                       0, static_cast<int>(kind), bound.result.data());
+      bound.subroutine(static_cast<ServiceHost*>(bound.host.get()), state.getTime(), bound.par.data(),
+                       static_cast<int>(bound.par.size()), 0, static_cast<int>(kind), bound.result.data());
     } catch (...) {
-      m_fault.raise(RunOutcome::failed,
-                    fmt::format("element {} at time {}: the subroutine {} threw an exception",
-                                m_model.elements[element].name, time, m_model.elements[element].subroutine));
+      bound.host->raise(RunOutcome::failed,
+                        "the subroutine " + m_model.elements[element].subroutine + " threw an exception");
     }
+    if (is_force(element)) check_force(element);
   }
-  if (is_force(element)) check_force(element, time);
+  bound.host->settle(m_fault, m_report);
 }
 
-void ElementCalls::check_force(size_t element, double time) {
-  const std::vector<double>& result = m_bound[element].result;
+void ElementCalls::check_force(size_t element) {
+  const Bound& bound = m_bound[element];
   for (size_t k = 0; k < k_force_entries; ++k) {
-    if (std::isfinite(result[k])) continue;
-    m_fault.raise(RunOutcome::failed,
-                  fmt::format("element {} at time {}: result {} ({}) is {}, no finite number",
-                              m_model.elements[element].name, time, k, k_entry_names[k], result[k]));
+    if (std::isfinite(bound.result[k])) continue;
+    bound.host->raise(RunOutcome::failed,
+                      fmt::format("result {} ({}) is {}, no finite number", k, k_entry_names[k], bound.result[k]));
     return;
   }
 }
 
 void ElementCalls::set_up(const SimTK::State& state) {
   for (size_t i = 0; i < size(); ++i) call(i, CallKind::set_up, state);
+}
+
+void ElementCalls::evaluate(const SimTK::State& state) {
+  for (size_t i = 0; i < size(); ++i) {
+    if (!is_evaluated(i)) continue;
+    call(i, CallKind::evaluation, state);
+    if (m_fault.raised()) return;
+    if (is_force(i)) m_loads.of_element(i) = find_load(i);
+  }
 }
 
 void ElementCalls::after_step(const SimTK::State& state) {
@@ -72,10 +87,11 @@ void ElementCalls::after_step(const SimTK::State& state) {
   }
 }
 
-AppliedLoad ElementCalls::find_load(size_t element, const SimTK::State& state, const Multibody& multibody) const {
+/// The force and torque that a force element has just returned, turned into ground axes.
+AppliedLoad ElementCalls::find_load(size_t element) const {
   const std::vector<double>& result = m_bound[element].result;
   const Element& from = m_model.elements[element];
-  const SimTK::Rotation axes = multibody.find_axes(state, from.axes);
+  const SimTK::Rotation& axes = m_readings.markers().of(from.axes).axes;
   return {from.marker, from.reaction, axes * SimTK::Vec3(result[0], result[1], result[2]),
           axes * SimTK::Vec3(result[3], result[4], result[5])};
 }

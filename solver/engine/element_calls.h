@@ -1,10 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
-#include "solver/engine/host.h"
+#include "solver/engine/element_host.h"
 #include "solver/engine/load_table.h"
-#include "solver/engine/multibody.h"
 #include "solver/engine/plugin.h"
 #include "solver/model/fault.h"
 #include "solver/model/model.h"
@@ -15,19 +15,25 @@ namespace qvslv {
 enum class CallKind : int { evaluation = 0, set_up = 1, converged_step = 2 };
 
 /// The elements of a model bound to their subroutines, with their parameter lists and result arrays.
+///
+/// A call clears the result array before. It raises a fault if the subroutine reports one, throws, or returns a value
+/// of a force that is not finite; after a fault no element is called any more. The state of a call is that which the
+/// readings were last refreshed with, realized to Velocity or further.
 class ElementCalls {
 public:
+  using Report = ElementHost::Report;
+
   /// Looks up every subroutine. Throws PluginError, with the element's name, if one is missing. The arguments must
   /// outlive this object.
-  ElementCalls(const Model& model, const Plugin& plugin, EngineHost& host, Fault& fault);
-
-  /// Calls one element, after clearing its result array. Does nothing once a fault was raised. Raises one if the
-  /// subroutine throws or if a force element returns a value that is not finite.
-  /// @param state  realized to Velocity or further
-  void call(size_t element, CallKind kind, const SimTK::State& state);
+  /// @param report  is told about requests of subroutines that could not be answered; may be empty
+  ElementCalls(const Model& model, const Plugin& plugin, const ModelReadings& readings, LoadTable& loads, Fault& fault,
+               Report report);
 
   /// Makes the calls at the start: all elements, in file order.
   void set_up(const SimTK::State& state);
+
+  /// Calls forces and evaluated elements in file order, and keeps the loads of the forces.
+  void evaluate(const SimTK::State& state);
 
   /// Makes the calls after an accepted step: first the forces and evaluated elements in file order, then the reports,
   /// which add up what those leave behind.
@@ -39,22 +45,25 @@ public:
   /// True for forces and for elements of kind `evaluated`: they are called at every evaluation.
   bool is_evaluated(size_t element) const { return m_model.elements[element].kind != ElementKind::report; }
 
-  /// The force and torque that a force element has just returned, turned into ground axes.
-  AppliedLoad find_load(size_t element, const SimTK::State& state, const Multibody& multibody) const;
-
 private:
-  /// An element together with its subroutine and the arrays that it is called with.
+  /// An element together with its subroutine and what that is called with.
   struct Bound {
     qv_user_subroutine subroutine;
     std::vector<double> par;
     std::vector<double> result;
+    std::unique_ptr<ElementHost> host;
   };
 
-  void check_force(size_t element, double time);
+  void call(size_t element, CallKind kind, const SimTK::State& state);
+  void check_force(size_t element);
+  AppliedLoad find_load(size_t element) const;
 
   const Model& m_model;
-  EngineHost& m_host;
+  const ModelReadings& m_readings;
+  LoadTable& m_loads;
   Fault& m_fault;
+  Report m_report;
+  ServiceIndex m_index;
   std::vector<Bound> m_bound;
 };
 

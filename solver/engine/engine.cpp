@@ -19,13 +19,13 @@ constexpr int k_most_smallest_steps = 200;
 
 }  // namespace
 
-Engine::Engine(const Model& model, const Plugin& plugin, EngineHost::Report report)
+Engine::Engine(const Model& model, const Plugin& plugin, ElementCalls::Report report)
     : m_model(model),
       m_multibody(model, m_fault),
       m_readings(m_multibody, m_fault),
-      m_host(m_readings, m_multibody, m_fault, std::move(report)),
-      m_calls(model, plugin, m_host, m_fault),
-      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_host, m_fault)) {
+      m_loads(model),
+      m_calls(model, plugin, m_readings, m_loads, m_fault, std::move(report)),
+      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_loads, m_fault)) {
   SimTK::Force::Custom(m_multibody.forces(), m_forces);
 }
 

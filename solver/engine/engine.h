@@ -7,7 +7,7 @@
 
 #include "solver/engine/element_calls.h"
 #include "solver/engine/forces.h"
-#include "solver/engine/host.h"
+#include "solver/engine/load_table.h"
 #include "solver/engine/merson_stepper.h"
 #include "solver/engine/multibody.h"
 #include "solver/engine/plugin.h"
@@ -28,7 +28,7 @@ class Engine {
 public:
   /// @param report  is told about requests of subroutines that could not be answered; may be empty
   /// Throws MultibodyError, ModelError or PluginError. Model and plug-in must outlive this object.
-  Engine(const Model& model, const Plugin& plugin, EngineHost::Report report);
+  Engine(const Model& model, const Plugin& plugin, ElementCalls::Report report);
   ~Engine();
 
   /// Makes the state at time 0, calls the elements for their set-up, and evaluates the derivatives of the equations.
@@ -48,7 +48,7 @@ public:
   const Fault& fault() const { return m_fault; }
   const Multibody& multibody() const { return m_multibody; }
   const ElementCalls& elements() const { return m_calls; }
-  const LoadTable& loads() const { return m_host.loads(); }  ///< as they are at the present state
+  const LoadTable& loads() const { return m_loads; }  ///< as they are at the present state
   /// Variables and equations at the present state.
   const ModelReadings& readings() const { return m_readings; }
 
@@ -66,7 +66,7 @@ private:
   Fault m_fault;
   Multibody m_multibody;
   ModelReadings m_readings;
-  EngineHost m_host;
+  LoadTable m_loads;
   ElementCalls m_calls;
   EngineForces* m_forces;  ///< owned by the multibody system
   SimTK::State m_initial;

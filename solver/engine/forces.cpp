@@ -6,14 +6,13 @@ namespace qvslv {
 
 using SimTK::SpatialVec;
 
-void apply_load(const Multibody& multibody, const SimTK::State& state, const AppliedLoad& load,
+void apply_load(const Multibody& multibody, const MarkerMotions& markers, const AppliedLoad& load,
                 SimTK::Vector_<SpatialVec>& body_forces) {
   if (load.marker == k_none) return;
-  const SimTK::Vec3 point = multibody.find_pose(state, load.marker).p();
+  const SimTK::Vec3& point = markers.of(load.marker).position;
   const auto add = [&](int marker, double sign) {
-    const SimTK::MobilizedBody& body = multibody.marker_body(marker);
-    const SimTK::Vec3 arm = point - body.getBodyOriginLocation(state);
-    body_forces[body.getMobilizedBodyIndex()] += sign * SpatialVec(load.torque + arm % load.force, load.force);
+    const SimTK::Vec3 arm = point - markers.of(marker).body_origin;
+    body_forces[multibody.marker(marker).body] += sign * SpatialVec(load.torque + arm % load.force, load.force);
   };
   add(load.marker, 1.0);
   if (load.reaction != k_none) add(load.reaction, -1.0);
@@ -32,17 +31,14 @@ SimTK::Vec3 evaluate(const std::array<StateExpression, 3>& components, const Sta
 
 }  // namespace
 
-EngineForces::EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, EngineHost& host,
+EngineForces::EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, LoadTable& loads,
                            Fault& fault)
     : m_multibody(multibody),
       m_readings(readings),
       m_calls(calls),
-      m_host(host),
+      m_loads(loads),
       m_fault(fault),
       m_right_sides(multibody.model(), readings) {
-  for (size_t i = 0; i < calls.size(); ++i) {
-    if (calls.is_evaluated(i)) m_evaluated.push_back(i);
-  }
   for (const AppliedForce& applied : multibody.model().forces) {
     m_applied.push_back({compile(applied.force, readings.scope()), compile(applied.torque, readings.scope())});
   }
@@ -54,29 +50,28 @@ void EngineForces::calcForce(const SimTK::State& state, SimTK::Vector_<SpatialVe
                              SimTK::Vector_<SimTK::Vec3>&, SimTK::Vector&) const {
   ++m_evaluations;
   m_readings.refresh(state);
-  add_forces(state, body_forces);
+  evaluate_loads(state);
+  if (!m_fault.raised()) apply_loads(body_forces);
   m_right_sides.evaluate(state, m_calls, m_fault);
 }
 
-void EngineForces::add_forces(const SimTK::State& state, SimTK::Vector_<SpatialVec>& body_forces) const {
-  LoadTable& loads = m_host.loads();
-  // Elements may ask for applied forces, so these are evaluated before any element is called. They are added last.
-  for (size_t i = 0; i < m_applied.size() && !m_fault.raised(); ++i) loads.of_force(i) = calc_applied(i, state);
-  for (const size_t element : m_evaluated) {
-    m_calls.call(element, CallKind::evaluation, state);
-    if (m_fault.raised()) return;
-    if (!m_calls.is_force(element)) continue;
-    AppliedLoad& load = loads.of_element(element);
-    load = m_calls.find_load(element, state, m_multibody);
-    apply_load(m_multibody, state, load, body_forces);
-  }
-  if (m_fault.raised()) return;
-  for (size_t i = 0; i < m_applied.size(); ++i) apply_load(m_multibody, state, loads.of_force(i), body_forces);
+/// Elements may ask for applied forces, so these are evaluated before any element is called.
+void EngineForces::evaluate_loads(const SimTK::State& state) const {
+  for (size_t i = 0; i < m_applied.size() && !m_fault.raised(); ++i) m_loads.of_force(i) = calc_applied(i, state);
+  m_calls.evaluate(state);
+}
+
+/// Elements first, in file order, then applied forces: sums depend on their order.
+void EngineForces::apply_loads(SimTK::Vector_<SpatialVec>& body_forces) const {
+  for (size_t i = 0; i < m_calls.size(); ++i)
+    if (m_calls.is_force(i)) apply_load(m_multibody, m_readings.markers(), m_loads.of_element(i), body_forces);
+  for (size_t i = 0; i < m_applied.size(); ++i)
+    apply_load(m_multibody, m_readings.markers(), m_loads.of_force(i), body_forces);
 }
 
 AppliedLoad EngineForces::calc_applied(size_t index, const SimTK::State& state) const {
   const AppliedForce& from = m_multibody.model().forces[index];
-  const SimTK::Rotation axes = m_multibody.find_axes(state, from.axes);
+  const SimTK::Rotation& axes = m_readings.markers().of(from.axes).axes;
   const ModelReadings::At here(m_readings, state);
   const SimTK::Vec3 force = evaluate(m_applied[index].force, here);
   const SimTK::Vec3 torque = evaluate(m_applied[index].torque, here);

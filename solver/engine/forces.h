@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "solver/engine/element_calls.h"
-#include "solver/engine/host.h"
 #include "solver/engine/load_table.h"
 #include "solver/engine/multibody.h"
 #include "solver/engine/readings.h"
@@ -17,7 +16,7 @@ namespace qvslv {
 /// Adds a load to the forces on bodies. The load acts on the marker's body at the marker's origin; its opposite acts on
 /// the reaction marker's body at the same point.
 /// @param body_forces  per mobilized body the torque about the body's origin and the force, in ground axes
-void apply_load(const Multibody& multibody, const SimTK::State& state, const AppliedLoad& load,
+void apply_load(const Multibody& multibody, const MarkerMotions& markers, const AppliedLoad& load,
                 SimTK::Vector_<SimTK::SpatialVec>& body_forces);
 
 /// All forces that act on the bodies besides gravity, and the rates of the equations. An evaluation depends only on the
@@ -29,7 +28,7 @@ void apply_load(const Multibody& multibody, const SimTK::State& state, const App
 class EngineForces : public SimTK::Force::Custom::Implementation {
 public:
   /// Throws ModelError for expressions that cannot be compiled. The arguments must outlive this object.
-  EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, EngineHost& host,
+  EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, LoadTable& loads,
                Fault& fault);
 
   void realizeTopology(SimTK::State& state) const override;
@@ -45,15 +44,15 @@ private:
     std::array<StateExpression, 3> torque;
   };
 
-  void add_forces(const SimTK::State& state, SimTK::Vector_<SimTK::SpatialVec>& body_forces) const;
+  void evaluate_loads(const SimTK::State& state) const;
+  void apply_loads(SimTK::Vector_<SimTK::SpatialVec>& body_forces) const;
   AppliedLoad calc_applied(size_t index, const SimTK::State& state) const;
 
   const Multibody& m_multibody;
   ModelReadings& m_readings;
   ElementCalls& m_calls;
-  EngineHost& m_host;
+  LoadTable& m_loads;
   Fault& m_fault;
-  std::vector<size_t> m_evaluated;  ///< indices of force and evaluated elements
   std::vector<Components> m_applied;
   RightSides m_right_sides;
   mutable long m_evaluations = 0;

@@ -1,12 +1,15 @@
 #include "solver/engine/load_table.h"
 
-#include <algorithm>
-
 namespace qvslv {
 
-LoadTable::LoadTable(const Model& model) {
+LoadTable::LoadTable(const Model& model) : m_slots_at_marker(model.markers.size()) {
+  const auto list = [&](int marker) {
+    if (marker != k_none) m_slots_at_marker[static_cast<size_t>(marker)].push_back(m_loads.size());
+  };
   const auto add = [&](int id, int marker, int reaction) {
-    if (id > 0) m_slot_of_id.emplace_back(id, m_loads.size());
+    if (id > 0) m_slot_of_id.add(id, static_cast<int>(m_loads.size()));
+    list(marker);
+    if (reaction != marker) list(reaction);
     AppliedLoad load;
     load.marker = marker;
     load.reaction = reaction;
@@ -18,18 +21,12 @@ LoadTable::LoadTable(const Model& model) {
   }
   m_first_applied = m_loads.size();
   for (const AppliedForce& force : model.forces) add(force.id, force.marker, force.reaction);
-  std::sort(m_slot_of_id.begin(), m_slot_of_id.end());
-}
-
-const AppliedLoad* LoadTable::find(int id) const {
-  const auto found = std::lower_bound(m_slot_of_id.begin(), m_slot_of_id.end(), id,
-                                      [](const auto& entry, int wanted) { return entry.first < wanted; });
-  return found != m_slot_of_id.end() && found->first == id ? &m_loads[found->second] : nullptr;
 }
 
 SimTK::Vec3 LoadTable::force_at(int marker, std::optional<int> reference) const {
   SimTK::Vec3 sum(0);
-  for (const AppliedLoad& load : m_loads) {
+  for (const size_t slot : m_slots_at_marker[static_cast<size_t>(marker)]) {
+    const AppliedLoad& load = m_loads[slot];
     const int other_end = load.marker == marker ? load.reaction : load.marker;
     if (reference && other_end != *reference) continue;
     if (load.marker == marker) sum += load.force;

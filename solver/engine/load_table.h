@@ -3,9 +3,9 @@
 #include <Simbody.h>
 
 #include <optional>
-#include <utility>
 #include <vector>
 
+#include "solver/engine/id_table.h"
 #include "solver/model/model.h"
 
 namespace qvslv {
@@ -32,7 +32,10 @@ public:
   const AppliedLoad& of_force(size_t force) const { return m_loads[m_first_applied + force]; }
 
   /// The load of the element or applied force with this id; null if none has it. Loads without an id (0) are not found.
-  const AppliedLoad* find(int id) const;
+  const AppliedLoad* find(int id) const {
+    const int slot = m_slot_of_id.find(id);
+    return slot != k_none ? &m_loads[static_cast<size_t>(slot)] : nullptr;
+  }
 
   /// Sum of the forces that act at a marker minus those that react on it, in ground axes. With a reference marker only
   /// the forces between these two count.
@@ -43,7 +46,9 @@ private:
   std::vector<AppliedLoad> m_loads;       ///< elements of kind force first, then applied forces
   std::vector<size_t> m_slot_of_element;  ///< by index into Model::elements
   size_t m_first_applied = 0;
-  std::vector<std::pair<int, size_t>> m_slot_of_id;  ///< sorted by id
+  IdTable m_slot_of_id;
+  std::vector<std::vector<size_t>>
+      m_slots_at_marker;  ///< of loads that act or react there, by index into Model::markers
 };
 
 }  // namespace qvslv

@@ -4,10 +4,8 @@
 
 namespace qvslv {
 
-SimTK::Vec3 find_relation(const Multibody& multibody, const SimTK::State& state, MarkerRelation relation, int measured,
-                          int reference) {
-  const MarkerMotion m = multibody.find_motion(state, measured);
-  const MarkerMotion r = multibody.find_motion(state, reference);
+SimTK::Vec3 find_relation(const MarkerMotions& markers, MarkerRelation relation, int measured, int reference) {
+  const MarkerMotion &m = markers.of(measured), &r = markers.of(reference);
   switch (relation) {
     case MarkerRelation::displacement:
       return m.position - r.position;
@@ -19,23 +17,27 @@ SimTK::Vec3 find_relation(const Multibody& multibody, const SimTK::State& state,
   return m.angular_velocity - r.angular_velocity;
 }
 
-SimTK::Vec3 find_roll_pitch_yaw(const Multibody& multibody, const SimTK::State& state, int measured, int reference) {
-  const SimTK::Rotation r = ~multibody.find_axes(state, reference) * multibody.find_axes(state, measured);
+SimTK::Rotation find_rotation(const MarkerMotions& markers, int measured, int reference) {
+  return ~markers.of(reference).axes * markers.of(measured).axes;
+}
+
+SimTK::Vec3 find_roll_pitch_yaw(const MarkerMotions& markers, int measured, int reference) {
+  const SimTK::Rotation r = find_rotation(markers, measured, reference);
   return SimTK::Vec3(std::atan2(r[2][1], r[2][2]), std::atan2(-r[2][0], std::hypot(r[0][0], r[1][0])),
                      std::atan2(r[1][0], r[0][0]));
 }
 
-double find_quantity(const Multibody& multibody, const SimTK::State& state, const MarkerQuantity& wanted) {
+double find_quantity(const MarkerMotions& markers, const MarkerQuantity& wanted) {
   using Kind = MarkerQuantity::Kind;
   if (wanted.kind == Kind::angle) {
-    return find_roll_pitch_yaw(multibody, state, wanted.measured, wanted.reference)[wanted.component];
+    return find_roll_pitch_yaw(markers, wanted.measured, wanted.reference)[wanted.component];
   }
   const MarkerRelation relation = wanted.kind == Kind::displacement ? MarkerRelation::displacement
                                   : wanted.kind == Kind::velocity   ? MarkerRelation::velocity
                                                                     : MarkerRelation::angular_velocity;
-  const SimTK::Vec3 in_ground = find_relation(multibody, state, relation, wanted.measured, wanted.reference);
+  const SimTK::Vec3 in_ground = find_relation(markers, relation, wanted.measured, wanted.reference);
   if (wanted.component == MarkerQuantity::k_magnitude) return in_ground.norm();
-  return (~multibody.find_axes(state, wanted.axes) * in_ground)[wanted.component];
+  return (~markers.of(wanted.axes).axes * in_ground)[wanted.component];
 }
 
 }  // namespace qvslv

@@ -176,13 +176,20 @@ SimTK::Rotation Multibody::find_axes(const SimTK::State& state, int marker) cons
 }
 
 MarkerMotion Multibody::find_motion(const SimTK::State& state, int marker) const {
-  if (marker == k_none) return {SimTK::Vec3(0), SimTK::Vec3(0), SimTK::Vec3(0)};
+  if (marker == k_none) return {};
   const PlacedMarker& placed = m_markers[static_cast<size_t>(marker)];
-  const MobilizedBody& body = m_matter.getMobilizedBody(placed.body);
-  const Transform& pose = body.getBodyTransform(state);
-  const SimTK::SpatialVec& velocity = body.getBodyVelocity(state);
-  const SimTK::Vec3 arm = pose.R() * placed.in_body.p();
-  return {pose.p() + arm, velocity[1] + velocity[0] % arm, velocity[0]};
+  return find_motion_on_body(placed.in_body, find_body_motion(state, placed.body));
+}
+
+BodyMotion Multibody::find_body_motion(const SimTK::State& state, SimTK::MobilizedBodyIndex body) const {
+  const MobilizedBody& mobilized = m_matter.getMobilizedBody(body);
+  return {mobilized.getBodyTransform(state), mobilized.getBodyVelocity(state)};
+}
+
+MarkerMotion find_motion_on_body(const Transform& in_body, const BodyMotion& body) {
+  const SimTK::Vec3 arm = body.pose.R() * in_body.p();
+  return {body.pose.p() + arm, body.pose.R() * in_body.R(), body.velocity[1] + body.velocity[0] % arm, body.velocity[0],
+          body.pose.p()};
 }
 
 double Multibody::calc_kinetic_energy(const SimTK::State& state) const { return m_matter.calcKineticEnergy(state); }

@@ -18,12 +18,22 @@ struct PlacedMarker {
   SimTK::Transform in_body;
 };
 
-/// Position, velocity and angular velocity of a marker, relative to the ground and in its axes.
+/// How a marker stands and moves, relative to the ground and in its axes.
 struct MarkerMotion {
-  SimTK::Vec3 position;
-  SimTK::Vec3 velocity;
-  SimTK::Vec3 angular_velocity;
+  SimTK::Vec3 position = SimTK::Vec3(0);
+  SimTK::Rotation axes;
+  SimTK::Vec3 velocity = SimTK::Vec3(0);
+  SimTK::Vec3 angular_velocity = SimTK::Vec3(0);
+  SimTK::Vec3 body_origin = SimTK::Vec3(0);  ///< of the frame of the body that it is fixed to
 };
+
+/// The same of a body's frame: pose, and angular velocity with the velocity of its origin.
+struct BodyMotion {
+  SimTK::Transform pose;
+  SimTK::SpatialVec velocity = SimTK::SpatialVec(SimTK::Vec3(0), SimTK::Vec3(0));
+};
+
+MarkerMotion find_motion_on_body(const SimTK::Transform& in_body, const BodyMotion& body);
 
 SimTK::Vec3 to_vec3(const Vec3& v);
 SimTK::Rotation to_rotation(const Rotation& r);
@@ -57,6 +67,7 @@ public:
   SimTK::Transform find_pose(const SimTK::State& state, int marker) const;
   SimTK::Rotation find_axes(const SimTK::State& state, int marker) const;
   MarkerMotion find_motion(const SimTK::State& state, int marker) const;
+  BodyMotion find_body_motion(const SimTK::State& state, SimTK::MobilizedBodyIndex body) const;
 
   double calc_kinetic_energy(const SimTK::State& state) const;
   /// Energy in the field of gravity; 0 if all centres of mass lie in the ground's origin.

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "solver/engine/equations.h"
+#include "solver/engine/marker_motions.h"
 #include "solver/engine/marker_relation.h"
 #include "solver/engine/multibody.h"
 #include "solver/model/akima.h"
@@ -13,7 +14,7 @@
 
 namespace qvslv {
 
-/// What expressions and services read besides markers: the model's variables, equations and splines.
+/// What expressions and services read: markers, and the model's variables, equations and splines.
 class ModelReadings {
 public:
   /// Throws ModelError for an expression or a spline that is none. The arguments must outlive this object.
@@ -21,7 +22,7 @@ public:
   ModelReadings(const ModelReadings&) = delete;
   ModelReadings& operator=(const ModelReadings&) = delete;
 
-  /// Lets expressions read one state. Made for one evaluation and not kept.
+  /// Lets expressions read the state of the last `refresh`. Made for one evaluation and not kept.
   class At : public StateReader {
   public:
     At(const ModelReadings& readings, const SimTK::State& state) : m_readings(readings), m_state(state) {}
@@ -30,22 +31,22 @@ public:
     double equation(int index, int derivative) const override {
       return m_readings.m_equations.value(m_state, static_cast<size_t>(index), derivative);
     }
-    double quantity(const MarkerQuantity& wanted) const override {
-      return find_quantity(m_readings.m_multibody, m_state, wanted);
-    }
+    double quantity(const MarkerQuantity& wanted) const override { return find_quantity(m_readings.m_markers, wanted); }
 
   private:
     const ModelReadings& m_readings;
     const SimTK::State& m_state;
   };
 
-  /// Evaluates all variables in their order. Raises a fault for a variable without a finite value.
+  /// Takes a state: markers are those of it from now on. Evaluates all variables in their order. Raises a fault for a
+  /// variable without a finite value.
   /// @param state  realized to Velocity or further
   void refresh(const SimTK::State& state);
 
   /// Value of a variable at the state of the last `refresh`.
   double variable(int index) const { return m_values[static_cast<size_t>(index)]; }
 
+  const MarkerMotions& markers() const { return m_markers; }
   const std::vector<AkimaSpline>& splines() const { return m_splines; }
   const EquationStates& equations() const { return m_equations; }
   EquationStates& equations() { return m_equations; }
@@ -56,6 +57,7 @@ public:
 private:
   const Multibody& m_multibody;
   Fault& m_fault;
+  MarkerMotions m_markers;
   std::vector<AkimaSpline> m_splines;
   EquationStates m_equations;
   std::vector<StateExpression> m_variables;

@@ -3,44 +3,48 @@
 #include <functional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "solver/engine/load_table.h"
-#include "solver/engine/marker_relation.h"
-#include "solver/engine/multibody.h"
 #include "solver/engine/readings.h"
 #include "solver/engine/service_host.h"
+#include "solver/engine/service_index.h"
 #include "solver/model/fault.h"
 #include "solver/model/model.h"
 
 namespace qvslv {
 
-/// Answers the service requests of user subroutines from the state of the call that is under way.
-class EngineHost : public ServiceHost {
+/// Answers the service requests of one element's subroutine: from the state of the call that is under way, between
+/// calls not at all. What the subroutine reports is kept until `settle`.
+class ElementHost : public ServiceHost {
 public:
   using Report = std::function<void(const std::string&)>;
 
-  /// @param report  is told once per element about each kind of request that could not be answered
-  /// The other arguments must outlive this object.
-  EngineHost(const ModelReadings& readings, const Multibody& multibody, Fault& fault, Report report);
+  /// The arguments must outlive this object.
+  ElementHost(const ServiceIndex& index, const ModelReadings& readings, const LoadTable& loads, const Model& model,
+              const Element& element);
 
-  /// A call of an element at a state, which is realized to Velocity or further. Services answer from this state as
-  /// long as the object lives.
+  /// A call of the element at the state that the readings were last refreshed with. Services answer as long as this
+  /// lives.
   class Call {
   public:
-    Call(EngineHost& host, const SimTK::State& state, const Element& element);
-    ~Call();
+    Call(ElementHost& host, const SimTK::State& state) : m_host(host) { host.m_state = &state; }
+    ~Call() { m_host.m_state = nullptr; }
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
   private:
-    EngineHost& m_host;
+    ElementHost& m_host;
   };
 
-  /// Forces of elements and applied forces as they were last evaluated.
-  LoadTable& loads() { return m_loads; }
-  const LoadTable& loads() const { return m_loads; }
+  /// Ends the run unless something did before: the element failed or asked to stop. It is the caller's words that end
+  /// it, with the element and the time before them.
+  void raise(RunOutcome outcome, const std::string& text) { m_fault.raise(outcome, place() + text); }
+  bool failed() const { return m_fault.raised(); }
+
+  /// Hands on what the calls since the last time reported, in its order: a fault, and warnings.
+  /// @param report  is told once about each kind of request that could not be answered; may be empty
+  void settle(Fault& fault, const Report& report);
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char* name, const int* ids, int nids, double& value) override;
@@ -70,28 +74,19 @@ private:
   bool force_magnitude(const int* ids, int nids, double& value);
   bool read_ids(const char* name, const int* ids, int nids, int most, Request& request);
   bool check_count(const char* name, int nids, int most);
-  bool refuse(const char* service, const std::string& why);
+  template <class... Values>
+  bool refuse(const char* service, const char* why, const Values&... values);
   std::string place() const;
 
+  const ServiceIndex& m_index;
   const ModelReadings& m_readings;
-  const Multibody& m_multibody;
-  Fault& m_fault;
-  Report m_report;
-  // (id, index into the model), sorted by id
-  std::vector<std::pair<int, int>> m_marker_of_id;
-  std::vector<std::pair<int, int>> m_body_of_id;
-  std::vector<std::pair<int, int>> m_variable_of_id;
-  std::vector<std::pair<int, int>> m_equation_of_id;
-  std::vector<std::pair<int, int>> m_spline_of_id;
-  std::vector<std::pair<int, std::wstring>> m_strings;  ///< (id, text)
-  std::wstring m_path;
-  LoadTable m_loads;
-  std::set<std::pair<const Element*, std::string>> m_reported;  ///< requests that `report` was told about
-  const SimTK::State* m_state = nullptr;  ///< of the call that is under way; null between calls, as m_element
-  const Element* m_element = nullptr;
+  const LoadTable& m_loads;
+  const Model& m_model;
+  const Element& m_element;
+  const SimTK::State* m_state = nullptr;  ///< of the call that is under way; null between calls
+  Fault m_fault;
+  std::vector<std::string> m_told;  ///< warnings and refused requests since the last `settle`
+  std::set<std::string> m_refused;  ///< services that could not be answered, each told once
 };
-
-/// Turns UTF-8 into wide characters. A byte that belongs to no UTF-8 sequence becomes a character of its own.
-std::wstring widen(const std::string& text);
 
 }  // namespace qvslv
