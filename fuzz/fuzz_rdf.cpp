@@ -45,7 +45,7 @@ void check_road(const qvsoilrdf::CRoad& road) {
   QV_PROMISE(road.x_min <= road.x_max && road.y_min <= road.y_max);
   QV_PROMISE(std::isfinite(road.cell_dx) && std::isfinite(road.cell_dy));
   QV_PROMISE(road.facets.size() == road.elements.size());
-  for (const qvsoilrdf::CElement& element : road.elements) QV_PROMISE(!(element.normal[2] < 0.0));
+  for (std::size_t k = 0; k < road.elements.size(); ++k) QV_PROMISE(!(road.element(k).normal[2] < 0.0));
 }
 
 /// Products of larger coordinates overflow in the crossing test, which then calls everything a crossing.

@@ -186,6 +186,7 @@ void drop_points_above(const CRoad& road, const kinematics& k, contact_block& bl
   search_point* points = block.near;
   int kept = 0;
   for (int i = 0; i < block.near_count; ++i) {
+    road.make_ready(points[i].cell);
     if (clear_above(road, k, points[i].cell, points[i].p)) continue;
     if (kept != i) points[kept] = points[i];
     __builtin_prefetch(road.cells.list(points[kept].cell).begin());

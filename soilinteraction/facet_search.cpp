@@ -8,9 +8,9 @@
 namespace qvsoilinteraction {
 namespace {
 
-using qvsoilrdf::CElement;
 using qvsoilrdf::CFacet;
 using qvsoilrdf::CNode;
+using qvsoilrdf::corner_numbers;
 using qvsoilrdf::CRoad;
 
 constexpr double k_first_edge_tolerance = 0.000153;
@@ -20,7 +20,8 @@ constexpr double k_angle_tolerance = 0.0001;  // [deg]
 constexpr double k_clear_of_edges = 1e-5;
 
 /// Unit vectors from the point to the triangle's corners in the plan; false if the point is on a corner.
-bool directions_to_corners(const CRoad& road, const CElement& element, const double* p, double (&direction)[3][3]) {
+bool directions_to_corners(const CRoad& road, const corner_numbers& element, const double* p,
+                           double (&direction)[3][3]) {
   for (int c = 0; c < 3; ++c) {
     const CNode& node = road.nodes[static_cast<std::size_t>(element.node[c] - 1)];
     direction[c][0] = node.x - p[0];
@@ -36,7 +37,7 @@ bool directions_to_corners(const CRoad& road, const CElement& element, const dou
 /// Whether the point is in the triangle by the angles under which it sees the edges; this is the definition.
 /// @param clearly_outside  the point is outside by more than rounding: it may still count as on an edge, but the angles
 ///                         cannot add up to a full turn
-bool appears_inside(const CRoad& road, const CElement& element, const double* p, double edge_tolerance,
+bool appears_inside(const CRoad& road, const corner_numbers& element, const double* p, double edge_tolerance,
                     bool clearly_outside) {
   double direction[3][3], cosine[3];
   if (!directions_to_corners(road, element, p, direction)) return true;
@@ -89,14 +90,19 @@ int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) 
   if (out_of_extent(road, p)) return k_out_of_extent;
   rc.facet_number = 0;
   // The reading of a road may break off before its grid is built; it then has no cells.
-  const int status = road.cells.empty() ? k_in_extent : find_facet(road, cell_of(road, p), p, rc);
+  int status = k_in_extent;
+  if (!road.cells.empty()) {
+    const std::size_t cell = cell_of(road, p);
+    road.make_ready(cell);
+    status = find_facet(road, cell, p, rc);
+  }
   if (rc.facet_number == 0) {
     store_hole(rc);
     return status;
   }
   const auto found = static_cast<std::size_t>(rc.facet_number - 1);
   qv::assgvec(road.facets[found].normal, 3, rc.facet_normal);
-  rc.facet_d = road.elements[found].d;
+  rc.facet_d = road.element(found).d;
   double length;
   int zero;
   qv::normalization_vec(rc.facet_normal, length, zero);

@@ -20,9 +20,9 @@ bool crosses(double x1, double y1, double x2, double y2, const CNode& K, const C
 }  // namespace
 
 void FindElementsBelongtoCell(CCell& cell, const qv::large_vector<CNode>& nodes,
-                              const qv::large_vector<CElement>& elements) {
+                              const qv::large_vector<corner_numbers>& elements) {
   std::int32_t k = 1;
-  for (const CElement& element : elements) {
+  for (const corner_numbers& element : elements) {
     const CNode& K = nodes[static_cast<size_t>(element.node[0] - 1)];
     const CNode& L = nodes[static_cast<size_t>(element.node[1] - 1)];
     const CNode& M = nodes[static_cast<size_t>(element.node[2] - 1)];

@@ -14,7 +14,7 @@ namespace qvsoilrdf {
 /// rectangle or an edge that crosses one of its edges. A triangle that holds the whole cell is not listed: cells
 /// are about half a triangle wide, which keeps that rare.
 void FindElementsBelongtoCell(CCell& cell, const qv::large_vector<CNode>& nodes,
-                              const qv::large_vector<CElement>& elements);
+                              const qv::large_vector<corner_numbers>& elements);
 
 /// True if an edge of the cell crosses an edge of the triangle K, L, M.
 bool CrossCheck_Element(const CCell& cell, const CNode& K, const CNode& L, const CNode& M);

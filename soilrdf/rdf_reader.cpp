@@ -217,15 +217,25 @@ private:
   void read_elements(std::int32_t count) {
     m_road.number_of_elements = count;
     reserve(m_road.elements, count);
-    read_block(count, [this](std::int32_t k, const qv::text_line& from) {
+    m_road.element_values.clear();
+    read_block(count, [this](std::int32_t, const qv::text_line& from) {
       double numbers[4];
       read_numbers(from, "an element", numbers);
-      CElement element;
+      corner_numbers element;
       for (int c = 0; c < 3; ++c) element.node[c] = node_number(numbers[c], from.number);
-      element.value = numbers[3];
-      element.id = k;
       m_road.elements.push_back(element);
+      keep_value(numbers[3]);
     });
+  }
+
+  /// Stores the fourth number of the latest element's line. Most files have 0 in all of them, which takes no memory.
+  void keep_value(double value) {
+    if (m_road.element_values.empty()) {
+      if (value == 0.0 && !std::signbit(value)) return;
+      m_road.element_values.reserve(m_road.elements.capacity());
+      m_road.element_values.assign(m_road.elements.size() - 1, 0.0);
+    }
+    m_road.element_values.push_back(value);
   }
 
   std::int32_t node_number(double value, long line_number) {

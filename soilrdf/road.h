@@ -66,7 +66,14 @@ public:
   double friction_angle = 0.0;  ///< phi [rad] (degrees in the file)
 };
 
-/// What the point search needs of a triangle, in one cache line. Derived from the element and its nodes after reading.
+/// The corners of a terrain triangle, which is all that a road keeps of it from the beginning: whole records of 10^6
+/// triangles would be 80 MB, and most of the pages of a road are never driven on.
+struct corner_numbers {
+  std::int32_t node[3];  ///< node numbers of the corners K, L, M, from 1
+};
+
+/// What the point search needs of a triangle, in one cache line. Derived from its corners when a tile of the grid that
+/// it meets is made.
 struct alignas(64) CFacet {
   double corner[3];  ///< K [file length]
   double normal[3];  ///< the element's normal, without negative zeros
@@ -80,14 +87,15 @@ class CRoad {
 public:
   cell_grid cells;  ///< plan grid: column i = 0 .. nx-1 along x, row j = 0 .. ny-1 along y
   qv::large_vector<CNode> nodes;
-  qv::large_vector<CElement> elements;
-  qv::large_vector<CFacet> facets;         ///< one per element
-  double facet_reach = 0.0;                ///< a point with a barycentric coordinate below -facet_reach is outside
-  std::string soil_type;                   ///< "CONCRETE" is a hard road
-  std::string normal_pressure = "BEKKER";  ///< name of the pressure law; the only one that a file may give
-  std::string shear_pressure = "WONG";     ///< name of the shear law, likewise
-  std::string file_type = "RDF";           ///< likewise
-  std::string method = "3D_SOIL";          ///< likewise
+  qv::large_vector<corner_numbers> elements;  ///< in the order of the file; whole records: element()
+  qv::large_vector<double> element_values;    ///< fourth numbers of the elements' lines; empty if all are 0
+  mutable qv::large_vector<CFacet> facets;    ///< one per element; set for the elements of the tiles that are made
+  double facet_reach = 0.0;                   ///< a point with a barycentric coordinate below -facet_reach is outside
+  std::string soil_type;                      ///< "CONCRETE" is a hard road
+  std::string normal_pressure = "BEKKER";     ///< name of the pressure law; the only one that a file may give
+  std::string shear_pressure = "WONG";        ///< name of the shear law, likewise
+  std::string file_type = "RDF";              ///< likewise
+  std::string method = "3D_SOIL";             ///< likewise
   CDynamicSinkage dynamic_sinkage;
   CBekker bekker;
   CWong wong;
@@ -137,13 +145,28 @@ public:
     return cell;
   }
 
+  /// Makes the lists of the cell's tile and the facets in them, if this is the first time that someone asks for a cell
+  /// of the tile. Allocates nothing and may be called by several threads at once. Precondition: the grid is built.
+  void make_ready(std::size_t cell) const {
+    if (!cells.is_made(cell)) make_tile(*this, cell_grid::tile_of(cell));
+  }
+
   /// The whole record of a cell. Precondition: the grid is built, 0 <= i < nx, 0 <= j < ny.
   CCell cell(std::int32_t i, std::int32_t j) const {
     CCell record = cell_bounds(i, j);
-    const element_list list = cells.list(cells.index(i, j));
+    const std::size_t cell = cells.index(i, j);
+    make_ready(cell);
+    const element_list list = cells.list(cell);
     record.elements.assign(list.begin(), list.end());
     return record;
   }
+
+  const CNode& corner(const corner_numbers& element, int c) const {
+    return nodes[static_cast<std::size_t>(element.node[c] - 1)];
+  }
+
+  /// The whole record of an element, counted from 0. Precondition: its node numbers are in range.
+  CElement element(std::size_t index) const;
 };
 
 }  // namespace qvsoilrdf

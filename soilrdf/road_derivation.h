@@ -5,8 +5,8 @@
 
 namespace qvsoilrdf {
 
-/// Computes what follows from a road's nodes and elements: the planes of the triangles, the facets, the size of the
-/// grid and its lists. Faults: a node number outside the node list, a grid without extent, a grid too fine to count.
+/// Computes what follows from a road's nodes and elements: the extent of the triangles and the grid. Faults: a node
+/// number outside the node list, a grid without extent, a grid too fine to count.
 void derive_road(CRoad& road, const qv::fault_channel& channel);
 
 }  // namespace qvsoilrdf

@@ -115,7 +115,7 @@ TEST(HostLocale, RoadParametersKeepTheirDecimals) {
   ASSERT_EQ(road.nodes.size(), 3u);
   EXPECT_EQ(road.nodes[0].z, 0.125);
   EXPECT_EQ(road.y_max, 2.75);
-  EXPECT_EQ(road.elements.at(0).value, 0.5);
+  EXPECT_EQ(road.element(0).value, 0.5);
 }
 
 TEST(HostLocale, UnitNamesAreFoundInAnyCase) {

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "soilinteraction/contact_search.h"
 #include "soilrdf/cell_fill.h"
@@ -19,7 +23,6 @@ using qvtest::mesh_kind;
 
 /// Every cell's list against the definition, which looks at every triangle from the cell's side.
 void expect_defined_lists(const CRoad& road) {
-  size_t entries = 0;
   for (std::int32_t i = 0; i < road.nx; ++i) {
     for (std::int32_t j = 0; j < road.ny; ++j) {
       CCell defined;
@@ -38,10 +41,8 @@ void expect_defined_lists(const CRoad& road) {
       ASSERT_EQ(built.x_hi, defined.x_hi);
       ASSERT_EQ(built.y_lo, defined.y_lo);
       ASSERT_EQ(built.y_hi, defined.y_hi);
-      entries += defined.elements.size();
     }
   }
-  EXPECT_EQ(road.cells.number_of_entries(), entries);
 }
 
 /// The same road with a finer or coarser grid than its own.
@@ -81,9 +82,8 @@ TEST(CellGrid, HasTheDefinedListsWhenTrianglesSpanManyCells) {
 
 TEST(CellGrid, IsRebuiltNotAddedTo) {
   CRoad road = qvtest::road_of(qvtest::regular_mesh(3, 2, 1, 1));
-  const size_t before = road.cells.number_of_entries();
+  expect_defined_lists(road);
   build_cell_grid(road);
-  EXPECT_EQ(road.cells.number_of_entries(), before);
   expect_defined_lists(road);
 }
 
@@ -96,6 +96,49 @@ TEST(CellGrid, CellsWithoutATriangleAreEmpty) {
   EXPECT_TRUE(road.cell(10, 10).elements.empty());
   EXPECT_TRUE(road.cell(19, 19).elements.empty());
   EXPECT_EQ(road.cells.top(road.cells.index(10, 10)), -std::numeric_limits<float>::infinity());
+}
+
+TEST(CellGrid, MakesOnlyTheTileThatIsAskedFor) {
+  const CRoad road = qvtest::road_of(qvtest::regular_mesh(20, 20, 1, 1));
+  ASSERT_EQ(road.nx, 40);
+  const auto made = [&road](std::int32_t i, std::int32_t j) { return road.cells.is_made(road.cells.index(i, j)); };
+  for (std::int32_t k = 0; k < 40; ++k) EXPECT_FALSE(made(k, k)) << k;
+  road.make_ready(road.cells.index(17, 9));
+  EXPECT_TRUE(made(17, 9));
+  EXPECT_TRUE(made(16, 8)) << "the tile's first cell";
+  EXPECT_TRUE(made(23, 15)) << "the tile's last cell";
+  EXPECT_FALSE(made(15, 9));
+  EXPECT_FALSE(made(24, 9));
+  EXPECT_FALSE(made(17, 7));
+  EXPECT_FALSE(made(17, 16));
+  const CRoad copy = road;
+  EXPECT_EQ(copy.cell(17, 9).elements, road.cell(17, 9).elements) << "made before the copy";
+  EXPECT_EQ(copy.cell(0, 0).elements, road.cell(0, 0).elements) << "made after the copy, in each of them";
+}
+
+TEST(CellGrid, IsTheSameWhoeverAsksFirst) {
+  generator random(7);
+  qvtest::mesh many = qvtest::regular_mesh(30, 30, 1, 1);
+  for (auto& point : many.points)
+    for (size_t c = 0; c < 3; ++c) point[c] += qvtest::between(random, -0.3, 0.3);
+  const CRoad alone = qvtest::road_of(many), shared = qvtest::road_of(many);
+  constexpr std::int32_t k_threads = 4;
+  std::vector<std::thread> threads;
+  std::atomic<std::int32_t> empty{0};
+  const auto ask =
+      [&](std::int32_t thread) {  // each begins at another column, so that neighbouring tiles are asked for
+        for (std::int32_t n = 0; n < shared.nx; ++n) {
+          const std::int32_t i = (n + thread * shared.nx / k_threads) % shared.nx;
+          for (std::int32_t j = 0; j < shared.ny; ++j) empty += shared.cell(i, j).elements.empty() ? 1 : 0;
+        }
+      };
+  for (std::int32_t thread = 0; thread < k_threads; ++thread) threads.emplace_back(ask, thread);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(empty, 0);
+  for (std::int32_t i = 0; i < shared.nx; ++i)
+    for (std::int32_t j = 0; j < shared.ny; ++j) ASSERT_EQ(shared.cell(i, j).elements, alone.cell(i, j).elements);
+  for (size_t k = 0; k < alone.facets.size(); ++k)
+    EXPECT_EQ(std::memcmp(&shared.facets[k], &alone.facets[k], sizeof(CFacet)), 0) << k;
 }
 
 TEST(CellGrid, KnowsThatItIsEmptyBeforeItIsBuilt) {
@@ -113,7 +156,7 @@ void draw_point(const CRoad& road, generator& random, double* p) {
     return;
   }
   const auto last = static_cast<int>(road.elements.size()) - 1;
-  const CElement& element = road.elements[static_cast<size_t>(qvtest::whole_between(random, 0, last))];
+  const corner_numbers& element = road.elements[static_cast<size_t>(qvtest::whole_between(random, 0, last))];
   double weight[3];
   weight[0] = qvtest::between(random, 0, 1);
   weight[1] = qvtest::whole_between(random, 0, 1) != 0 ? qvtest::between(random, -0.02, 0.02)
@@ -121,7 +164,7 @@ void draw_point(const CRoad& road, generator& random, double* p) {
   weight[2] = 1 - weight[0] - weight[1];
   p[0] = p[1] = 0;
   for (size_t c = 0; c < 3; ++c) {
-    const CNode& node = road.nodes[static_cast<size_t>(element.node[c] - 1)];
+    const CNode& node = road.corner(element, static_cast<int>(c));
     p[0] += weight[c] * node.x;
     p[1] += weight[c] * node.y;
   }
@@ -140,7 +183,9 @@ TEST(CellGrid, NoFacetThatTheSearchFindsReachesAboveTheTopOfItsCell) {
         if (!(road.x_min <= p[0] && p[0] <= road.x_max && road.y_min <= p[1] && p[1] <= road.y_max)) continue;
         const auto i = std::min(static_cast<std::int32_t>((p[0] + road.x_offset) / road.cell_dx), road.nx - 1);
         const auto j = std::min(static_cast<std::int32_t>((p[1] + road.y_offset) / road.cell_dy), road.ny - 1);
-        const auto top = static_cast<double>(road.cells.top(road.cells.index(i, j)));
+        const std::size_t cell = road.cells.index(i, j);
+        road.make_ready(cell);
+        const auto top = static_cast<double>(road.cells.top(cell));
         if (top == std::numeric_limits<double>::infinity()) continue;  // promises nothing
         p[2] = std::nextafter(std::max(top, -1e30), 1e300);
         qvsoilinteraction::Croad_contact rc;

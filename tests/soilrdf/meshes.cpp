@@ -31,10 +31,7 @@ qvsoilrdf::CRoad undivided_road(const mesh& m) {
     road.nodes.push_back(node);
   }
   for (const auto& triangle : m.triangles) {
-    qvsoilrdf::CElement element;
-    std::copy(triangle.begin(), triangle.end(), element.node);
-    element.id = static_cast<std::int32_t>(road.elements.size()) + 1;
-    road.elements.push_back(element);
+    road.elements.push_back({{triangle[0], triangle[1], triangle[2]}});
   }
   return road;
 }

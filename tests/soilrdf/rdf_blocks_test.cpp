@@ -41,7 +41,7 @@ void expect_the_two_triangles(const CRoad& road, const char* why) {
   }
   for (int e = 0; e < 2; ++e) {
     for (int c = 0; c < 3; ++c) EXPECT_EQ(road.elements[static_cast<size_t>(e)].node[c], corner[e][c]) << why;
-    EXPECT_EQ(road.elements[static_cast<size_t>(e)].id, e + 1) << why;
+    EXPECT_EQ(road.element(static_cast<size_t>(e)).id, e + 1) << why;
   }
   EXPECT_EQ(road.number_of_nodes, 4) << why;
   EXPECT_EQ(road.number_of_elements, 2) << why;
@@ -126,8 +126,8 @@ TEST(RdfBlocks, ASecondElementBlockReplacesTheFirst) {
 
 TEST(RdfBlocks, TheFourthNumberOfAnElementIsKept) {
   const CRoad road = accepted(k_nodes + "NUMBER_OF_ELEMENTS = 2\n1 2 3 -7.25\n1 3 4 1e10\n");
-  EXPECT_EQ(road.elements[0].value, -7.25);
-  EXPECT_EQ(road.elements[1].value, 1e10);
+  EXPECT_EQ(road.element(0).value, -7.25);
+  EXPECT_EQ(road.element(1).value, 1e10);
 }
 
 TEST(RdfBlocks, CoordinatesNearerToZeroThanTheLimitBecomeZero) {

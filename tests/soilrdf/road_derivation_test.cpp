@@ -111,7 +111,8 @@ TEST(RoadDerivation, NormalsAreUnitUprightAndNormalToTheTriangle) {
       SCOPED_TRACE(kind.name + std::string(", seed ") + std::to_string(seed));
       generator random(seed);
       const CRoad road = road_of(kind.make(random));
-      for (const CElement& e : road.elements) {
+      for (size_t k = 0; k < road.elements.size(); ++k) {
+        const CElement e = road.element(k);
         const CNode* n[3];
         for (int c = 0; c < 3; ++c) n[c] = &road.nodes[static_cast<size_t>(e.node[c] - 1)];
         const double a[3] = {n[1]->x - n[0]->x, n[1]->y - n[0]->y, n[1]->z - n[0]->z};
@@ -142,24 +143,24 @@ TEST(RoadDerivation, NormalsAreUnitUprightAndNormalToTheTriangle) {
 TEST(RoadDerivation, ATurnedTriangleHasTheSameUprightNormal) {
   const CRoad up = road_of({{{0, 0, 0}, {1, 0, 1}, {0, 1, 0}}, {{1, 2, 3}}});
   const CRoad down = road_of({{{0, 0, 0}, {1, 0, 1}, {0, 1, 0}}, {{1, 3, 2}}});
-  for (int c = 0; c < 3; ++c) EXPECT_EQ(up.elements[0].normal[c], down.elements[0].normal[c]) << c;
-  EXPECT_NEAR(up.elements[0].normal[0], -std::sqrt(0.5), k_eps);
-  EXPECT_EQ(up.elements[0].normal[1], 0);
-  EXPECT_NEAR(up.elements[0].normal[2], std::sqrt(0.5), k_eps);
+  for (int c = 0; c < 3; ++c) EXPECT_EQ(up.element(0).normal[c], down.element(0).normal[c]) << c;
+  EXPECT_NEAR(up.element(0).normal[0], -std::sqrt(0.5), k_eps);
+  EXPECT_EQ(up.element(0).normal[1], 0);
+  EXPECT_NEAR(up.element(0).normal[2], std::sqrt(0.5), k_eps);
 }
 
 TEST(RoadDerivation, AWallKeepsTheSideItWasGiven) {
   // z of the normal is 0: nothing turns it.
   const CRoad road = road_of({{{0, 0, 0}, {1, 1, 0}, {0, 0, 1}}, {{1, 2, 3}, {1, 3, 2}}});
-  for (int c = 0; c < 2; ++c) EXPECT_EQ(road.elements[0].normal[c], -road.elements[1].normal[c]);
-  EXPECT_EQ(road.elements[0].normal[2], 0);
+  for (int c = 0; c < 2; ++c) EXPECT_EQ(road.element(0).normal[c], -road.element(1).normal[c]);
+  EXPECT_EQ(road.element(0).normal[2], 0);
 }
 
 TEST(RoadDerivation, ATriangleWithoutAreaHasNoNormal) {
   const CRoad road = road_of({{{0, 0, 0}, {1, 1, 1}, {2, 2, 2}}, {{1, 2, 3}}});
-  for (double c : road.elements[0].normal) EXPECT_EQ(c, 0);
-  EXPECT_EQ(road.elements[0].d, 0);
-  EXPECT_EQ(road.elements[0].center[1], 1);
+  for (int c = 0; c < 3; ++c) EXPECT_EQ(road.element(0).normal[c], 0) << c;
+  EXPECT_EQ(road.element(0).d, 0);
+  EXPECT_EQ(road.element(0).center[1], 1);
 }
 
 TEST(RoadDerivation, OffsetsAreTheNegatedLowerBounds) {
@@ -168,11 +169,17 @@ TEST(RoadDerivation, OffsetsAreTheNegatedLowerBounds) {
   EXPECT_EQ(road.y_offset, -7);
 }
 
+void make_all_tiles(const CRoad& road) {
+  for (std::int32_t i = 0; i < road.nx; ++i)
+    for (std::int32_t j = 0; j < road.ny; ++j) road.make_ready(road.cells.index(i, j));
+}
+
 TEST(RoadDerivation, ThereIsOneFacetPerElementWithThePlanGradientsOfItsCorners) {
   for (unsigned seed = 0; seed < 20; ++seed) {
     generator random(seed);
     const CRoad road = road_of(qvtest::k_mesh_kinds[1].make(random));
     ASSERT_EQ(road.facets.size(), road.elements.size());
+    make_all_tiles(road);
     for (size_t k = 0; k < road.facets.size(); ++k) {
       const CFacet& facet = road.facets[k];
       for (int c = 0; c < 3; ++c) {

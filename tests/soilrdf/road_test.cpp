@@ -91,10 +91,7 @@ CRoad filled_road() {
   road.nodes.resize(3);
   road.nodes[1].x = 10;
   road.nodes[2].y = 4;
-  road.elements.resize(1);
-  for (int c = 0; c < 3; ++c) road.elements[0].node[c] = c + 1;
-  road.elements[0].id = 1;
-  road.facets.resize(1);
+  road.elements.push_back({{1, 2, 3}});
   road.soil_type = "CONCRETE";
   road.bekker.width = 3;
   road.x_max = 10, road.y_max = 4;
