@@ -44,13 +44,21 @@ struct grid_axis {
   double lo(std::int32_t k) const { return min + length * k; }
   double hi(std::int32_t k) const { return lo(k) + length; }
 
-  /// The cells that something between two coordinates can meet, and perhaps one more at either end. For a coordinate
-  /// that cannot be placed, all cells on its side.
+  /// The cells that something between two coordinates meets or is so near to that rounding may make an edge cross them,
+  /// and perhaps more. For a coordinate that cannot be placed, all cells on its side.
   range reached(double low, double high) const {
     const double last = count - 1;
     const double first = std::min(last, std::max(0.0, (low - min) * scale - slack));
     const double end = std::max(0.0, std::min(last, (high - min) * scale + slack));
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end) + 1};
+  }
+
+  /// The cells whose closed bounds hold a coordinate: one, two at a shared border, by rounding perhaps none.
+  range holding(double x) const {
+    range cells = reached(x, x);
+    while (cells.first < cells.end && hi(cells.first) < x) ++cells.first;
+    while (cells.first < cells.end && lo(cells.end - 1) > x) --cells.end;
+    return cells;
   }
 };
 

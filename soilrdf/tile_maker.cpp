@@ -27,43 +27,10 @@ void for_each_bit(std::uint64_t rest, Visit&& visit) {
   for (; rest != 0; rest &= rest - 1) visit(static_cast<std::uint32_t>(__builtin_ctzll(rest)));
 }
 
-/// The bounds of a tile's cells along one axis. Beyond the last cell of the axis everything is infinite.
-class tile_side {
-public:
-  tile_side(const grid_axis& axis, std::int32_t first) : m_near(axis.near) {
-    for (std::int32_t k = 0; k < k_side; ++k) {
-      const bool there = first + k < axis.count;
-      m_lo[k] = there ? axis.lo(first + k) : std::numeric_limits<double>::infinity();
-      m_hi[k] = there ? axis.hi(first + k) : std::numeric_limits<double>::infinity();
-    }
-  }
-
-  double lo(std::uint32_t k) const { return m_lo[k]; }
-  double hi(std::uint32_t k) const { return m_hi[k]; }
-
-  /// The tile's cells whose closed bounds hold a coordinate: one, two at a shared border, by rounding perhaps none.
-  range holding(double x) const { return {below(x), begun(x)}; }
-  /// The tile's cells that something between two coordinates meets, or is so near to that rounding may make an edge
-  /// cross them.
-  range near(double low, double high) const { return {below(low - m_near), begun(high + m_near)}; }
-
-private:
-  // Bounds ascend, so that counting is finding, and counting needs no branch.
-  std::int32_t below(double x) const {
-    std::int32_t count = 0;
-    for (const double hi : m_hi) count += hi < x ? 1 : 0;
-    return count;
-  }
-  std::int32_t begun(double x) const {
-    std::int32_t count = 0;
-    for (const double lo : m_lo) count += lo <= x ? 1 : 0;
-    return count;
-  }
-
-  double m_lo[k_side];
-  double m_hi[k_side];
-  double m_near;
-};
+/// The part of a run of cells that is in the tile that begins at cell `first`, counted from there.
+range in_tile(const range& cells, std::int32_t first) {
+  return {std::max(cells.first - first, 0), std::min(cells.end - first, k_side)};
+}
 
 /// FindInterSectionPoint without its divisions: a correctly rounded quotient lies in [0, 1] exactly if its numerator
 /// lies between 0 and its denominator. A quotient that could underflow or is NaN is left to FindInterSectionPoint.
@@ -125,9 +92,7 @@ public:
         m_column(static_cast<std::int32_t>(tile / m_grid.m_tile_rows) * k_side),
         m_row(static_cast<std::int32_t>(tile % m_grid.m_tile_rows) * k_side),
         m_along_x(grid_axis::along_x(road)),
-        m_along_y(grid_axis::along_y(road)),
-        m_columns(m_along_x, m_column),
-        m_rows(m_along_y, m_row) {
+        m_along_y(grid_axis::along_y(road)) {
     static_assert(k_side == cell_grid::k_tile);
     std::fill_n(m_top, cell_grid::k_cells, -std::numeric_limits<float>::infinity());
   }
@@ -160,13 +125,16 @@ private:
   }
 
   std::uint64_t find_cells(const triangle& t) const {
-    const range columns = m_columns.near(lowest(t.K.x, t.L.x, t.M.x), highest(t.K.x, t.L.x, t.M.x));
-    const range rows = m_rows.near(lowest(t.K.y, t.L.y, t.M.y), highest(t.K.y, t.L.y, t.M.y));
-    const std::uint64_t box = bits(columns, rows);
-    if (box == 0) return 0;
+    const range columns =
+        in_tile(m_along_x.reached(lowest(t.K.x, t.L.x, t.M.x), highest(t.K.x, t.L.x, t.M.x)), m_column);
+    if (columns.first >= columns.end) return 0;
+    const range rows = in_tile(m_along_y.reached(lowest(t.K.y, t.L.y, t.M.y), highest(t.K.y, t.L.y, t.M.y)), m_row);
+    if (rows.first >= rows.end) return 0;
     std::uint64_t cells = 0;
-    for (const CNode* node : {&t.K, &t.L, &t.M}) cells |= bits(m_columns.holding(node->x), m_rows.holding(node->y));
-    return cells | crossed(t, box & ~cells);
+    for (const CNode* node : {&t.K, &t.L, &t.M}) {
+      cells |= bits(in_tile(m_along_x.holding(node->x), m_column), in_tile(m_along_y.holding(node->y), m_row));
+    }
+    return cells | crossed(t, bits(columns, rows) & ~cells);
   }
 
   /// The cells among `rest` that an edge of the triangle crosses. Precondition: no cell of `rest` holds a corner.
@@ -197,8 +165,9 @@ private:
   }
 
   rectangle cell_at(std::uint32_t bit) const {
-    const std::uint32_t i = bit / k_side, j = bit % k_side;
-    return {m_columns.lo(i), m_columns.hi(i), m_rows.lo(j), m_rows.hi(j)};
+    const std::int32_t i = m_column + static_cast<std::int32_t>(bit / k_side);
+    const std::int32_t j = m_row + static_cast<std::int32_t>(bit % k_side);
+    return {m_along_x.lo(i), m_along_x.hi(i), m_along_y.lo(j), m_along_y.hi(j)};
   }
 
   /// Counts the entries of the cells and gives each list its place.
@@ -254,8 +223,6 @@ private:
   const std::int32_t m_row;
   const grid_axis m_along_x;
   const grid_axis m_along_y;
-  const tile_side m_columns;
-  const tile_side m_rows;
   std::int32_t m_count = 0;                  ///< of the footprints
   std::uint32_t m_list[cell_grid::k_cells];  ///< where the list of a cell stands
   std::uint32_t m_end[cell_grid::k_cells];   ///< where its next entry goes
