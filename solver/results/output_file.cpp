@@ -42,4 +42,10 @@ void write_new_file(const std::string& path, std::string_view text) {
   file.close();
 }
 
+void write_new_file(const std::string& path, const TextPieces& text) {
+  OutputFile file(path);
+  for (const std::string_view piece : text.pieces()) file.write(piece);
+  file.close();
+}
+
 }  // namespace qvslv

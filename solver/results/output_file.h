@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "solver/results/text_pieces.h"
+
 namespace qvslv {
 
 /// A result file that is being written. It is always a new file: nothing that stands there is overwritten, and no link
@@ -31,5 +33,6 @@ private:
 
 /// Writes a new file whole.
 void write_new_file(const std::string& path, std::string_view text);
+void write_new_file(const std::string& path, const TextPieces& text);
 
 }  // namespace qvslv

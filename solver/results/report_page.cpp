@@ -1,7 +1,8 @@
 #include "solver/results/report_page.h"
 
+#include <functional>
 #include <map>
-#include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "solver/results/report_page/page_data.h"
@@ -52,42 +53,44 @@ std::string html_text(const std::string& text) {
   return out;
 }
 
-std::string scripts() {
+void add_scripts(TextPieces& text) {
   using namespace page_files;
-  std::string text;
   for (const std::string_view script :
        {three_js, chart_js, theme_js, page_data_js, color_map_js, camera_js, labels_js, body_shapes_js, terrain_js,
         afloat_js, replay_js, player_js, header_js, curve_style_js, plots_js, main_js}) {
-    text += "<script>\n";
-    text += script;
-    text += "</script>\n";
+    text.add_lasting("<script>\n");
+    text.add_lasting(script);
+    text.add_lasting("</script>\n");
   }
-  return text;
 }
 
+using AddPart = std::function<void(TextPieces&)>;
+
 /// The template with each `<!--@name-->` replaced by the part of that name. A part is not searched for further names.
-std::string filled(std::string_view page, const std::map<std::string_view, std::string>& parts) {
+TextPieces filled(std::string_view page, const std::map<std::string_view, AddPart>& parts) {
   constexpr std::string_view k_open = "<!--@", k_close = "-->";
-  std::string text;
+  TextPieces text;
   for (;;) {
     const size_t open = page.find(k_open);
-    text += page.substr(0, open);
+    text.add_lasting(page.substr(0, open));
     if (open == std::string_view::npos) return text;
     page.remove_prefix(open + k_open.size());
     const size_t close = page.find(k_close);
-    text += parts.at(page.substr(0, close));
+    parts.at(page.substr(0, close))(text);
     page.remove_prefix(close + k_close.size());
   }
 }
 
 }  // namespace
 
-std::string report_page(const Model& model, const Recording& recording, const RunRecord& record,
-                        const ReportLimits& limits) {
-  return filled(page_files::page_html, {{"title", html_text(model.title.empty() ? model.path : model.title)},
-                                        {"style", std::string(page_files::style_css)},
-                                        {"data", page_data(model, recording, record, limits)},
-                                        {"scripts", scripts()}});
+TextPieces report_page(const Model& model, const Recording& recording, const RunRecord& record,
+                       const ReportLimits& limits) {
+  const std::string title = html_text(model.title.empty() ? model.path : model.title);
+  return filled(page_files::page_html,
+                {{"title", [&](TextPieces& text) { text.add(title); }},
+                 {"style", [](TextPieces& text) { text.add_lasting(page_files::style_css); }},
+                 {"data", [&](TextPieces& text) { add_page_data(text, model, recording, record, limits); }},
+                 {"scripts", add_scripts}});
 }
 
 }  // namespace qvslv

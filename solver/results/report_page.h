@@ -1,10 +1,11 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 
 #include "solver/model/model.h"
 #include "solver/results/recording.h"
 #include "solver/results/run_record.h"
+#include "solver/results/text_pieces.h"
 
 namespace qvslv {
 
@@ -18,7 +19,7 @@ struct ReportLimits {
 /// The report of a run as one HTML page that needs neither other files nor the network: the run's record, a replay of
 /// the frames, and plots of all columns. A run without rows or frames gives a page that says so. Texts of the model and
 /// of subroutines are escaped, so they stand in the page as text whatever they hold.
-std::string report_page(const Model& model, const Recording& recording, const RunRecord& record,
-                        const ReportLimits& limits = {});
+TextPieces report_page(const Model& model, const Recording& recording, const RunRecord& record,
+                       const ReportLimits& limits = {});
 
 }  // namespace qvslv

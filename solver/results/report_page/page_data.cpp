@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <utility>
 #include <vector>
 
 #include "solver/model/units.h"
@@ -86,15 +87,19 @@ void append(std::vector<float>& values, const Vec3& v, const Vec3& origin = {0, 
 }
 
 void add_terrain(PageParts& page, const TriangleMesh& terrain, const Vec3& origin, size_t limit) {
-  const TriangleMesh mesh = thinned(terrain, limit);
+  const bool too_large = terrain.triangles.size() > limit;
+  const TriangleMesh thin = too_large ? thinned(terrain, limit) : TriangleMesh{};
+  const TriangleMesh& mesh = too_large ? thin : terrain;
   page.json["terrain_triangles"] = terrain.triangles.size();
   if (mesh.triangles.size() != terrain.triangles.size()) {
     page.note(fmt::format("The terrain has {} triangles; it is drawn with {}.", terrain.triangles.size(),
                           mesh.triangles.size()));
   }
   std::vector<float> points;
+  points.reserve(3 * mesh.points.size());
   for (const Vec3& p : mesh.points) append(points, p, origin);
   std::vector<std::uint32_t> triangles;
+  triangles.reserve(3 * mesh.triangles.size());
   for (const auto& t : mesh.triangles) {
     for (const int corner : t) triangles.push_back(static_cast<std::uint32_t>(corner));
   }
@@ -225,8 +230,8 @@ std::string script_safe(const std::string& json) {
   return safe;
 }
 
-std::string page_data(const Model& model, const Recording& recording, const RunRecord& record,
-                      const ReportLimits& limits) {
+void add_page_data(TextPieces& text, const Model& model, const Recording& recording, const RunRecord& record,
+                   const ReportLimits& limits) {
   PageParts page;
   const Vec3 origin = choose_origin(recording);
   page.json["warnings"] = finding_texts(record.warnings);
@@ -238,7 +243,8 @@ std::string page_data(const Model& model, const Recording& recording, const RunR
   add_frames(page, model, recording, origin, limits.frame_bytes);
   add_rows(page, recording, limits.row_bytes);
   const std::string json = page.json.dump(-1, ' ', false, Json::error_handler_t::replace);
-  return "<script type=\"application/json\" id=\"page-data\">" + script_safe(json) + "</script>\n" + page.arrays;
+  text.add("<script type=\"application/json\" id=\"page-data\">" + script_safe(json) + "</script>\n");
+  for (std::string& array : page.arrays) text.add(std::move(array));
 }
 
 }  // namespace qvslv

@@ -6,11 +6,12 @@
 #include "solver/results/recording.h"
 #include "solver/results/report_page.h"
 #include "solver/results/run_record.h"
+#include "solver/results/text_pieces.h"
 
 namespace qvslv {
 
-/// The data that the scripts of the page read: one script element `page-data` of JSON, and one `array-<name>` per array
-/// of numbers, little-endian and as base64.
+/// Adds the data that the scripts of the page read: one script element `page-data` of JSON, and one `array-<name>` per
+/// array of numbers, little-endian and as base64.
 ///
 ///   terrain_points    f32 3 per node               terrain_triangles  u32 3 per triangle, node indices
 ///   frame_times       f64 1 per frame              poses              f32 7 per frame and body: place, then x y z w
@@ -27,8 +28,8 @@ namespace qvslv {
 ///
 /// The arrays of hulls and waters are there only if the model has hulls. Places are relative to `origin`, so that
 /// single precision is enough for a model far from the ground's origin.
-std::string page_data(const Model& model, const Recording& recording, const RunRecord& record,
-                      const ReportLimits& limits);
+void add_page_data(TextPieces& text, const Model& model, const Recording& recording, const RunRecord& record,
+                   const ReportLimits& limits);
 
 /// The same JSON without any '<', so that it may stand inside a script element.
 std::string script_safe(const std::string& json);

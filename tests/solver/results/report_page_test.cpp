@@ -125,7 +125,7 @@ struct PageCase {
     recording.terrain.triangles = {{0, 1, 2}, {0, 2, 3}};
   }
   std::string page(const ReportLimits& limits = {}) const {
-    return report_page(built.model, recording, record, limits);
+    return report_page(built.model, recording, record, limits).together();
   }
 };
 
