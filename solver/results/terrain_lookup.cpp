@@ -90,20 +90,35 @@ TerrainLookup::TerrainLookup(const TriangleMesh& mesh, const UpAxis& up)
                      (b_max - m_b_min) / 1e4});
   m_columns = static_cast<size_t>((a_max - m_a_min) / m_cell) + 1;
   m_rows = static_cast<size_t>((b_max - m_b_min) / m_cell) + 1;
-  m_cells.resize(m_columns * m_rows);
-  for (size_t t = 0; t < mesh.triangles.size(); ++t) {
+  m_ends.resize(m_columns * m_rows);
+  visit_cells([this](size_t cell, size_t) { ++m_ends[cell]; });
+  size_t begin = 0;
+  for (size_t& end : m_ends) {  // for now, the beginnings
+    const size_t count = end;
+    end = begin;
+    begin += count;
+  }
+  m_triangles.resize(begin);
+  visit_cells(
+      [this](size_t cell, size_t triangle) { m_triangles[m_ends[cell]++] = static_cast<std::uint32_t>(triangle); });
+}
+
+/// Hands over every triangle with each cell that its bounds touch, in the order of the triangles.
+template <class Visit>
+void TerrainLookup::visit_cells(Visit&& visit) const {
+  for (size_t t = 0; t < m_mesh.triangles.size(); ++t) {
     double low[2] = {k_infinity, k_infinity}, high[2] = {-k_infinity, -k_infinity};
-    for (const int corner : mesh.triangles[t]) {
-      const Vec3& p = mesh.points[static_cast<size_t>(corner)];
+    for (const int corner : m_mesh.triangles[t]) {
+      const Vec3& p = m_mesh.points[static_cast<size_t>(corner)];
       const double at[2] = {p[m_a], p[m_b]};
       for (int c = 0; c < 2; ++c) {
         low[c] = std::min(low[c], at[c]);
         high[c] = std::max(high[c], at[c]);
       }
     }
-    const size_t last_row = row(high[1]), last_column = column(high[0]);
+    const size_t first_column = column(low[0]), last_row = row(high[1]), last_column = column(high[0]);
     for (size_t r = row(low[1]); r <= last_row; ++r) {
-      for (size_t c = column(low[0]); c <= last_column; ++c) m_cells[r * m_columns + c].push_back(t);
+      for (size_t c = first_column; c <= last_column; ++c) visit(r * m_columns + c, t);
     }
   }
 }
@@ -145,8 +160,10 @@ Vec3 TerrainLookup::find_normal(const Vec3& place) const {
   Vec3 straight = {0, 0, 0};
   straight[m_up.index] = m_up.sign;
   const double a = place[m_a], b = place[m_b];
-  if (m_cells.empty() || !std::isfinite(a) || !std::isfinite(b)) return straight;
-  for (const size_t triangle : m_cells[row(b) * m_columns + column(a)]) {
+  if (m_ends.empty() || !std::isfinite(a) || !std::isfinite(b)) return straight;
+  const size_t cell = row(b) * m_columns + column(a);
+  for (size_t k = cell == 0 ? 0 : m_ends[cell - 1]; k < m_ends[cell]; ++k) {
+    const size_t triangle = m_triangles[k];
     if (!covers(triangle, a, b)) continue;
     const Vec3 normal = normal_of(triangle);
     if (std::isfinite(normal[0])) return normal;

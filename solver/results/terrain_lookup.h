@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "solver/model/triangle_mesh.h"
@@ -33,6 +35,8 @@ private:
   size_t row(double b) const;
   size_t slot(double offset, size_t count) const;
   bool covers(size_t triangle, double a, double b) const;
+  template <class Visit>
+  void visit_cells(Visit&& visit) const;
   Vec3 normal_of(size_t triangle) const;
 
   const TriangleMesh& m_mesh;
@@ -40,7 +44,8 @@ private:
   size_t m_a, m_b;  ///< the two axes of the plan
   double m_a_min = 0, m_b_min = 0, m_cell = 1;
   size_t m_columns = 1, m_rows = 1;
-  std::vector<std::vector<size_t>> m_cells;  ///< per cell the triangles whose bounds touch it, row by row
+  std::vector<std::uint32_t> m_triangles;  ///< of all cells, row by row: the triangles whose bounds touch the cell
+  std::vector<size_t> m_ends;              ///< per cell, where its triangles end; empty without a terrain
 };
 
 }  // namespace qvslv

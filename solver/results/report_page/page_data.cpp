@@ -156,7 +156,10 @@ void append_poses(FrameArrays& out, const Frame& frame, const Vec3& origin) {
 
 void add_frames(PageParts& page, const Model& model, const Recording& recording, const Vec3& origin, size_t budget) {
   const UpAxis up = find_up(model.gravity);
-  const ContactAxes axes(model, recording.terrain, up);
+  const TriangleMesh no_terrain;  // a terrain that nothing touches need not be searched
+  const bool touched = std::any_of(recording.frames.begin(), recording.frames.end(),
+                                   [](const Frame& frame) { return touching(frame) > 0; });
+  const ContactAxes axes(model, touched ? recording.terrain : no_terrain, up);
   const ElementLoads loads(model, recording.columns);
   AfloatData afloat(recording, origin);
   size_t bytes = recording.frames.size() * base64_length(afloat.frame_bytes());
