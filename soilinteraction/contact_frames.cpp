@@ -1,33 +1,26 @@
 #include "soilinteraction/contact_frames.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
-#include "soilinteraction/vectors.h"
+#include "common/kernels/kernels.h"
 
 namespace qvsoilinteraction {
-namespace {
 
-void give(const contact_frame& frame, Croad_contact& rc) {
-  qv::assgvec(frame.facet_normal, 3, rc.facet_normal);
-  qv::assgvec(frame.normal, 3, rc.normal);
-  qv::assgvec(frame.tangent_1, 3, rc.tangent_1);
-  qv::assgvec(frame.tangent_2, 3, rc.tangent_2);
-  rc.area_ratio = frame.plate_ratio;
-}
-
-}  // namespace
-
-QV_WIDE_VECTORS void frame_maker::make(int count) {
+QV_WIDE_VECTORS void frame_maker::make(contact_frame* frames, int count) const {
   vectors facet, normal, tangent_1, tangent_2;
   for (int i = 0; i < count; ++i) {
-    const double* n = m_road.facets[static_cast<std::size_t>(m_made[i].number - 1)].normal;
-    m_made[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
+    const qvsoilrdf::CFacet& triangle = m_road.facets[static_cast<std::size_t>(frames[i].number - 1)];
+    const double* n = triangle.normal;
+    frames[i].flat = !(n[0] == 0.0 && n[1] == 0.0 && n[2] == 0.0);
+    qv::assgvec(triangle.corner, 3, frames[i].corner);
     facet.x[i] = n[0];
     facet.y[i] = n[1];
     facet.z[i] = n[2];
   }
   normalise(facet, count);  // the facet normal as a single search stores it
-  for (int i = 0; i < count; ++i) take(facet, i, m_made[i].facet_normal);
+  for (int i = 0; i < count; ++i) take(facet, i, frames[i].facet_normal);
   normalise(facet, count);  // kept: the contact normalises it once more, which may change its last digit
   rotate(m_k.A5, facet, normal, count);
   normalise(normal, count);
@@ -46,44 +39,43 @@ QV_WIDE_VECTORS void frame_maker::make(int count) {
   normalise(tangent_2, count);
   const double* z = m_k.A1 + 6;  // z axis of the body
   for (int i = 0; i < count; ++i) {
-    contact_frame& frame = m_made[i];
-    take(normal, i, frame.normal);
-    take(tangent_1, i, frame.tangent_1);
-    take(tangent_2, i, frame.tangent_2);
-    frame.plate_ratio = std::fabs(normal.x[i] * z[0] + normal.y[i] * z[1] + normal.z[i] * z[2]);
+    take(normal, i, frames[i].normal);
+    take(tangent_1, i, frames[i].tangent_1);
+    take(tangent_2, i, frames[i].tangent_2);
+    frames[i].plate_ratio = std::fabs(normal.x[i] * z[0] + normal.y[i] * z[1] + normal.z[i] * z[2]);
   }
 }
 
-void frame_maker::set_frames(Croad_contact* const* points, int count, bool* flat) {
-  int place[k_block];  // index of a point's frame in m_made; k_made: the cache had the frame
-  int missing = 0;
+void frame_maker::forget() {
+  std::fill(std::begin(m_places), std::end(m_places), std::int16_t{0});
+  m_count = m_made = 0;
+}
+
+/// Finds the frames and begins those that are missing; false if there is no room for them.
+bool frame_maker::find_known(const std::int32_t* numbers, int count, const contact_frame** frames) {
   for (int i = 0; i < count; ++i) {
-    const std::int32_t number = points[i]->facet_number;
-    place[i] = k_made;
-    flat[i] = false;
-    if (number == 0) continue;
-    entry& e = entry_of(number);
-    if (e.frame.number != number) {
-      e.frame.number = m_made[missing].number = number;
-      e.pending = missing++;
+    if (i > 0 && numbers[i] == numbers[i - 1]) {  // neighbours mostly share a triangle
+      frames[i] = frames[i - 1];
+      continue;
     }
-    place[i] = e.pending;
-    if (place[i] != k_made) continue;
-    flat[i] = e.frame.flat;
-    give(e.frame, *points[i]);
+    const std::uint32_t place = place_of(numbers[i]);
+    if (m_places[place] == 0) {
+      if (m_count == k_frames) return false;
+      m_frames[m_count].number = numbers[i];
+      m_places[place] = static_cast<std::int16_t>(++m_count);
+    }
+    frames[i] = &m_frames[m_places[place] - 1];
   }
-  make(missing);
-  for (int i = 0; i < count; ++i) {
-    if (place[i] == k_made) continue;
-    flat[i] = m_made[place[i]].flat;
-    give(m_made[place[i]], *points[i]);
+  return true;
+}
+
+void frame_maker::find_frames(const std::int32_t* numbers, int count, const contact_frame** frames) {
+  if (!find_known(numbers, count, frames)) {
+    forget();
+    find_known(numbers, count, frames);
   }
-  for (int i = 0; i < missing; ++i) {
-    entry& e = entry_of(m_made[i].number);
-    if (e.frame.number != m_made[i].number) continue;  // another triangle has the entry by now
-    e.frame = m_made[i];
-    e.pending = k_made;
-  }
+  make(m_frames + m_made, m_count - m_made);
+  m_made = m_count;
 }
 
 }  // namespace qvsoilinteraction

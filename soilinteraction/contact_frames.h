@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "soilinteraction/contact_records.h"
 #include "soilinteraction/kinematics.h"
 #include "soilinteraction/vectors.h"
+#include "soilrdf/road.h"
 
 /// Contact frames over triangles. All points of an element that are over one triangle have the same frame, so it is
 /// made once per call. The frames that a block of points still lacks are made together.
@@ -12,45 +12,47 @@ namespace qvsoilinteraction {
 
 /// The contact frame over one triangle, all vectors of unit length.
 struct contact_frame {
-  std::int32_t number;     ///< number of the triangle, from 1; 0: this frame is empty
-  bool flat;               ///< the triangle has a normal
   double facet_normal[3];  ///< road axes
+  double corner[3];        ///< the triangle's first corner, road axes [length]
   double normal[3];        ///< ground axes
   double tangent_1[3];     ///< body y axis x normal, ground axes: the rolling direction of a wheel
   double tangent_2[3];     ///< normal x tangent_1, ground axes
   double plate_ratio;      ///< cosine between the normal and the body's z axis, 0 or more
+  std::int32_t number;     ///< number of the triangle, from 1
+  bool flat;               ///< the triangle has a normal
 };
 
-/// Makes the frames of one call and remembers them.
-
+/// Makes the frames of one call and keeps them.
 class frame_maker {
 public:
-  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : m_road(road), m_k(k) {
-    for (entry& e : m_cache) e.frame.number = 0;
-  }
+  frame_maker(const qvsoilrdf::CRoad& road, const kinematics& k) : m_road(road), m_k(k) { forget(); }
 
-  /// Gives each of `count` points (at most k_block) the frame over its triangle: facet normal, normal, tangents, and
-  /// the plate's ratio as area ratio. `flat[i]` is false for a point over no triangle or over one without a normal.
-  void set_frames(Croad_contact* const* points, int count, bool* flat);
+  /// Finds or makes the frames over `count` triangles (at most k_block). They stand until the next call.
+  void find_frames(const std::int32_t* numbers, int count, const contact_frame** frames);
 
 private:
-  static constexpr int k_bits = 6;
-  static constexpr int k_made = -1;
-  struct entry {
-    contact_frame frame;
-    int pending;  ///< the frame's index in m_made while it is being made, k_made afterwards
-  };
+  static constexpr int k_frames = 4 * k_block;
+  static constexpr int k_bits = 9;  // so that at most half of the places below are taken
 
-  entry& entry_of(std::int32_t number) {
-    return m_cache[(static_cast<std::uint32_t>(number) * 2654435769U) >>
-                   (32 - k_bits)];  // multiplicative hash: 2^32 over the golden ratio
+  /// The place of a triangle's frame in m_places, or the empty place where it belongs.
+  std::uint32_t place_of(std::int32_t number) const {
+    // multiplicative hash: 2^32 over the golden ratio
+    std::uint32_t place = (static_cast<std::uint32_t>(number) * 2654435769U) >> (32 - k_bits);
+    while (m_places[place] != 0 && m_frames[m_places[place] - 1].number != number) {
+      place = (place + 1) % (1U << k_bits);
+    }
+    return place;
   }
-  void make(int count);
+  void forget();
+  bool find_known(const std::int32_t* numbers, int count, const contact_frame** frames);
+  void make(contact_frame* frames, int count) const;
 
   const qvsoilrdf::CRoad& m_road;
   const kinematics& m_k;
-  entry m_cache[1 << k_bits];     ///< by hash of the number; a later frame overwrites an earlier one of the same hash
-  contact_frame m_made[k_block];  ///< the frames that a block lacked
+  int m_count = 0;                     ///< number of frames
+  int m_made = 0;                      ///< so many of them are made; the others have their numbers only
+  std::int16_t m_places[1 << k_bits];  ///< by hash of the number: the frame's index, from 1; 0: none
+  contact_frame m_frames[k_frames];
 };
 
 }  // namespace qvsoilinteraction

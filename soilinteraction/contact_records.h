@@ -32,44 +32,44 @@ private:
   double m_value = 1.0;
 };
 
-/// Geometry and history of one grid point. The fields that a point out of contact needs come first, in two cache lines.
-/// Lengths, forces and times are in the model's units. For the points of a track, read "marker R" for "ground reference
-/// marker" and for "ground axes".
+/// Geometry and history of one grid point. What every evaluation of a point in contact needs comes first, in three
+/// cache lines. The rest is the documented record: set-up and converged steps fill it, evaluations between them do not,
+/// but for what they name below. Lengths, forces and times are in the model's units. For the points of a track, read
+/// "marker R" for "ground reference marker" and for "ground axes".
 class alignas(64) Croad_contact {
 public:
-  double Si_prime[3];  ///< place on the body, in its marker's axes; set at set-up
+  // History. It changes after a converged step only.
+  double contact_state;               ///< 0 without contact, 1 after the first step in contact, 2 after later ones
+  double first_contact_position[3];   ///< relative_position at touch-down
+  double first_contact_tangent_1[3];  ///< tangent_1 at touch-down
+  double first_contact_tangent_2[3];  ///< tangent_2 at touch-down
+  double last_pressure;               ///< pressure on the body, positive in compression [force/length^2]
+  double last_shear_disp[2];          ///< shear_disp
+  double last_update_time;            ///< time of the last converged step; only a track's points have it
+  double update_time;                 ///< kept: nothing writes it, it stays 0, and a track reads it
+  double concrete_friction;           ///< shear force over normal force on a hard road [-]: 0 for a body, 1 for a track
 
-  // At the last evaluation.
+  // Of every evaluation in contact.
+  double slip_velocity[2];               ///< velocity against the road along each tangent [length/time]
+  double shear_disp[2];                  ///< shear displacement along each tangent [length]
+  double sinkage;                        ///< signed height over the surface, negative below [length]
+  double area_ratio;                     ///< factor on the point's share of the contact area [-]
+  double normal_velocity;                ///< velocity against the road along the normal [length/time]
+  double damping;                        ///< damping coefficient of the pressure [force time/length^3]
+  double pressure;                       ///< pressure of Bekker's law, negative in compression [force/length^2]
+  remembered_power last_pressure_power;  ///< power of the dynamic sinkage law; changes with last_pressure only
+
+  double Si_prime[3];           ///< place on the body, in its marker's axes; set at set-up
   double lever[3];              ///< from the body marker to the point, ground axes [length]
   double position[3];           ///< from the ground reference marker to the point, ground axes [length]
   double relative_position[3];  ///< from the road base marker to the point, ground axes [length]
-  double sinkage;               ///< signed height over the surface, negative below [length]
-  double contact_state;         ///< history: 0 without contact, 1 after the first step in contact, 2 after later ones
   double normal[3];             ///< road normal at the point, ground axes; with the tangents the contact frame
   double tangent_1[3];          ///< body y axis x normal: the rolling direction of a wheel
   double tangent_2[3];          ///< normal x tangent_1
   std::int32_t facet_number;    ///< number of the triangle under the point, from 1; 0: there is none
   double facet_normal[3];       ///< the triangle's normal, road axes; zero: there is no triangle
   double facet_point[3];        ///< the point projected onto the triangle's plane, road axes [length]
-  double area_ratio;            ///< factor on the point's share of the contact area [-]
-  double normal_velocity;       ///< velocity against the road along the normal [length/time]
-  double slip_velocity[2];      ///< velocity against the road along each tangent [length/time]
-  double shear_disp[2];         ///< shear displacement along each tangent [length]
-  double pressure;              ///< pressure of Bekker's law, negative in compression [force/length^2]
-  double damping;               ///< damping coefficient of the pressure [force time/length^3]
-
-  // History.
-  double max_sinkage;                    ///< largest depth in contact so far [length]
-  double first_contact_position[3];      ///< relative_position at touch-down
-  double first_contact_tangent_1[3];     ///< tangent_1 at touch-down
-  double first_contact_tangent_2[3];     ///< tangent_2 at touch-down
-  double last_pressure;                  ///< pressure on the body, positive in compression [force/length^2]
-  remembered_power last_pressure_power;  ///< power of the dynamic sinkage law; changes with last_pressure only
-  double last_shear_disp[2];             ///< shear_disp
-
-  double concrete_friction;  ///< shear force over normal force on a hard road [-]: 0 for a body, 1 for a track
-  double last_update_time;   ///< time of the last converged step; only a track's points have it
-  double update_time;        ///< kept: nothing writes it, it stays 0, and a track reads it
+  double max_sinkage;           ///< history: largest depth in contact so far [length]
 
   // Kept: no computation reads these fields. They belong to the documented record, and those with a meaning are filled.
   double Si_prime_tilde[9];    ///< tilde matrix of Si_prime
@@ -93,24 +93,26 @@ public:
   void clear_history();
 };
 
-/// Loads of one grid point.
-class Csoil_contact {
+/// Loads of one grid point. As in Croad_contact, what every evaluation in contact needs comes first; force, moment and
+/// what follows them are filled at set-up and after converged steps.
+class alignas(64) Csoil_contact {
 public:
-  double local_force[3];   ///< force on the body along tangent 1, tangent 2 and normal
-  double force[3];         ///< force on the body, ground axes
-  double moment[3];        ///< moment of the force about the body marker, ground axes
-  double shear_force_1;    ///< along tangent 1
-  double shear_force_2;    ///< along tangent 2
   double pressure_force;   ///< pressure times area
   double damping_force;    ///< damping part of the normal force, against the normal velocity
   double normal_force;     ///< max(0, pressure force + damping force)
-  double pressure;         ///< positive in compression [force/length^2]
-  double shear_stress_1;   ///< of Wong's law, along tangent 1 [force/length^2]
-  double shear_stress_2;   ///< of Wong's law, along tangent 2 [force/length^2]
+  double shear_force_1;    ///< along tangent 1
+  double shear_force_2;    ///< along tangent 2
   double effective_area;   ///< the point's share of the contact area [length^2]
   double dynamic_sinkage;  ///< sinkage that shearing adds, as a rule 0 or negative [length]
   double static_sinkage;   ///< the sinkage that enters Bekker's law, 0 or negative [length]
-  std::string soil_type;   ///< the road's
+  double pressure;         ///< positive in compression [force/length^2]
+  double shear_stress_1;   ///< of Wong's law, along tangent 1 [force/length^2]
+  double shear_stress_2;   ///< of Wong's law, along tangent 2 [force/length^2]
+
+  double local_force[3];  ///< force on the body along tangent 1, tangent 2 and normal
+  double force[3];        ///< force on the body, ground axes
+  double moment[3];       ///< moment of the force about the body marker, ground axes
+  std::string soil_type;  ///< the road's
 
   double spare;  ///< kept: 1.0; it belongs to the documented record, and nothing reads it
 
@@ -140,14 +142,22 @@ inline void advance_history(bool in_contact, const Csoil_contact& sc, Croad_cont
   }
 }
 
+/// Prefetches what the evaluation of a point reads of its history.
+inline void prefetch_history(const Croad_contact& rc) {
+  const char* const record = reinterpret_cast<const char*>(&rc);
+  for (int line = 0; line < 3; ++line) __builtin_prefetch(record + 64 * line);
+}
+
 /// One soil element: a body's grid of contact points on a road.
 class CSoilInteraction {
 public:
   std::vector<std::vector<Croad_contact>> road_contacts;  ///< nx rows of ny points
   std::vector<std::vector<Csoil_contact>> soil_contacts;  ///< likewise
-  std::int32_t nx;                                        ///< points along the plate or around the wheel; -1 at first
-  std::int32_t ny;                                        ///< points across; -1 at first
-  std::int32_t element_id;                                ///< the element's index once it is set up
+  std::vector<double> on_body[3];  ///< Si_prime of the records, x, y and z apart, point (i, j) at i ny + j: so close
+                                   ///< together that placing points need not wait for memory
+  std::int32_t nx;                 ///< points along the plate or around the wheel; -1 at first
+  std::int32_t ny;                 ///< points across; -1 at first
+  std::int32_t element_id;         ///< the element's index once it is set up
 
   CSoilInteraction() { Initialize(); }
 

@@ -15,66 +15,16 @@ using qvsoilrdf::CRoad;
 /// Whether the point is higher than everything in its cell, by more than rounding: it is then out of contact, whatever
 /// triangle the search would find. Never true of heights that overflow in the search, because those become NaN, which
 /// is in contact.
-bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, const double* p) {
+bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, double x, double y, double z) {
   constexpr double k_far = 1e100, k_rounding = 1e-13;
-  const double slack = k_rounding * (std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(p[2]));
-  return k.road_is_rigidly_placed && p[2] - slack > static_cast<double>(road.cells.top(cell)) && p[2] < k_far;
+  const double slack = k_rounding * (std::fabs(x) + std::fabs(y) + std::fabs(z));
+  // Without short cuts: whether a point is above is as good as random to the processor's guesses.
+  return bool(int(k.road_is_rigidly_placed) & int(z - slack > static_cast<double>(road.cells.top(cell))) &
+              int(z < k_far));
 }
 
-void set_velocities(const kinematics& k, Croad_contact& rc) {
-  double by_rotation[3], of_road[3], b[3], u[3];
-  qv::matvec(k.AW1, rc.Si_prime, by_rotation);
-  qv::matvec(k.AW5, rc.facet_point, of_road);
-  for (int c = 0; c < 3; ++c) {
-    b[c] = by_rotation[c] + k.V1[c] - k.V5[c];
-    u[c] = b[c] - of_road[c];
-  }
-  // Kept: the normal velocity is taken from the road's material point, the slip from its base marker.
-  qv::vectrvec(rc.normal, u, rc.normal_velocity);
-  double slip[2];
-  qv::vectrvec(rc.tangent_1, b, slip[0]);
-  qv::vectrvec(rc.tangent_2, b, slip[1]);
-  rc.slip_velocity[0] = at_rest_below_threshold(slip[0]);
-  rc.slip_velocity[1] = at_rest_below_threshold(slip[1]);
-}
-
-/// The point's travel since touch-down, along the tangents that it had then.
-void set_shear_displacement(Croad_contact& rc) {
-  if (rc.contact_state == 0.0) {
-    rc.shear_disp[0] = rc.shear_disp[1] = 0.0;
-    return;
-  }
-  double g[3];
-  for (int c = 0; c < 3; ++c) g[c] = rc.relative_position[c] - rc.first_contact_position[c];
-  qv::vectrvec(rc.first_contact_tangent_1, g, rc.shear_disp[0]);
-  qv::vectrvec(rc.first_contact_tangent_2, g, rc.shear_disp[1]);
-}
-
-/// Where the points of a block are.
-struct places {
-  vectors lever, position;  ///< from the body marker and from the ground reference marker, ground axes
-  road_places on_road;
-};
-
-QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const contact_block& block, places& at) {
-  vectors s;
-  for (int i = 0; i < block.count; ++i) {
-    const double* on_body = block.points[i]->Si_prime;
-    s.x[i] = on_body[0];
-    s.y[i] = on_body[1];
-    s.z[i] = on_body[2];
-  }
-  rotate(k.A1, s, at.lever, block.count);
-  for (int i = 0; i < block.count; ++i) {
-    at.position.x[i] = at.lever.x[i] + k.d1[0];
-    at.position.y[i] = at.lever.y[i] + k.d1[1];
-    at.position.z[i] = at.lever.z[i] + k.d1[2];
-  }
-  find_road_places(road, k, at.position, block.count, at.on_road);
-}
-
-[[noreturn]] void refuse_place(const CRoad& road, const double* p, const qv::fault_channel& channel) {
-  const bool x = std::isnan(p[0]);
+[[noreturn]] void refuse_place(const CRoad& road, double px, const qv::fault_channel& channel) {
+  const bool x = std::isnan(px);
   qv::fault(std::string("SOIL INTERACTION ERROR : The ") + (x ? "x" : "y") +
                 "-axis value of a contact point on the road is nan; it must be a number, on the road between " +
                 qv::number_text(x ? road.x_min : road.y_min) + " and " + qv::number_text(x ? road.x_max : road.y_max) +
@@ -82,18 +32,22 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, const c
             channel.ierr, channel.msg);
 }
 
-/// Stores the points' places in their records and keeps the points inside the road's extent.
-void keep_points_on_road(const CRoad& road, const places& at, contact_block& block, const qv::fault_channel& channel) {
+QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, body_block& block) {
+  const int count = block.contact.count;
+  rotate(k.A1, block.on_body, block.lever, count);
+  for (int i = 0; i < count; ++i) {
+    block.position.x[i] = block.lever.x[i] + k.d1[0];
+    block.position.y[i] = block.lever.y[i] + k.d1[1];
+    block.position.z[i] = block.lever.z[i] + k.d1[2];
+  }
+  find_road_places(road, k, block.position, count, block.contact.at);
+}
+
+void keep_points_on_road(const CRoad& road, contact_block& block, const qv::fault_channel& channel) {
   for (int i = 0; i < block.count; ++i) {
-    Croad_contact& rc = *block.points[i];
-    take(at.position, i, rc.position);
-    take(at.lever, i, rc.lever);
-    rc.sinkage = 0.0;
-    block.in_contact[i] = false;
-    double p[3];
-    take(at.on_road.p, i, p);
-    if (std::isnan(p[0]) || std::isnan(p[1])) refuse_place(road, p, channel);
-    keep_near(road, at.on_road, i, block);
+    const double x = block.at.p.x[i], y = block.at.p.y[i];
+    if (std::isnan(x) || std::isnan(y)) refuse_place(road, x, channel);
+    if (!road.cells.empty()) keep_near(road, i, block);
   }
 }
 
@@ -107,77 +61,133 @@ void prefetch_facets(const CRoad& road, const search_point* points, int count) {
   }
 }
 
-/// Finds the triangles under the points. Kept: the branch that stops the analysis, which no search takes.
-void find_facets(void* handle, const CRoad& road, contact_block& block, const search_point* points, int count,
+/// Finds the triangles under the near points. Keeps the points that have one.
+/// Kept: the branch that stops the analysis, which no search takes.
+void find_facets(void* handle, const CRoad& road, const contact_block& block, contact_rows& rows, std::int32_t* numbers,
                  const qv::fault_channel& channel) {
-  for (int i = 0; i < count; ++i) {
-    Croad_contact& rc = *block.points[points[i].index];
-    if (find_facet(road, points[i].cell, points[i].p, rc) == k_search_failed) {
+  int found = 0;
+  for (int i = 0; i < block.near_count; ++i) {
+    const search_point& point = block.near[i];
+    double p[3];
+    take(block.at.p, point.index, p);
+    if (find_facet(road, point.cell, p, numbers[found]) == k_search_failed) {
       int status = 0;
       stop_solver(handle, 1, 0, 1, channel.msg[0], &status);
     }
-    if (rc.facet_number == 0) store_hole(rc);
+    rows.index[found] = point.index;
+    found += numbers[found] != 0 ? 1 : 0;
+  }
+  rows.count = found;
+}
+
+/// Gives each point the frame over its triangle and what its sinkage is computed from. Drops the points over a triangle
+/// without a normal.
+void gather_places(const contact_block& block, const std::int32_t* numbers, frame_maker& frames, contact_rows& rows) {
+  const contact_frame* found[k_block] = {};
+  frames.find_frames(numbers, rows.count, found);
+  int kept = 0;
+  for (int i = 0; i < rows.count; ++i) {
+    const contact_frame& frame = *found[i];
+    const std::int32_t index = rows.index[i];
+    rows.index[kept] = index;
+    rows.frames[kept] = &frame;
+    copy_vector(block.at.p, index, rows.p, kept);
+    copy_vector(block.at.relative, index, rows.relative, kept);
+    put(frame.facet_normal, rows.facet_normal, kept);
+    put(frame.corner, rows.corner, kept);
+    put(frame.normal, rows.normal, kept);
+    kept += frame.flat ? 1 : 0;
+  }
+  rows.count = kept;
+}
+
+/// Sets the projections onto the triangles' planes, as `project` does, and the signed heights over these planes.
+QV_WIDE_VECTORS void measure_sinkages(const kinematics& k, contact_rows& rows) {
+  vectors on_plane;
+  for (int i = 0; i < rows.count; ++i) {
+    const double nx = rows.facet_normal.x[i], ny = rows.facet_normal.y[i], nz = rows.facet_normal.z[i];
+    const double wx = rows.p.x[i] - rows.corner.x[i];
+    const double wy = rows.p.y[i] - rows.corner.y[i];
+    const double wz = rows.p.z[i] - rows.corner.z[i];
+    const double height = nx * wx + ny * wy + nz * wz;
+    rows.facet_point.x[i] = rows.corner.x[i] + (wx - height * nx);
+    rows.facet_point.y[i] = rows.corner.y[i] + (wy - height * ny);
+    rows.facet_point.z[i] = rows.corner.z[i] + (wz - height * nz);
+  }
+  rotate(k.A5, rows.facet_point, on_plane, rows.count);
+  for (int i = 0; i < rows.count; ++i) {
+    rows.sinkage[i] = rows.normal.x[i] * (rows.relative.x[i] - on_plane.x[i]) +
+                      rows.normal.y[i] * (rows.relative.y[i] - on_plane.y[i]) +
+                      rows.normal.z[i] * (rows.relative.z[i] - on_plane.z[i]);
   }
 }
 
-/// Gives each point the contact frame over its triangle. Drops the points over a hole or a triangle without a normal.
-/// @return  how many points are left
-int set_frames(contact_block& block, frame_maker& frames, search_point* points, int count) {
-  Croad_contact* contacts[k_block] = {};
-  bool flat[k_block];
-  for (int i = 0; i < count; ++i) contacts[i] = block.points[points[i].index];
-  frames.set_frames(contacts, count, flat);
+/// Drops the points that are not in contact, and gives the others the rest of their frames.
+void keep_sunk_points(contact_rows& rows) {
   int kept = 0;
-  for (int i = 0; i < count; ++i) {
-    if (!flat[i]) continue;
-    if (kept != i) points[kept] = points[i];
+  for (int i = 0; i < rows.count; ++i) {
+    if (rows.sinkage[i] >= 0.0) continue;  // a NaN is in contact, so that it shows in the result
+    if (kept != i) {
+      rows.index[kept] = rows.index[i];
+      rows.frames[kept] = rows.frames[i];
+      rows.sinkage[kept] = rows.sinkage[i];
+      copy_vector(rows.p, i, rows.p, kept);
+      copy_vector(rows.relative, i, rows.relative, kept);
+      copy_vector(rows.facet_point, i, rows.facet_point, kept);
+      copy_vector(rows.normal, i, rows.normal, kept);
+    }
+    put(rows.frames[kept]->tangent_1, rows.tangent_1, kept);
+    put(rows.frames[kept]->tangent_2, rows.tangent_2, kept);
+    rows.area_ratio[kept] = rows.frames[kept]->plate_ratio;
     ++kept;
   }
-  return kept;
-}
-
-/// Sets the signed height of the point over the triangle's plane; true if that is a contact.
-bool sinks_in(const kinematics& k, Croad_contact& rc) {
-  double facet_point[3];
-  qv::matvec(k.A5, rc.facet_point, facet_point);
-  const double e[3] = {rc.relative_position[0] - facet_point[0], rc.relative_position[1] - facet_point[1],
-                       rc.relative_position[2] - facet_point[2]};
-  qv::vectrvec(rc.normal, e, rc.sinkage);
-  return !(rc.sinkage >= 0.0);  // a NaN is in contact, so that it shows in the result
-}
-
-/// Marks the points that are in contact and drops the others.
-/// @return  how many points are left
-int keep_sunk_points(const CRoad& road, const kinematics& k, contact_block& block, search_point* points, int count) {
-  int kept = 0;
-  for (int i = 0; i < count; ++i) {
-    Croad_contact& rc = *block.points[points[i].index];
-    project(road, points[i].p, rc);
-    if (!sinks_in(k, rc)) continue;
-    block.in_contact[points[i].index] = true;
-    if (kept != i) points[kept] = points[i];
-    ++kept;
-  }
-  return kept;
+  rows.count = kept;
 }
 
 /// Sets the area ratio of points on a wheel: the cosine between the road's normal and the direction from the point to
 /// the wheel's centre in the x-z plane of the road's axes.
-void set_wheel_ratios(const kinematics& k, contact_block& block, const search_point* points, int count) {
+QV_WIDE_VECTORS void set_wheel_ratios(const kinematics& k, contact_rows& rows) {
   vectors to_center;
-  for (int i = 0; i < count; ++i) {
-    to_center.x[i] = k.d15[0] - points[i].p[0];
+  for (int i = 0; i < rows.count; ++i) {
+    to_center.x[i] = k.d15[0] - rows.p.x[i];
     to_center.y[i] = 0.0;
-    to_center.z[i] = k.d15[2] - points[i].p[2];
+    to_center.z[i] = k.d15[2] - rows.p.z[i];
   }
-  normalise(to_center, count);
-  for (int i = 0; i < count; ++i) {
-    Croad_contact& rc = *block.points[points[i].index];
-    double direction[3], cosine;
-    take(to_center, i, direction);
-    qv::vectrvec(rc.normal, direction, cosine);
-    rc.area_ratio = std::fabs(cosine);
+  normalise(to_center, rows.count);
+  for (int i = 0; i < rows.count; ++i) {
+    rows.area_ratio[i] = std::fabs(rows.normal.x[i] * to_center.x[i] + rows.normal.y[i] * to_center.y[i] +
+                                   rows.normal.z[i] * to_center.z[i]);
   }
+}
+
+QV_WIDE_VECTORS void set_velocities(const kinematics& k, const vectors& on_body, contact_rows& rows) {
+  vectors by_rotation, of_road;
+  rotate(k.AW1, on_body, by_rotation, rows.count);
+  rotate(k.AW5, rows.facet_point, of_road, rows.count);
+  for (int i = 0; i < rows.count; ++i) {
+    const double bx = by_rotation.x[i] + k.V1[0] - k.V5[0];
+    const double by = by_rotation.y[i] + k.V1[1] - k.V5[1];
+    const double bz = by_rotation.z[i] + k.V1[2] - k.V5[2];
+    // Kept: the normal velocity is taken from the road's material point, the slip from its base marker.
+    rows.normal_velocity[i] = rows.normal.x[i] * (bx - of_road.x[i]) + rows.normal.y[i] * (by - of_road.y[i]) +
+                              rows.normal.z[i] * (bz - of_road.z[i]);
+    rows.slip_velocity[0][i] =
+        at_rest_below_threshold(rows.tangent_1.x[i] * bx + rows.tangent_1.y[i] * by + rows.tangent_1.z[i] * bz);
+    rows.slip_velocity[1][i] =
+        at_rest_below_threshold(rows.tangent_2.x[i] * bx + rows.tangent_2.y[i] * by + rows.tangent_2.z[i] * bz);
+  }
+}
+
+/// Sets the travel of point c since touch-down, along the tangents that it had then.
+void set_shear_displacement(const Croad_contact& rc, int c, contact_rows& rows) {
+  if (rc.contact_state == 0.0) {
+    rows.shear_disp[0][c] = rows.shear_disp[1][c] = 0.0;
+    return;
+  }
+  const double* from = rc.first_contact_position;
+  const double g[3] = {rows.relative.x[c] - from[0], rows.relative.y[c] - from[1], rows.relative.z[c] - from[2]};
+  qv::vectrvec(rc.first_contact_tangent_1, g, rows.shear_disp[0][c]);
+  qv::vectrvec(rc.first_contact_tangent_2, g, rows.shear_disp[1][c]);
 }
 
 }  // namespace
@@ -187,36 +197,53 @@ void drop_points_above(const CRoad& road, const kinematics& k, contact_block& bl
   int kept = 0;
   for (int i = 0; i < block.near_count; ++i) {
     road.make_ready(points[i].cell);
-    if (clear_above(road, k, points[i].cell, points[i].p)) continue;
-    if (kept != i) points[kept] = points[i];
-    __builtin_prefetch(road.cells.list(points[kept].cell).begin());
-    ++kept;
+    const search_point point = points[i];
+    const vectors& p = block.at.p;
+    points[kept] = point;
+    kept += clear_above(road, k, point.cell, p.x[point.index], p.y[point.index], p.z[point.index]) ? 0 : 1;
   }
   block.near_count = kept;
+  for (int i = 0; i < kept; ++i) {
+    __builtin_prefetch(road.cells.list(points[i].cell).begin());
+    prefetch_history(*block.points[points[i].index]);
+  }
   prefetch_facets(road, points, kept);
 }
 
-int find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames, contact_block& block,
-                  const qv::fault_channel& channel) {
-  find_facets(handle, road, block, block.near, block.near_count, channel);
-  const int count = set_frames(block, frames, block.near, block.near_count);
-  return keep_sunk_points(road, k, block, block.near, count);
+void find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames,
+                   const contact_block& block, contact_rows& rows, const qv::fault_channel& channel) {
+  std::int32_t numbers[k_block + 1];
+  find_facets(handle, road, block, rows, numbers, channel);
+  gather_places(block, numbers, frames, rows);
+  measure_sinkages(k, rows);
+  keep_sunk_points(rows);
 }
 
-void place_points(const CRoad& road, const kinematics& k, contact_block& block, const qv::fault_channel& channel) {
-  places at;
-  find_places(road, k, block, at);
-  keep_points_on_road(road, at, block, channel);
-  drop_points_above(road, k, block);
+void place_points(const CRoad& road, const kinematics& k, body_block& block, const qv::fault_channel& channel) {
+  find_places(road, k, block);
+  keep_points_on_road(road, block.contact, channel);
+  drop_points_above(road, k, block.contact);
 }
 
 void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, const qv::fault_channel& channel) {
-  const search_point* points = block.near;
-  const int count = find_contacts(handle, road, k, frames, block, channel);
-  if (shape != k_plate) set_wheel_ratios(k, block, points, count);
-  for (int i = 0; i < count; ++i) set_velocities(k, *block.points[points[i].index]);
-  for (int i = 0; i < count; ++i) set_shear_displacement(*block.points[points[i].index]);
+                      const body_block& block, contact_rows& rows, const qv::fault_channel& channel) {
+  find_contacts(handle, road, k, frames, block.contact, rows, channel);
+  if (shape != k_plate) set_wheel_ratios(k, rows);
+  vectors on_body;
+  for (int c = 0; c < rows.count; ++c) copy_vector(block.on_body, rows.index[c], on_body, c);
+  set_velocities(k, on_body, rows);
+  for (int c = 0; c < rows.count; ++c) set_shear_displacement(*block.contact.points[rows.index[c]], c, rows);
+}
+
+void store_contact(const contact_rows& rows, int c, Croad_contact& rc) {
+  const contact_frame& frame = *rows.frames[c];
+  rc.facet_number = frame.number;
+  qv::assgvec(frame.facet_normal, 3, rc.facet_normal);
+  take(rows.facet_point, c, rc.facet_point);
+  take(rows.normal, c, rc.normal);
+  take(rows.tangent_1, c, rc.tangent_1);
+  take(rows.tangent_2, c, rc.tangent_2);
+  take(rows.relative, c, rc.relative_position);
 }
 
 }  // namespace qvsoilinteraction

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 
 #include "common/call/messages.h"
 #include "soilinteraction/contact_frames.h"
@@ -23,23 +25,6 @@
 /// or, for a wheel, the direction from the point to the wheel's centre in the x-z plane of the road's axes.
 namespace qvsoilinteraction {
 
-/// A point of a block for which a triangle is searched.
-struct search_point {
-  int index;         ///< the point's place in its block
-  double p[3];       ///< the point from the road base marker, road axes [length]
-  std::size_t cell;  ///< the cell that it is over
-};
-
-/// Some points of an element that are worked on together: each step is done for all of them before the next step, so
-/// that the waiting time of one point (for a square root, for memory) overlaps with the arithmetic of the others.
-struct contact_block {
-  Croad_contact* points[k_block];
-  bool in_contact[k_block];
-  int count = 0;
-  search_point near[k_block];  ///< the points that are not certainly out of contact
-  int near_count = 0;
-};
-
 /// Where the points of a block are on the road.
 struct road_places {
   vectors relative;        ///< from the road base marker, ground axes [length]
@@ -48,10 +33,53 @@ struct road_places {
   double row[k_block];     ///< row, likewise
 };
 
-/// First pass: computes each point's place on the road, keeps in `near` the points inside the extent and not higher
-/// than everything in their cell, and prefetches those cells' triangles. Run it for block n+1 before get_contact_info
-/// of block n, so that memory latency overlaps arithmetic. A point whose x or y on the road is NaN is a fault.
-void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, contact_block& block,
+/// A point of a block for which a triangle is searched.
+struct search_point {
+  std::int32_t index;  ///< the point's place in its block
+  std::size_t cell;    ///< the cell that it is over
+};
+
+/// Some points of an element that are worked on together: each step is done for all of them before the next step, so
+/// that one loop works on several at a time, and the waiting time of one point (for a square root, for memory) overlaps
+/// with the arithmetic of the others.
+struct contact_block {
+  int count = 0;
+  Croad_contact* points[k_block];  ///< records; the search reads their history
+  road_places at;
+  search_point near[k_block];  ///< the points that are not certainly out of contact
+  int near_count = 0;
+};
+
+/// The points of a block that are in contact, in the block's order and side by side.
+struct contact_rows {
+  int count = 0;
+  std::int32_t index[k_block];  ///< the points' places in their block
+  const contact_frame* frames[k_block];
+  vectors p;         ///< the point from the road base marker, road axes [length]
+  vectors relative;  ///< the same, ground axes
+  vectors facet_normal, corner;
+  vectors facet_point;  ///< the point projected onto the triangle's plane, road axes [length]
+  vectors normal, tangent_1, tangent_2;
+  double sinkage[k_block];
+  double area_ratio[k_block];
+  double normal_velocity[k_block];
+  double slip_velocity[2][k_block];
+  double shear_disp[2][k_block];
+};
+
+/// The grid points of a body in a block, and where they are.
+struct body_block {
+  contact_block contact;
+  vectors on_body;   ///< Si_prime of the records
+  vectors lever;     ///< from the body marker, ground axes [length]
+  vectors position;  ///< from the ground reference marker, ground axes [length]
+};
+
+/// First pass: computes each point's place from its `on_body`, keeps in `near` the points inside the road's extent and
+/// not higher than everything in their cell, and prefetches those cells' triangles. Run it for block n+1 before
+/// get_contact_info of block n, so that memory latency overlaps arithmetic. A point whose x or y on the road is NaN is
+/// a fault.
+void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, body_block& block,
                   const qv::fault_channel& channel);
 
 /// Second pass: finds the triangles under the near points and their sinkage. Points with a negative (or NaN) sinkage
@@ -59,52 +87,63 @@ void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, contact_blo
 /// the mesh or over a triangle without a normal is out of contact.
 /// @param shape  k_plate, else a wheel
 void get_contact_info(void* handle, const qvsoilrdf::CRoad& road, int shape, const kinematics& k, frame_maker& frames,
-                      contact_block& block, const qv::fault_channel& channel);
+                      const body_block& block, contact_rows& rows, const qv::fault_channel& channel);
+
+/// Stores what the laws read of point c of the rows in its record.
+inline void store_motion(const contact_rows& rows, int c, Croad_contact& rc) {
+  rc.sinkage = rows.sinkage[c];
+  rc.area_ratio = rows.area_ratio[c];
+  rc.normal_velocity = rows.normal_velocity[c];
+  for (int t = 0; t < 2; ++t) {
+    rc.slip_velocity[t] = rows.slip_velocity[t][c];
+    rc.shear_disp[t] = rows.shear_disp[t][c];
+  }
+}
+
+/// Stores where point c of the rows is, and the contact frame there, in its record.
+void store_contact(const contact_rows& rows, int c, Croad_contact& rc);
 
 // The steps that the track shares, in the order in which they are called. Of the body marker's motion they read only
 // the axes A1.
 
 /// Fills `at` for points at `position`, which is seen from the ground reference marker.
-inline void find_road_places(const qvsoilrdf::CRoad& road, const kinematics& k, const vectors& position, int count,
-                             road_places& at) {
+QV_IN_LOOPS void find_road_places(const qvsoilrdf::CRoad& road, const kinematics& k, const vectors& position, int count,
+                                  road_places& at) {
   for (int i = 0; i < count; ++i) {
     at.relative.x[i] = position.x[i] - k.d5[0];
     at.relative.y[i] = position.y[i] - k.d5[1];
     at.relative.z[i] = position.z[i] - k.d5[2];
   }
   rotate(k.A5t, at.relative, at.p, count);
+  const double x_offset = road.x_offset, y_offset = road.y_offset, dx = road.cell_dx, dy = road.cell_dy;
   for (int i = 0; i < count; ++i) {
     // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): rotate has filled `count` of them
-    at.column[i] = (at.p.x[i] + road.x_offset) / road.cell_dx;
-    at.row[i] = (at.p.y[i] + road.y_offset) / road.cell_dy;
+    at.column[i] = (at.p.x[i] + x_offset) / dx;
+    at.row[i] = (at.p.y[i] + y_offset) / dy;
   }
 }
 
-/// Adds point i to the block's near points if it is inside the road's extent, and stores its relative position.
-/// Precondition: its x and y on the road are not NaN.
-inline void keep_near(const qvsoilrdf::CRoad& road, const road_places& at, int i, contact_block& block) {
-  search_point& point = block.near[block.near_count];
-  take(at.p, i, point.p);
-  if (out_of_extent(road, point.p) || road.cells.empty()) return;
-  point.index = i;
-  point.cell = cell_at(road, at.column[i], at.row[i]);
-  __builtin_prefetch(road.cells.data(point.cell));
-  take(at.relative, i, block.points[i]->relative_position);
-  ++block.near_count;
+/// Adds point i to the block's near points if it is inside the road's extent.
+/// Precondition: the road has cells; the point's x and y on it are not NaN.
+inline void keep_near(const qvsoilrdf::CRoad& road, int i, contact_block& block) {
+  const double p[2] = {block.at.p.x[i], block.at.p.y[i]};
+  if (out_of_extent(road, p)) return;
+  const std::size_t cell = cell_at(road, block.at.column[i], block.at.row[i]);
+  __builtin_prefetch(road.cells.data(cell));
+  block.near[block.near_count++] = {i, cell};
 }
 
 /// Drops the near points that are higher than everything in their cell and prefetches the triangles of the other
-/// points' cells.
+/// points' cells, and the history of those points.
 void drop_points_above(const qvsoilrdf::CRoad& road, const kinematics& k, contact_block& block);
 
-/// Finds the triangles under the near points, the contact frames over them and the sinkages. Marks the points in
-/// contact and moves them to the front of the near points.
-/// @return  the number of points in contact
-int find_contacts(void* handle, const qvsoilrdf::CRoad& road, const kinematics& k, frame_maker& frames,
-                  contact_block& block, const qv::fault_channel& channel);
+/// Finds the triangles under the near points, the contact frames over them and the sinkages, and makes rows of the
+/// points in contact. Of these it sets what stands before `area_ratio`, which becomes that of a plate.
+void find_contacts(void* handle, const qvsoilrdf::CRoad& road, const kinematics& k, frame_maker& frames,
+                   const contact_block& block, contact_rows& rows, const qv::fault_channel& channel);
 
 /// The slip velocity, or exactly 0 if it is slower than 1e-08 in the model's units, whatever these are.
-inline double at_rest_below_threshold(double slip) {
+QV_IN_LOOPS double at_rest_below_threshold(double slip) {
   constexpr double k_slip_at_rest = 1e-08;
   return std::fabs(slip) < k_slip_at_rest ? 0.0 : slip;
 }

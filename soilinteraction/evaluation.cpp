@@ -11,24 +11,52 @@ namespace {
 
 using qvsoilrdf::CRoad;
 
+/// Loads of the points in contact of a block, side by side.
+struct load_rows {
+  vectors local;   ///< force along tangent 1, tangent 2 and normal
+  vectors force;   ///< ground axes
+  vectors moment;  ///< about the body marker, ground axes
+  double area[k_block];
+  double dynamic_sinkage[k_block];
+
+  void take(const Csoil_contact& sc, int c) {
+    local.x[c] = sc.shear_force_1;
+    local.y[c] = sc.shear_force_2;
+    local.z[c] = sc.normal_force;
+    area[c] = sc.effective_area;
+    dynamic_sinkage[c] = sc.dynamic_sinkage;
+  }
+};
+
 /// Force, moment and area, as they stand at the head of the result array.
 struct totals {
   double values[QV_SOIL_RESULT_LENGTH] = {};
 
-  void add(const Csoil_contact& sc) {
-    for (int c = 0; c < 3; ++c) {
-      values[QV_SOIL_RESULT_FORCE + c] += sc.force[c];
-      values[QV_SOIL_RESULT_MOMENT + c] += sc.moment[c];
-    }
-    values[QV_SOIL_RESULT_AREA] += sc.effective_area;
+  void add(const load_rows& loads, int c) {
+    values[QV_SOIL_RESULT_FORCE] += loads.force.x[c];
+    values[QV_SOIL_RESULT_FORCE + 1] += loads.force.y[c];
+    values[QV_SOIL_RESULT_FORCE + 2] += loads.force.z[c];
+    values[QV_SOIL_RESULT_MOMENT] += loads.moment.x[c];
+    values[QV_SOIL_RESULT_MOMENT + 1] += loads.moment.y[c];
+    values[QV_SOIL_RESULT_MOMENT + 2] += loads.moment.z[c];
+    values[QV_SOIL_RESULT_AREA] += loads.area[c];
   }
 };
 
-/// Fills a point's values but for its position, which is written out of contact too.
-void write_point(const Croad_contact& rc, const Csoil_contact& sc, double* point) {
-  qv::assgvec(sc.local_force, 3, point + QV_SOIL_POINT_LOCAL_FORCE);
-  point[QV_SOIL_POINT_SINKAGE] = rc.sinkage;
-  point[QV_SOIL_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
+/// Turns the local forces into forces and moments in ground axes, as genenralized_contact_force does for a record.
+QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, const vectors& lever, load_rows& loads) {
+  for (int i = 0; i < rows.count; ++i) {
+    const double F1 = loads.local.x[i], F2 = loads.local.y[i], Fn = loads.local.z[i];
+    const double fx = rows.tangent_1.x[i] * F1 + rows.tangent_2.x[i] * F2 + rows.normal.x[i] * Fn;
+    const double fy = rows.tangent_1.y[i] * F1 + rows.tangent_2.y[i] * F2 + rows.normal.y[i] * Fn;
+    const double fz = rows.tangent_1.z[i] * F1 + rows.tangent_2.z[i] * F2 + rows.normal.z[i] * Fn;
+    loads.force.x[i] = fx;
+    loads.force.y[i] = fy;
+    loads.force.z[i] = fz;
+    loads.moment.x[i] = lever.y[i] * fz - lever.z[i] * fy;
+    loads.moment.y[i] = lever.z[i] * fx - lever.x[i] * fz;
+    loads.moment.z[i] = lever.x[i] * fy - lever.y[i] * fx;
+  }
 }
 
 /// Takes the points of an element through one call, block by block.
@@ -50,12 +78,10 @@ public:
     work* now = &m_work[0];
     work* next = &m_work[1];
     for (int i = 0; i < m_p.patch.nx; ++i) {
-      Croad_contact* road_contacts = element.road_contacts[static_cast<std::size_t>(i)].data();
-      Csoil_contact* soil_contacts = element.soil_contacts[static_cast<std::size_t>(i)].data();
-      for (int j = 0; j < m_p.patch.ny; ++j) {
-        next->block.points[next->block.count] = &road_contacts[j];
-        next->soil[next->block.count++] = &soil_contacts[j];
-        if (next->block.count == k_block) advance(now, next);
+      const row_of_points row(element, static_cast<std::size_t>(i));
+      for (int j = 0; j < m_p.patch.ny;) {
+        j += add_points(*next, row, j);
+        if (next->block.contact.count == k_block) advance(now, next);
       }
     }
     advance(now, next);
@@ -64,9 +90,38 @@ public:
 
 private:
   struct work {
-    contact_block block;
+    body_block block;
     Csoil_contact* soil[k_block];
   };
+
+  /// The records of row i of the grid.
+  struct row_of_points {
+    Croad_contact* road_contacts;
+    Csoil_contact* soil_contacts;
+    const double* on_body[3];
+
+    row_of_points(CSoilInteraction& element, std::size_t i)
+        : road_contacts(element.road_contacts[i].data()), soil_contacts(element.soil_contacts[i].data()) {
+      const std::size_t first = i * static_cast<std::size_t>(element.ny);
+      for (int c = 0; c < 3; ++c) on_body[c] = element.on_body[c].data() + first;
+    }
+  };
+
+  /// Adds the points of the row from j on, as many as there is room for.
+  /// @return  how many
+  int add_points(work& w, const row_of_points& row, int j) const {
+    const int at = w.block.contact.count;
+    const int count = std::min(k_block - at, m_p.patch.ny - j);
+    std::copy_n(row.on_body[0] + j, count, w.block.on_body.x + at);
+    std::copy_n(row.on_body[1] + j, count, w.block.on_body.y + at);
+    std::copy_n(row.on_body[2] + j, count, w.block.on_body.z + at);
+    for (int b = 0; b < count; ++b) {
+      w.block.contact.points[at + b] = row.road_contacts + j + b;
+      w.soil[at + b] = row.soil_contacts + j + b;
+    }
+    w.block.contact.count += count;
+    return count;
+  }
 
   /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
   void advance(work*& now, work*& next) {
@@ -76,44 +131,76 @@ private:
   }
 
   void finish(work& w) {
-    contact_block& block = w.block;
-    get_contact_info(m_handle, m_road, m_p.patch.shape, m_k, m_frames, block, m_channel);
+    contact_block& block = w.block.contact;
+    contact_rows& rows = m_rows;
+    get_contact_info(m_handle, m_road, m_p.patch.shape, m_k, m_frames, w.block, rows, m_channel);
     // A body without width is refused at its first point in contact. The points before it are in the result already.
-    const int end = m_law.bekker.b == 0.0 ? first_in_contact(block) : block.count;
-    load_points(w, 0, end);
-    totals sum;
-    qv::assgvec(m_result, QV_SOIL_RESULT_LENGTH, sum.values);
-    for (int b = 0; b < end; ++b, m_point += QV_SOIL_POINT_LENGTH) {
-      Croad_contact& rc = *block.points[b];
-      Csoil_contact& sc = *w.soil[b];
-      qv::assgvec(rc.position, 3, m_point + QV_SOIL_POINT_POSITION);
-      if (block.in_contact[b]) {
-        genenralized_contact_force(rc, sc);
-        sum.add(sc);
-        write_point(rc, sc, m_point);
-      }
-      if (m_iflag == 2) advance_history(block.in_contact[b], sc, rc);
-    }
-    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, m_result);
-    if (end < block.count) load_points(w, end, end + 1);
+    const bool refused = m_law.bekker.b == 0.0 && rows.count > 0;
+    const int end = refused ? rows.index[0] : block.count;
+    if (refused) rows.count = 0;
+    load_points(w, rows);
+    write_positions(w, end);
+    write_contacts(rows);
+    if (m_iflag == 1 || m_iflag == 2) store_records(w, rows, end);
+    if (refused) get_soil_force(m_law, m_p.patch, &block.points[end], &w.soil[end], 1, m_channel);
+    m_point += static_cast<std::ptrdiff_t>(QV_SOIL_POINT_LENGTH) * block.count;
     block.count = block.near_count = 0;
   }
 
-  static int first_in_contact(const contact_block& block) {
-    return static_cast<int>(std::find(block.in_contact, block.in_contact + block.count, true) - block.in_contact);
-  }
-
-  /// Sets the loads of the points in contact from `begin` up to `end`.
-  void load_points(const work& w, int begin, int end) {
+  /// Sets the loads of the points in contact.
+  void load_points(const work& w, const contact_rows& rows) {
     Croad_contact* road_contacts[k_block];
     Csoil_contact* soil_contacts[k_block];
-    int count = 0;
-    for (int b = begin; b < end; ++b) {
-      if (!w.block.in_contact[b]) continue;
-      road_contacts[count] = w.block.points[b];
-      soil_contacts[count++] = w.soil[b];
+    for (int c = 0; c < rows.count; ++c) {
+      road_contacts[c] = w.block.contact.points[rows.index[c]];
+      soil_contacts[c] = w.soil[rows.index[c]];
+      store_motion(rows, c, *road_contacts[c]);
     }
-    get_soil_force(m_law, m_p.patch, road_contacts, soil_contacts, count, m_channel);
+    get_soil_force(m_law, m_p.patch, road_contacts, soil_contacts, rows.count, m_channel);
+    vectors lever;
+    for (int c = 0; c < rows.count; ++c) {
+      m_loads.take(*soil_contacts[c], c);
+      copy_vector(w.block.lever, rows.index[c], lever, c);
+    }
+    turn_forces(rows, lever, m_loads);
+  }
+
+  /// Fills the positions of the first `end` points of the block, which are written out of contact too.
+  void write_positions(const work& w, int end) const {
+    double* position = m_point + QV_SOIL_POINT_POSITION;
+    for (int b = 0; b < end; ++b, position += QV_SOIL_POINT_LENGTH) take(w.block.position, b, position);
+  }
+
+  /// Adds the points in contact to the totals and fills the rest of their values.
+  void write_contacts(const contact_rows& rows) const {
+    totals sum;
+    qv::assgvec(m_result, QV_SOIL_RESULT_LENGTH, sum.values);
+    for (int c = 0; c < rows.count; ++c) {
+      sum.add(m_loads, c);
+      double* point = m_point + static_cast<std::ptrdiff_t>(QV_SOIL_POINT_LENGTH) * rows.index[c];
+      take(m_loads.local, c, point + QV_SOIL_POINT_LOCAL_FORCE);
+      point[QV_SOIL_POINT_SINKAGE] = rows.sinkage[c];
+      point[QV_SOIL_POINT_DYNAMIC_SINKAGE] = m_loads.dynamic_sinkage[c];
+    }
+    qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, m_result);
+  }
+
+  /// Fills the records of the first `end` points, and moves their history on after a converged step.
+  void store_records(const work& w, const contact_rows& rows, int end) const {
+    for (int b = 0, c = 0; b < end; ++b) {
+      Croad_contact& rc = *w.block.contact.points[b];
+      Csoil_contact& sc = *w.soil[b];
+      take(w.block.lever, b, rc.lever);
+      take(w.block.position, b, rc.position);
+      const bool in_contact = c < rows.count && rows.index[c] == b;
+      if (in_contact) {
+        store_contact(rows, c++, rc);
+        genenralized_contact_force(rc, sc);
+      } else {
+        rc.sinkage = 0.0;
+      }
+      if (m_iflag == 2) advance_history(in_contact, sc, rc);
+    }
   }
 
   void* m_handle;
@@ -124,9 +211,11 @@ private:
   soil_law m_law;
   frame_maker m_frames;
   double* m_result;
-  double* m_point = m_result + QV_SOIL_RESULT_LENGTH;  ///< next point's place in the result array
+  double* m_point = m_result + QV_SOIL_RESULT_LENGTH;  ///< the block's first point's place in the result array
   qv::fault_channel m_channel;
   work m_work[2];
+  contact_rows m_rows;
+  load_rows m_loads;
 };
 
 }  // namespace
@@ -151,7 +240,10 @@ void place_on_body(const contact_patch& patch, const CRoad& road, CSoilInteracti
   for (int i = 0; i < patch.nx; ++i) {
     for (int j = 0; j < patch.ny; ++j) {
       const auto row = static_cast<std::size_t>(i), column = static_cast<std::size_t>(j);
-      element.road_contacts[row][column].Calculation_Si_prime(i, j, patch.shape, patch.a, patch.w, patch.nx, patch.ny);
+      Croad_contact& rc = element.road_contacts[row][column];
+      rc.Calculation_Si_prime(i, j, patch.shape, patch.a, patch.w, patch.nx, patch.ny);
+      const std::size_t at = row * static_cast<std::size_t>(element.ny) + column;
+      for (int c = 0; c < 3; ++c) element.on_body[c][at] = rc.Si_prime[c];
       element.soil_contacts[row][column].soil_type = road.soil_type;  // never changes: a road is read once
     }
   }

@@ -67,12 +67,12 @@ bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_
 
 }  // namespace
 
-int find_facet(const CRoad& road, std::size_t cell, const double* p, Croad_contact& rc) {
+int find_facet(const CRoad& road, std::size_t cell, const double* p, std::int32_t& found) {
   double edge_tolerance = k_first_edge_tolerance;
-  rc.facet_number = 0;
+  found = 0;
   for (const std::int32_t number : road.cells.list(cell)) {
     if (holds(road, number, p, edge_tolerance)) {
-      rc.facet_number = number;
+      found = number;
       break;
     }
     edge_tolerance = k_edge_tolerance;
@@ -94,7 +94,7 @@ int search_contact_facet(const CRoad& road, const double* p, Croad_contact& rc) 
   if (!road.cells.empty()) {
     const std::size_t cell = cell_of(road, p);
     road.make_ready(cell);
-    status = find_facet(road, cell, p, rc);
+    status = find_facet(road, cell, p, rc.facet_number);
   }
   if (rc.facet_number == 0) {
     store_hole(rc);

@@ -50,9 +50,9 @@ inline std::size_t cell_of(const qvsoilrdf::CRoad& road, const double* p) {
   return cell_at(road, (p[0] + road.x_offset) / road.cell_dx, (p[1] + road.y_offset) / road.cell_dy);
 }
 
-/// Sets the number of the first triangle in the cell's list that holds the point; 0: none does.
+/// Finds the number of the first triangle in the cell's list that holds the point; 0: none does.
 /// @return  k_in_extent. Kept: the status is here for the branch that callers have for k_search_failed.
-int find_facet(const qvsoilrdf::CRoad& road, std::size_t cell, const double* p, Croad_contact& rc);
+int find_facet(const qvsoilrdf::CRoad& road, std::size_t cell, const double* p, std::int32_t& found);
 
 /// Stores what a point over no triangle gets: a zero facet normal and a plane constant of NaN.
 void store_hole(Croad_contact& rc);

@@ -61,6 +61,7 @@ void set_up_element(void* handle, const parameters& p, const qv::fault_channel& 
     const auto columns = static_cast<std::size_t>(p.patch.ny);
     element.road_contacts.assign(rows, std::vector<Croad_contact>(columns));
     element.soil_contacts.assign(rows, std::vector<Csoil_contact>(columns));
+    for (std::vector<double>& coordinate : element.on_body) coordinate.assign(rows * columns, 0.0);
     element.nx = p.patch.nx;
     element.ny = p.patch.ny;
     element.element_id = p.element;  // last: an element without its grids is not set up

@@ -122,9 +122,8 @@ void CSoilInteractionMTL::Calculation_Node_Position(double b, const double* pI, 
 }
 
 void CSoilInteractionMTL::set_node_weights() {
-  const double ds = 1.0 / (nLong - 1);
   for (int j = 0; j < nLong; ++j) {
-    const double weight = side == 1 ? 1.0 - j * ds : j * ds;
+    const double weight = node_weight(side, j, nLong);
     for (Csoil_contact_mtl& sc : soil_contacts[static_cast<std::size_t>(j)]) sc.node_weight = weight;
   }
 }

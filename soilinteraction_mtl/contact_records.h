@@ -82,10 +82,16 @@ public:
   /// @param pI, pNode  positions of marker I and of the record's node, from marker R in its axes [length]
   void Calculation_Node_Position(double b, const double* pI, const double* pNode);
 
-  /// Sets the weights alone, which no motion changes: 1 - j/(nLong - 1) in row j on side 1, j/(nLong - 1) on side 0.
-  /// The weights of a span's two records add up to 1.
+  /// Sets the weights alone, which no motion changes (node_weight).
   void set_node_weights();
 };
+
+/// Fraction of the force of a point in row j that a node takes: 1 - j/(nLong - 1) on side 1, where the span starts,
+/// j/(nLong - 1) on side 0, where it ends. The weights of a span's two records add up to 1.
+inline double node_weight(std::int32_t side, int j, int nLong) {
+  const double ds = 1.0 / (nLong - 1);
+  return side == 1 ? 1.0 - j * ds : j * ds;
+}
 
 /// The records of one track: [node][side].
 using track_records = std::vector<std::vector<CSoilInteractionMTL>>;

@@ -42,10 +42,9 @@ struct span_motion {
 /// @param W            its angular velocity, in its own axes [1/time]
 span_motion make_span_motion(const double* normal, const double* A, const double* velocity, const double* W);
 
-/// First pass: copies the places in `at` to the points' records, keeps in `near` the points inside the road's extent
-/// and not higher than everything in their cell, and prefetches those cells' triangles. Run it for block n+1 before
-/// get_contact_info_mtl of block n, so that memory latency overlaps arithmetic. A point that is not finite is out of
-/// contact.
+/// First pass: finds the places in `at` on the road, keeps in `near` the points inside its extent and not higher than
+/// everything in their cell, and prefetches those cells' triangles. Run it for block n+1 before get_contact_info_mtl of
+/// block n, so that memory latency overlaps arithmetic. A point that is not finite is out of contact.
 /// @param block  its points are Croad_contact_mtl records, as many as `at` has and in the same order
 void place_points_mtl(const qvsoilrdf::CRoad& road, const track_motion& motion, const belt_block& at,
                       qvsoilinteraction::contact_block& block);
@@ -60,6 +59,7 @@ void place_points_mtl(const qvsoilrdf::CRoad& road, const track_motion& motion, 
 /// displacement of that step.
 void get_contact_info_mtl(void* handle, const qvsoilrdf::CRoad& road, const track_motion& motion,
                           const span_motion& span, qvsoilinteraction::frame_maker& frames, const belt_block& at,
-                          qvsoilinteraction::contact_block& block, const qv::fault_channel& channel);
+                          const qvsoilinteraction::contact_block& block, qvsoilinteraction::contact_rows& rows,
+                          const qv::fault_channel& channel);
 
 }  // namespace qvsoilinteractionmtl

@@ -10,7 +10,9 @@ namespace qvsoilinteractionmtl {
 namespace {
 
 using qv::k_block;
+using qv::vectors;
 using qvsoilinteraction::contact_block;
+using qvsoilinteraction::contact_rows;
 using qvsoilinteraction::Croad_contact;
 using qvsoilinteraction::Csoil_contact;
 using qvsoilrdf::CRoad;
@@ -50,10 +52,58 @@ struct point_block {
   belt_block belt;
   Csoil_contact_mtl* start[k_block];
   Csoil_contact_mtl* end[k_block];
+  double start_weight[k_block], end_weight[k_block];  ///< node_weight of the two records
   const span_work* span = nullptr;
   double* values = nullptr;    ///< the first point's place in the result array
   int shared_with_before = 0;  ///< so many of its first points already have results, of the span before
 };
+
+/// Loads of the points in contact of a block, side by side; axes of marker R.
+struct load_rows {
+  vectors local;  ///< force along tangent 1, tangent 2 and normal
+  vectors force;
+  vectors shear;      ///< shear shares of both nodes
+  vectors start_end;  ///< normal shares of the node where the span starts and, but for the first span, of the other one
+  vectors end;        ///< normal share of the node where the span ends
+  double start_weight[k_block], end_weight[k_block];
+  double area[k_block];
+  double dynamic_sinkage[k_block];
+
+  void take(const Csoil_contact& sc, int c) {
+    local.x[c] = sc.shear_force_1;
+    local.y[c] = sc.shear_force_2;
+    local.z[c] = sc.normal_force;
+    area[c] = sc.effective_area;
+    dynamic_sinkage[c] = sc.dynamic_sinkage;
+  }
+};
+
+/// Turns the local forces of all points along one axis of marker R, and splits them to the nodes, as
+/// genenralized_contact_force_mtl does for the records of one point.
+/// @param t1, t2, n  components of the tangents and the normal along the axis
+QV_IN_LOOPS void turn_along_axis(const double* t1, const double* t2, const double* n, bool first_span, int count,
+                                 const load_rows& loads, double* force, double* shear, double* start_end, double* end) {
+  for (int i = 0; i < count; ++i) {
+    const double F1 = loads.local.x[i], F2 = loads.local.y[i], Fn = loads.local.z[i];
+    const double ws = loads.start_weight[i], we = loads.end_weight[i];
+    force[i] = t1[i] * F1 + t2[i] * F2 + n[i] * Fn;
+    shear[i] = t1[i] * (we * F1) + t1[i] * (ws * F1);
+    const double of_start = t2[i] * (ws * F2) + n[i] * (ws * Fn);
+    const double of_end = t2[i] * (we * F2) + n[i] * (we * Fn);
+    start_end[i] = of_start + (first_span ? 0.0 : of_end);
+    end[i] = of_end;
+  }
+}
+
+QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, bool first_span, load_rows& loads) {
+  const vectors &t1 = rows.tangent_1, &t2 = rows.tangent_2, &n = rows.normal;
+  turn_along_axis(t1.x, t2.x, n.x, first_span, rows.count, loads, loads.force.x, loads.shear.x, loads.start_end.x,
+                  loads.end.x);
+  turn_along_axis(t1.y, t2.y, n.y, first_span, rows.count, loads, loads.force.y, loads.shear.y, loads.start_end.y,
+                  loads.end.y);
+  turn_along_axis(t1.z, t2.z, n.z, first_span, rows.count, loads, loads.force.z, loads.shear.z, loads.start_end.z,
+                  loads.end.z);
+}
 
 /// The sums while the points of one block are added, one after the other. Local copies: the compiler can then keep them
 /// in registers.
@@ -63,7 +113,7 @@ struct point_block {
 class block_sums {
 public:
   block_sums(const double* result, const track_sums& sums, int span, int nodes)
-      : m_node(static_cast<std::size_t>(span)), m_first_span(span == 0), m_last_span(span == nodes - 2) {
+      : m_node(static_cast<std::size_t>(span)), m_last_span(span == nodes - 2) {
     std::copy_n(result + QV_TRACK_RESULT_SHEAR_1, 3, m_local);
     std::copy_n(sums.contact.begin(), QV_TRACK_SUM_RESULT_LENGTH, m_contact);
     std::copy_n(sums.shear.begin(), 3, m_shear);
@@ -71,17 +121,13 @@ public:
     std::copy_n(sums.normal[m_node + 1].begin(), 3, m_end);
   }
 
-  void add(const Csoil_contact_mtl& sc, const Csoil_contact_mtl& sc2) {
-    static constexpr double k_none[3] = {0.0, 0.0, 0.0};
-    const double* second = m_first_span ? k_none : sc2.normal_share;
-    for (int c = 0; c < 3; ++c) {
-      m_local[c] += sc.local_force[c];
-      m_contact[QV_TRACK_SUM_RESULT_FORCE + c] += sc.force[c];
-      m_shear[c] += sc2.shear_share[c] + sc.shear_share[c];
-      m_start[c] += sc.normal_share[c] + second[c];
-      m_end[c] += sc2.normal_share[c];
-    }
-    m_contact[QV_TRACK_SUM_RESULT_AREA] += sc.effective_area;
+  void add(const load_rows& loads, int c) {
+    add(loads.local, c, m_local);
+    add(loads.force, c, m_contact + QV_TRACK_SUM_RESULT_FORCE);
+    add(loads.shear, c, m_shear);
+    add(loads.start_end, c, m_start);
+    add(loads.end, c, m_end);
+    m_contact[QV_TRACK_SUM_RESULT_AREA] += loads.area[c];
   }
 
   void store(double* result, const track_sums& sums) const {
@@ -93,8 +139,14 @@ public:
   }
 
 private:
+  static void add(const vectors& v, int c, double* sum) {
+    sum[0] += v.x[c];
+    sum[1] += v.y[c];
+    sum[2] += v.z[c];
+  }
+
   std::size_t m_node;
-  bool m_first_span, m_last_span;
+  bool m_last_span;
   double m_local[3], m_contact[QV_TRACK_SUM_RESULT_LENGTH], m_shear[3], m_start[3], m_end[3];
 };
 
@@ -132,8 +184,10 @@ public:
       begin(*next, span, shared);
       for (int j = 0; j < start.nLong; ++j) {
         const row_pointers rows(span, static_cast<std::size_t>(j));
+        const double weights[2] = {node_weight(span.start->side, j, start.nLong),
+                                   node_weight(span.end->side, j, start.nLong)};
         for (int k = 0; k < columns; ++k) {
-          add_point(*next, rows, j, k);
+          add_point(*next, rows, j, k, weights);
           if (next->contact.count < k_block) continue;
           shared = std::max(shared - k_block, 0);
           advance(now, next);
@@ -171,11 +225,13 @@ private:
     block.shared_with_before = shared;
   }
 
-  void add_point(point_block& block, const row_pointers& rows, int j, int k) {
+  void add_point(point_block& block, const row_pointers& rows, int j, int k, const double (&weights)[2]) {
     const int at = block.contact.count++;
     block.contact.points[at] = rows.points + k;
     block.start[at] = rows.start + k;
     block.end[at] = rows.end + k;
+    block.start_weight[at] = weights[0];
+    block.end_weight[at] = weights[1];
     block.belt.add(block.span->grid, j, k);
     m_values += QV_TRACK_POINT_LENGTH;
   }
@@ -193,49 +249,82 @@ private:
   void finish(point_block& block) {
     contact_block& contact = block.contact;
     if (contact.count == 0) return;
-    get_contact_info_mtl(m_handle, m_road, m_state.motion, block.span->motion, m_frames, block.belt, contact,
+    contact_rows& rows = m_rows;
+    get_contact_info_mtl(m_handle, m_road, m_state.motion, block.span->motion, m_frames, block.belt, contact, rows,
                          m_channel);
-    set_loads(block);
+    set_loads(block, rows);
+    turn_forces(rows, block.span->number == 0, m_loads);
+    write_positions(block);
+    write_contacts(block, rows);
+    if (m_iflag == 1 || m_iflag == 2) store_records(block, rows);
+    contact.count = contact.near_count = block.belt.count = 0;
+  }
+
+  /// Sets the loads of the points in contact.
+  void set_loads(const point_block& block, const contact_rows& rows) {
+    Croad_contact* road_contacts[k_block];
+    Csoil_contact* soil_contacts[k_block];
+    for (int c = 0; c < rows.count; ++c) {
+      road_contacts[c] = block.contact.points[rows.index[c]];
+      soil_contacts[c] = block.start[rows.index[c]];
+      store_motion(rows, c, *road_contacts[c]);
+    }
+    get_soil_force_mtl(m_law, m_patch, road_contacts, soil_contacts, rows.count, m_channel);
+    for (int c = 0; c < rows.count; ++c) {
+      m_loads.take(*soil_contacts[c], c);
+      m_loads.start_weight[c] = block.start_weight[rows.index[c]];
+      m_loads.end_weight[c] = block.end_weight[rows.index[c]];
+    }
+  }
+
+  static double* values_of(const point_block& block, int b) {
+    return block.values + static_cast<std::ptrdiff_t>(QV_TRACK_POINT_LENGTH) * b;
+  }
+
+  /// Fills the positions of all points, which are written out of contact too.
+  static void write_positions(const point_block& block) {
+    for (int b = 0; b < block.contact.count; ++b) {
+      take(block.belt.position, b, values_of(block, b) + QV_TRACK_POINT_POSITION);
+    }
+  }
+
+  /// Adds the points in contact to the sums and fills the rest of their values.
+  void write_contacts(const point_block& block, const contact_rows& rows) {
     block_sums sum(m_result, m_sums, block.span->number, m_p.nodes);
-    double* values = block.values;
-    for (int b = 0; b < contact.count; ++b, values += QV_TRACK_POINT_LENGTH) {
-      auto& rc = static_cast<Croad_contact_mtl&>(*contact.points[b]);
+    for (int c = 0; c < rows.count; ++c) {
+      sum.add(m_loads, c);
+      double* values = values_of(block, rows.index[c]);
+      double force[3];
+      take(m_loads.force, c, force);
+      double* written = values + QV_TRACK_POINT_FORCE;
+      const bool shared = rows.index[c] < block.shared_with_before;
+      for (int x = 0; x < 3; ++x) written[x] = shared ? written[x] + force[x] : force[x];
+      // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
+      m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += m_loads.area[c];
+      values[QV_TRACK_POINT_SINKAGE] = rows.sinkage[c];
+      values[QV_TRACK_POINT_DYNAMIC_SINKAGE] = m_loads.dynamic_sinkage[c];
+    }
+    sum.store(m_result, m_sums);
+  }
+
+  /// Fills the records of the points, and moves their history on after a converged step.
+  void store_records(const point_block& block, const contact_rows& rows) const {
+    for (int b = 0, c = 0; b < block.contact.count; ++b) {
+      auto& rc = static_cast<Croad_contact_mtl&>(*block.contact.points[b]);
       Csoil_contact_mtl &sc = *block.start[b], &sc2 = *block.end[b];
-      qv::assgvec(rc.position, 3, values + QV_TRACK_POINT_POSITION);
-      if (contact.in_contact[b]) {
+      block.belt.store(b, rc);
+      const bool in_contact = c < rows.count && rows.index[c] == b;
+      if (in_contact) {
+        store_contact(rows, c++, rc);
         genenralized_contact_force_mtl(rc, sc, sc2);
-        sum.add(sc, sc2);
-        write_point(rc, sc, b < block.shared_with_before, values);
       } else {
+        rc.sinkage = 0.0;
         clear_loads(sc, sc2);
       }
       if (m_iflag != 2) continue;
       rc.last_update_time = m_time;
-      advance_history(contact.in_contact[b], sc, rc);
+      advance_history(in_contact, sc, rc);
     }
-    sum.store(m_result, m_sums);
-    contact.count = contact.near_count = block.belt.count = 0;
-  }
-
-  void write_point(const Croad_contact_mtl& rc, const Csoil_contact_mtl& sc, bool shared, double* values) {
-    double* force = values + QV_TRACK_POINT_FORCE;
-    for (int c = 0; c < 3; ++c) force[c] = shared ? force[c] + sc.force[c] : sc.force[c];
-    // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
-    m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += sc.effective_area;
-    values[QV_TRACK_POINT_SINKAGE] = rc.sinkage;
-    values[QV_TRACK_POINT_DYNAMIC_SINKAGE] = sc.dynamic_sinkage;
-  }
-
-  void set_loads(const point_block& block) {
-    Croad_contact* road_contacts[k_block];
-    Csoil_contact* soil_contacts[k_block];
-    int count = 0;
-    for (int b = 0; b < block.contact.count; ++b) {
-      if (!block.contact.in_contact[b]) continue;
-      road_contacts[count] = block.contact.points[b];
-      soil_contacts[count++] = block.start[b];
-    }
-    get_soil_force_mtl(m_law, m_patch, road_contacts, soil_contacts, count, m_channel);
   }
 
   void* m_handle;
@@ -253,6 +342,8 @@ private:
   qv::fault_channel m_channel;
   span_work m_spans[2];
   point_block m_blocks[2];
+  contact_rows m_rows;
+  load_rows m_loads;
 };
 
 }  // namespace

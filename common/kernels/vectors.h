@@ -53,4 +53,18 @@ inline void take(const vectors& v, int i, double* to) {
   to[2] = v.z[i];
 }
 
+/// Copies a vector to place i of v.
+QV_IN_LOOPS void put(const double* from, vectors& v, int i) {
+  v.x[i] = from[0];
+  v.y[i] = from[1];
+  v.z[i] = from[2];
+}
+
+/// Copies vector `from` of a to place `to` of b.
+QV_IN_LOOPS void copy_vector(const vectors& a, int from, vectors& b, int to) {
+  b.x[to] = a.x[from];
+  b.y[to] = a.y[from];
+  b.z[to] = a.z[from];
+}
+
 }  // namespace qv
