@@ -153,16 +153,21 @@ private:
            std::to_string(line_number) + "; it must lie between 0 and 2147483647.");
   }
 
-  /// Calls record(line) for each of `count` lines of a block. Lines that begin with "{" are skipped.
+  /// Calls record(numbers, line number) for each of `count` lines of a block, with the first four numbers of the line.
+  /// Lines that begin with "{" are skipped.
   /// Kept: the first line after the last record is consumed unread; files have a spacer there.
   template <class Record>
-  void read_block(std::int32_t count, Record&& record) {
-    qv::text_line current;
-    std::int32_t k = 0;
-    while (m_lines.next(current)) {
+  void read_block(std::int32_t count, const char* name, Record&& record) {
+    double numbers[4];
+    for (std::int32_t k = 0;;) {
+      for (; k < count && m_lines.next_numbers(numbers); ++k) record(numbers, m_lines.number());
+      qv::text_line current;  // anything but a line of numbers that is at hand
+      if (!m_lines.next(current)) return;
       if (current.begin != current.end && *current.begin == '{') continue;
       if (k == count) return;
-      record(++k, current);
+      read_numbers(current, name, numbers);
+      record(numbers, current.number);
+      ++k;
     }
   }
 
@@ -174,10 +179,9 @@ private:
     records.reserve(std::min(static_cast<std::size_t>(count), m_lines.bytes_left() / k_shortest_record + 1));
   }
 
-  template <std::size_t N>
-  void read_numbers(const qv::text_line& from, const char* record, double (&numbers)[N]) {
+  void read_numbers(const qv::text_line& from, const char* record, double (&numbers)[4]) {
     const char* at = from.begin;
-    for (std::size_t i = 0; i < N; ++i) {
+    for (int i = 0; i < 4; ++i) {
       if (qv::scan_number(at, from.end, numbers[i])) continue;
       refuse("READ RDF ERROR : Line " + std::to_string(from.number) + " holds " + std::to_string(i) + " numbers; " +
              record + " line must hold at least 4.");
@@ -189,14 +193,12 @@ private:
   void read_nodes(std::int32_t count) {
     m_road.number_of_nodes = count;
     reserve(m_road.nodes, count);
-    read_block(count, [this](std::int32_t k, const qv::text_line& from) {
-      double numbers[4];  // the file's own node number, x, y, z
-      read_numbers(from, "a node", numbers);
+    read_block(count, "a node", [this](const double* numbers, long) {  // the file's own node number, x, y, z
       CNode node;
       node.x = coordinate(numbers[1]);
       node.y = coordinate(numbers[2]);
       node.z = coordinate(numbers[3]);
-      node.id = k;
+      node.id = static_cast<std::int32_t>(m_road.nodes.size()) + 1;
       m_road.nodes.push_back(node);
       widen_bounds(node);
     });
@@ -218,11 +220,9 @@ private:
     m_road.number_of_elements = count;
     reserve(m_road.elements, count);
     m_road.element_values.clear();
-    read_block(count, [this](std::int32_t, const qv::text_line& from) {
-      double numbers[4];
-      read_numbers(from, "an element", numbers);
+    read_block(count, "an element", [this](const double* numbers, long line_number) {
       corner_numbers element;
-      for (int c = 0; c < 3; ++c) element.node[c] = node_number(numbers[c], from.number);
+      for (int c = 0; c < 3; ++c) element.node[c] = node_number(numbers[c], line_number);
       m_road.elements.push_back(element);
       keep_value(numbers[3]);
     });

@@ -87,11 +87,14 @@ bool line_source::next(text_line& line) {
 }
 
 bool file_window::refill() {
-  constexpr std::size_t k_chunk = 1 << 18;
+  constexpr std::size_t k_chunk = 1 << 15, k_probe = 1 << 14;  // the latter when it is not known that more is to come
+  const std::size_t left = m_file.bytes_left();
+  const std::size_t wanted = left > 0 ? std::min(left, k_chunk) : k_probe;
   const auto kept = static_cast<std::size_t>(m_end - m_at);
   if (kept > 0) std::memmove(m_buffer.data(), m_at, kept);
-  if (m_buffer.size() < kept + k_chunk) m_buffer.resize(std::max(2 * m_buffer.size(), kept + k_chunk));
-  const std::size_t got = m_file.read(m_buffer.data() + kept, m_buffer.size() - kept);
+  if (m_buffer.size() <= kept + wanted) m_buffer.resize(std::max(2 * m_buffer.size(), kept + wanted + 1));
+  const std::size_t got = m_file.read(m_buffer.data() + kept, m_buffer.size() - kept - 1);
+  m_buffer[kept + got] = k_line_end[0];
   m_at = m_buffer.data();
   m_end = m_at + kept + got;
   return got > 0;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "common/files/large_vector.h"
+#include "common/files/number_scanner.h"
 
 /// Data files named by a string entity of the model.
 namespace qv {
@@ -55,8 +56,10 @@ protected:
   /// the file.
   bool refill();
 
-  const char* m_at = nullptr;   ///< the first byte that is not taken yet
-  const char* m_end = nullptr;  ///< the end of the bytes in the buffer
+  static constexpr char k_line_end[] = "\n";
+  const char* m_at = k_line_end;  ///< the first byte that is not taken yet
+  const char* m_end =
+      k_line_end;  ///< the end of the bytes in the buffer, where a line end stands that is not the file's
 
 private:
   data_file& m_file;
@@ -78,7 +81,30 @@ public:
   /// The next line, valid until the next call; false at the end.
   bool next(text_line& line);
 
+  /// Reads the numbers that the next line begins with, and takes the whole line. False, and nothing is taken, if the
+  /// line begins with fewer numbers or the buffer does not hold all of it; next() tells which.
+  template <std::size_t N>
+  bool next_numbers(double (&numbers)[N]) {
+    const char* at = m_at;
+    for (double& number : numbers) {
+      if (!scan_number_of_line(at, m_end, number)) return false;
+    }
+    return take_line(at);
+  }
+
+  /// The number of the latest line that was taken, from 1.
+  long number() const { return m_number; }
+
 private:
+  /// Takes the line in which `at` is; false if the buffer does not hold its end.
+  bool take_line(const char* at) {
+    while (*at != '\n') ++at;
+    if (at == m_end) return false;
+    m_at = at + 1;
+    ++m_number;
+    return true;
+  }
+
   long m_number = 0;
 };
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <charconv>
+#include <cstddef>
 #include <cstdint>
-#include <string>
 
 /// Reads the numbers of a data line, with the grammar of formatted stream input: white space between them, an optional
 /// sign, digits, fraction and exponent. There is no "inf", no "nan" and no hexadecimal, and a number too large for a
@@ -17,52 +16,62 @@ inline bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 /// Reads the number that begins at `at`, of any form. False, with `at` unchanged, if there is none.
-inline bool scan_any_number(const char*& at, const char* end, double& value) {
-  const char* begin = at;
-  const char* digits = begin;
-  if (digits != end && (*digits == '+' || *digits == '-')) ++digits;
-  if (digits == end || !(is_digit(*digits) || *digits == '.')) return false;
-  if (*begin == '+') begin = digits;  // from_chars knows no plus sign
-  const auto [stop, error] = std::from_chars(begin, end, value);
-  if (error == std::errc::invalid_argument) return false;
-  bool exponent = false;
-  for (const char* c = begin; c != stop; ++c) exponent = exponent || *c == 'e' || *c == 'E';
-  if (!exponent && stop != end && (*stop == 'e' || *stop == 'E')) return false;  // an exponent without digits
-  if (error == std::errc::result_out_of_range) {                                 // too large, or too small to matter
-    value = read_number(std::string(begin, stop).c_str());
-    if (value > 1.0 || value < -1.0) return false;
-  }
-  at = stop;
-  return true;
+bool scan_any_number(const char*& at, const char* end, double& value);
+
+/// Whether the text goes on at `c`. A text that is known to end in a line end needs no look at `end`: a line end is
+/// neither blank here nor part of a number, so that every loop ends there.
+template <bool in_line>
+bool goes_on(const char* c, const char* end) {
+  return in_line || c != end;
 }
 
-/// Reads the next number of [at, end) after white space. False if there is none. Most files hold only plain decimals of
-/// up to 15 digits. These are exact integers over an exact power of ten, so that one division rounds them as the
-/// general reader would, only faster.
-inline bool scan_number(const char*& at, const char* end, double& value) {
+/// The digits from `c` on, joined to `digits`.
+template <bool in_line>
+std::uint64_t scan_digits(const char*& c, const char* end, std::uint64_t digits) {
+  while (goes_on<in_line>(c, end)) {
+    const unsigned digit = static_cast<unsigned char>(*c) - static_cast<unsigned>('0');
+    if (digit > 9) break;
+    digits = 10 * digits + digit;
+    ++c;
+  }
+  return digits;
+}
+
+/// Reads the next number after blanks. Most files hold only plain decimals of up to 15 digits. These are exact integers
+/// over an exact power of ten, so that one division rounds them as the general reader would, only faster.
+template <bool in_line>
+bool scan_next(const char*& at, const char* end, double& value) {
   static constexpr double k_powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  while (at != end && is_blank(*at)) ++at;
+  while (goes_on<in_line>(at, end) && is_blank(*at) && !(in_line && *at == '\n')) ++at;
   const char* c = at;
-  const bool negative = c != end && *c == '-';
+  const bool negative = goes_on<in_line>(c, end) && *c == '-';
   if (negative) ++c;
   const char* const first = c;
-  std::uint64_t digits = 0;
-  while (c != end && is_digit(*c)) digits = 10 * digits + static_cast<std::uint64_t>(*c++ - '0');
-  long count = c - first;
-  long decimals = 0;
-  if (c != end && *c == '.') {
+  std::uint64_t digits = scan_digits<in_line>(c, end, 0);
+  std::ptrdiff_t count = c - first;
+  std::ptrdiff_t decimals = 0;
+  if (goes_on<in_line>(c, end) && *c == '.') {
     const char* const fraction = ++c;
-    while (c != end && is_digit(*c)) digits = 10 * digits + static_cast<std::uint64_t>(*c++ - '0');
+    digits = scan_digits<in_line>(c, end, digits);
     decimals = c - fraction;
     count += decimals;
   }
-  const bool exponent = c != end && (*c == 'e' || *c == 'E');
+  const bool exponent = goes_on<in_line>(c, end) && (*c == 'e' || *c == 'E');
   if (count == 0 || count > 15 || exponent) return scan_any_number(at, end, value);
-  const double magnitude = static_cast<double>(digits) / k_powers_of_ten[decimals];
+  double magnitude = static_cast<double>(static_cast<std::int64_t>(digits));
+  if (decimals > 0) magnitude /= k_powers_of_ten[decimals];
   value = negative ? -magnitude : magnitude;
   at = c;
   return true;
+}
+
+/// Reads the next number of [at, end) after white space. False if there is none.
+inline bool scan_number(const char*& at, const char* end, double& value) { return scan_next<false>(at, end, value); }
+
+/// Reads the next number of a line, the end of which can be read and is not behind `end`. False if there is none.
+inline bool scan_number_of_line(const char*& at, const char* end, double& value) {
+  return scan_next<true>(at, end, value);
 }
 
 }  // namespace qv

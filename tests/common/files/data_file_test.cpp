@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,38 @@ TEST(DataFile, LinesAcrossTheBuffersEndsAreWhole) {
   qv::data_file file;
   ASSERT_TRUE(file.open(folder.write("file", content)));
   EXPECT_EQ(lines_of(file), expected);
+}
+
+TEST(DataFile, NumbersComeByTheLineWhereverTheBufferEnds) {
+  const qvtest::TemporaryFolder folder;
+  std::string content;
+  for (int k = 1; k <= 40000; ++k) {
+    content += std::to_string(k) + " " + std::to_string(0.5 * k) + std::string(static_cast<std::size_t>(k % 5), ' ') +
+               (k % 7 == 0 ? " 3 behind\n" : "\n");
+  }
+  content += "1\n40002 20001";  // a line with too few numbers, and one without an end
+  qv::data_file file;
+  ASSERT_TRUE(file.open(folder.write("file", content)));
+  qv::line_source source(file);
+  double numbers[2] = {};
+  EXPECT_FALSE(source.next_numbers(numbers)) << "nothing is at hand yet";
+  int by_numbers = 0;
+  for (int k = 1; k <= 40002; ++k) {
+    if (source.next_numbers(numbers)) {
+      ++by_numbers;
+    } else {
+      qv::text_line line;
+      ASSERT_TRUE(source.next(line)) << k;
+      ASSERT_EQ(line.number, k);
+      if (k == 40001) continue;
+      ASSERT_EQ(std::sscanf(std::string(line.begin, line.end).c_str(), "%lf %lf", &numbers[0], &numbers[1]), 2) << k;
+    }
+    ASSERT_EQ(source.number(), k);
+    ASSERT_EQ(numbers[0], k);
+    ASSERT_EQ(numbers[1], 0.5 * k);
+  }
+  EXPECT_GT(by_numbers, 39000) << "lines across the buffer's ends, and those at the end, are left to next()";
+  EXPECT_FALSE(source.next_numbers(numbers));
 }
 
 TEST(DataFile, MissingIsNotOpenedAndAFolderReadsAsEmpty) {

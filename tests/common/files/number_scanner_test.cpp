@@ -54,6 +54,18 @@ std::vector<number> by_scanner(const std::string& text) {
   return numbers;
 }
 
+/// The same of a text that a line end ends.
+std::vector<number> by_line_scanner(const std::string& text) {
+  const std::string line = text + '\n';
+  const std::vector<char> exact(line.begin(), line.end());
+  const char* at = exact.data();
+  const char* const end = exact.data() + text.size();
+  std::vector<number> numbers;
+  double value = 0;
+  while (qv::scan_number_of_line(at, end, value)) numbers.push_back({bits_of(value), at - exact.data()});
+  return numbers;
+}
+
 TEST(NumberScanner, ReadsWhatAStreamReads) {
   const char* const texts[] = {
       "1 2 3",
@@ -160,7 +172,11 @@ TEST(NumberScanner, ReadsWhatAStreamReads) {
       "1..2",
       "1 +2 -3",
   };
-  for (const char* text : texts) EXPECT_EQ(by_scanner(text), by_stream(text)) << '"' << text << '"';
+  for (const char* text : texts) {
+    EXPECT_EQ(by_scanner(text), by_stream(text)) << '"' << text << '"';
+    if (std::strchr(text, '\n') != nullptr) continue;
+    EXPECT_EQ(by_line_scanner(text), by_stream(text)) << '"' << text << '"';
+  }
 }
 
 TEST(NumberScanner, ReadsAnyMixOfItsCharactersAsAStreamDoes) {
@@ -168,7 +184,10 @@ TEST(NumberScanner, ReadsAnyMixOfItsCharactersAsAStreamDoes) {
     const auto texts = *rc::gen::container<std::vector<std::string>>(
         50, rc::gen::container<std::string>(
                 rc::gen::element('0', '1', '5', '9', '.', '-', '+', 'e', 'E', ' ', '\t', '\r', 'x', 'n', ',')));
-    for (const std::string& text : texts) RC_ASSERT(by_scanner(text) == by_stream(text));
+    for (const std::string& text : texts) {
+      RC_ASSERT(by_scanner(text) == by_stream(text));
+      RC_ASSERT(by_line_scanner(text) == by_stream(text));
+    }
   }));
 }
 
@@ -192,6 +211,7 @@ TEST(NumberScanner, ReadsNumbersOfAnyLengthAndSizeToTheBit) {
       line += text + *rc::gen::element<std::string>(" ", "\t", "  ", "\r", "\v");
     }
     RC_ASSERT(by_scanner(line) == by_stream(line));
+    RC_ASSERT(by_line_scanner(line) == by_stream(line));
     for (const std::string& text : texts) RC_ASSERT(by_scanner(text) == by_stream(text));
   }));
 }
@@ -208,6 +228,17 @@ TEST(NumberScanner, ReadsPrintedDoublesBackToTheBit) {
       RC_ASSERT(by_scanner(text) == by_stream(text));
     }
   }));
+}
+
+TEST(NumberScanner, OfALineStopsAtTheLinesEnd) {
+  const std::string text = "1 2 \n3\n";
+  const char* at = text.data();
+  const char* const end = text.data() + text.size() - 1;
+  double value = 0;
+  EXPECT_TRUE(qv::scan_number_of_line(at, end, value));
+  EXPECT_TRUE(qv::scan_number_of_line(at, end, value));
+  EXPECT_FALSE(qv::scan_number_of_line(at, end, value)) << "3 is on the next line";
+  EXPECT_EQ(value, 2);
 }
 
 TEST(NumberScanner, StaysWhereItIsWhenThereIsNoNumber) {
