@@ -90,7 +90,7 @@ public:
     try {
       const Plugin plugin(m_options.plugin_path);
       note_inputs(plugin);
-      Engine engine(m_model, plugin, [this](const std::string& text) { warn("subroutine", text); });
+      Engine engine(m_model, plugin, m_time, [this](const std::string& text) { warn("subroutine", text); });
       integrate(engine);
     } catch (const std::exception& error) {  // for example a fault in the set-up or a full disk
       finish(RunOutcome::failed, plain_reason(error));
@@ -162,7 +162,7 @@ private:
     for (long k = 1; k <= outputs.count(); ++k) {
       while (engine.time() < outputs.at(k)) {
         if (!engine.step(outputs.at(k))) return finish(engine.fault().outcome(), engine.fault().message());
-        for (const Finding& finding : watch.look({engine, outputs.at(k), wall_seconds()})) warn(finding);
+        look(engine, outputs.at(k), watch);
         if (m_refused) return;
         if (m_options.on_progress) {
           m_options.on_progress({engine.time(), m_model.simulation.end_time, engine.last_step(), wall_seconds()});
@@ -171,9 +171,15 @@ private:
           return finish(RunOutcome::interrupted, fmt::format("interrupted at time {}", engine.time()));
         }
       }
+      const TimeSpent::During here(m_time, Work::results);
       recorder.record(engine);
     }
     finish(RunOutcome::finished, "");
+  }
+
+  void look(const Engine& engine, double output, Watch& watch) {
+    const TimeSpent::During here(m_time, Work::watch);
+    for (const Finding& finding : watch.look({engine, output, wall_seconds()})) warn(finding);
   }
 
   void tell(const std::string& text) {
@@ -207,7 +213,8 @@ private:
   void close_record() {
     attempt([this] { check_inputs(); });
     m_record.running = false;
-    m_summary.wall_seconds = wall_seconds();
+    m_time.begin(Work::results);
+    note_time();
     try {
       m_folder->check_held();
     } catch (const std::exception& error) {  // nothing more can be written
@@ -220,6 +227,7 @@ private:
       if (m_recorder) m_recorder->close();
       m_folder->check_there(m_folder->files());
     });
+    note_time();
     attempt([this] { write_record(); });  // even if the page could not be written: the record says so
   }
 
@@ -253,6 +261,11 @@ private:
     if (page != m_summary.files.end()) std::rotate(m_summary.files.begin(), page, page + 1);
   }
 
+  void note_time() {
+    m_summary.wall_seconds = wall_seconds();
+    m_record.time_spent = m_time.shares(m_model, m_summary.wall_seconds);
+  }
+
   double wall_seconds() const {
     return m_options.seconds ? m_options.seconds() : std::chrono::duration<double>(Clock::now() - m_began).count();
   }
@@ -260,6 +273,7 @@ private:
   const Model& m_model;
   const RunOptions& m_options;
   Clock::time_point m_began;
+  TimeSpent m_time;
   std::optional<ResultsFolder> m_folder;
   RunRecord m_record;
   RunSummary m_summary;

@@ -21,11 +21,12 @@ size_t result_length(const Element& element) {
 }  // namespace
 
 ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, const ModelReadings& readings, LoadTable& loads,
-                           Fault& fault, Report report)
+                           Fault& fault, TimeSpent& time, Report report)
     : m_model(model),
       m_readings(readings),
       m_loads(loads),
       m_fault(fault),
+      m_time(time),
       m_report(std::move(report)),
       m_index(model) {
   for (const Element& element : model.elements) {
@@ -38,22 +39,27 @@ ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, const Model
   }
 }
 
-void ElementCalls::call(size_t element, CallKind kind, const SimTK::State& state) {
+void ElementCalls::call(size_t element, CallKind kind, const SimTK::State& state, bool measured) {
   if (m_fault.raised()) return;
+  ElementHost& host = *m_bound[element].host;
+  const Ticks begin = measured ? ticks_now() : 0;
+  enter(element, kind, state, measured);
+  if (measured) m_time.add_sample(element, ticks_now() - begin, host.request_time());
+  host.settle(m_fault, m_report);
+}
+
+void ElementCalls::enter(size_t element, CallKind kind, const SimTK::State& state, bool measured) {
   Bound& bound = m_bound[element];
   std::fill(bound.result.begin(), bound.result.end(), 0.0);
-  {
-    const ElementHost::Call under_way(*bound.host, state);
-    try {
-      bound.subroutine(static_cast<ServiceHost*>(bound.host.get()), state.getTime(), bound.par.data(),
-                       static_cast<int>(bound.par.size()), 0, static_cast<int>(kind), bound.result.data());
-    } catch (...) {
-      bound.host->raise(RunOutcome::failed,
-                        "the subroutine " + m_model.elements[element].subroutine + " threw an exception");
-    }
-    if (is_force(element)) check_force(element);
+  const ElementHost::Call under_way(*bound.host, state, measured);
+  try {
+    bound.subroutine(static_cast<ServiceHost*>(bound.host.get()), state.getTime(), bound.par.data(),
+                     static_cast<int>(bound.par.size()), 0, static_cast<int>(kind), bound.result.data());
+  } catch (...) {
+    bound.host->raise(RunOutcome::failed,
+                      "the subroutine " + m_model.elements[element].subroutine + " threw an exception");
   }
-  bound.host->settle(m_fault, m_report);
+  if (is_force(element)) check_force(element);
 }
 
 void ElementCalls::check_force(size_t element) {
@@ -67,22 +73,26 @@ void ElementCalls::check_force(size_t element) {
 }
 
 void ElementCalls::set_up(const SimTK::State& state) {
-  for (size_t i = 0; i < size(); ++i) call(i, CallKind::set_up, state);
+  for (size_t i = 0; i < size(); ++i) call(i, CallKind::set_up, state, false);
 }
 
 void ElementCalls::evaluate(const SimTK::State& state) {
+  const TimeSpent::During here(m_time, Work::subroutines);
+  const bool measured = m_time.samples_next(TimeSpent::Pass::evaluation);
   for (size_t i = 0; i < size(); ++i) {
     if (!is_evaluated(i)) continue;
-    call(i, CallKind::evaluation, state);
+    call(i, CallKind::evaluation, state, measured);
     if (m_fault.raised()) return;
     if (is_force(i)) m_loads.of_element(i) = find_load(i);
   }
 }
 
 void ElementCalls::after_step(const SimTK::State& state) {
+  const TimeSpent::During here(m_time, Work::subroutines);
+  const bool measured = m_time.samples_next(TimeSpent::Pass::after_step);
   for (const bool evaluated : {true, false}) {
     for (size_t i = 0; i < size(); ++i) {
-      if (is_evaluated(i) == evaluated) call(i, CallKind::converged_step, state);
+      if (is_evaluated(i) == evaluated) call(i, CallKind::converged_step, state, measured);
     }
   }
 }

@@ -6,6 +6,7 @@
 #include "solver/engine/element_host.h"
 #include "solver/engine/load_table.h"
 #include "solver/engine/plugin.h"
+#include "solver/engine/time_spent.h"
 #include "solver/model/fault.h"
 #include "solver/model/model.h"
 
@@ -27,7 +28,7 @@ public:
   /// outlive this object.
   /// @param report  is told about requests of subroutines that could not be answered; may be empty
   ElementCalls(const Model& model, const Plugin& plugin, const ModelReadings& readings, LoadTable& loads, Fault& fault,
-               Report report);
+               TimeSpent& time, Report report);
 
   /// Makes the calls at the start: all elements, in file order.
   void set_up(const SimTK::State& state);
@@ -54,7 +55,8 @@ private:
     std::unique_ptr<ElementHost> host;
   };
 
-  void call(size_t element, CallKind kind, const SimTK::State& state);
+  void call(size_t element, CallKind kind, const SimTK::State& state, bool measured);
+  void enter(size_t element, CallKind kind, const SimTK::State& state, bool measured);
   void check_force(size_t element);
   AppliedLoad find_load(size_t element) const;
 
@@ -62,6 +64,7 @@ private:
   const ModelReadings& m_readings;
   LoadTable& m_loads;
   Fault& m_fault;
+  TimeSpent& m_time;
   Report m_report;
   ServiceIndex m_index;
   std::vector<Bound> m_bound;

@@ -48,7 +48,24 @@ bool ElementHost::refuse(const char* service, const char* why, const Values&... 
   return false;
 }
 
+template <class Answer>
+bool ElementHost::timed(Answer&& answer) {
+  if (!m_measured) return answer();
+  const Ticks begin = ticks_now();
+  const bool answered = answer();
+  m_request_time += ticks_now() - begin;
+  return answered;
+}
+
 bool ElementHost::vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) {
+  return timed([&] { return find_vector(name, ids, nids, values, count); });
+}
+
+bool ElementHost::scalar_quantity(const char* name, const int* ids, int nids, double& value) {
+  return timed([&] { return find_scalar(name, ids, nids, value); });
+}
+
+bool ElementHost::find_vector(const char* name, const int* ids, int nids, double* values, int& count) {
   const std::uint64_t quantity = word(name);
   const int expected = quantity == word("AM") ? 9 : 3;
   const auto answer = [&](auto&& request) {
@@ -106,7 +123,7 @@ bool ElementHost::force(const int* ids, int nids, double* values) {
   return true;
 }
 
-bool ElementHost::scalar_quantity(const char* name, const int* ids, int nids, double& value) {
+bool ElementHost::find_scalar(const char* name, const int* ids, int nids, double& value) {
   switch (word(name)) {
     case word("VARVAL"):
       return variable_value(ids, nids, value);

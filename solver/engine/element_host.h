@@ -9,6 +9,7 @@
 #include "solver/engine/readings.h"
 #include "solver/engine/service_host.h"
 #include "solver/engine/service_index.h"
+#include "solver/engine/time_spent.h"
 #include "solver/model/fault.h"
 #include "solver/model/model.h"
 
@@ -28,7 +29,12 @@ public:
   /// lives.
   class Call {
   public:
-    Call(ElementHost& host, const SimTK::State& state) : m_host(host) { host.m_state = &state; }
+    /// @param measured  the time that sysary and sysfnc take is summed up
+    Call(ElementHost& host, const SimTK::State& state, bool measured) : m_host(host) {
+      host.m_state = &state;
+      host.m_measured = measured;
+      host.m_request_time = 0;
+    }
     ~Call() { m_host.m_state = nullptr; }
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
@@ -45,6 +51,9 @@ public:
   /// Hands on what the calls since the last time reported, in its order: a fault, and warnings.
   /// @param report  is told once about each kind of request that could not be answered; may be empty
   void settle(Fault& fault, const Report& report);
+
+  /// Of the last measured call.
+  Ticks request_time() const { return m_request_time; }
 
   bool vector_quantity(const char* name, const int* ids, int nids, double* values, int& count) override;
   bool scalar_quantity(const char* name, const int* ids, int nids, double& value) override;
@@ -65,6 +74,10 @@ private:
     bool with_reference = false;
   };
 
+  template <class Answer>
+  bool timed(Answer&& answer);
+  bool find_vector(const char* name, const int* ids, int nids, double* values, int& count);
+  bool find_scalar(const char* name, const int* ids, int nids, double& value);
   bool rotation(const int* ids, int nids, double* values);
   bool relation(const char* name, MarkerRelation kind, const int* ids, int nids, double* values);
   bool force(const int* ids, int nids, double* values);
@@ -84,6 +97,8 @@ private:
   const Model& m_model;
   const Element& m_element;
   const SimTK::State* m_state = nullptr;  ///< of the call that is under way; null between calls
+  bool m_measured = false;
+  Ticks m_request_time = 0;
   Fault m_fault;
   std::vector<std::string> m_told;  ///< warnings and refused requests since the last `settle`
   std::set<std::string> m_refused;  ///< services that could not be answered, each told once

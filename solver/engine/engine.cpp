@@ -19,13 +19,14 @@ constexpr int k_most_smallest_steps = 200;
 
 }  // namespace
 
-Engine::Engine(const Model& model, const Plugin& plugin, ElementCalls::Report report)
+Engine::Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report)
     : m_model(model),
+      m_time(time),
       m_multibody(model, m_fault),
       m_readings(m_multibody, m_fault),
       m_loads(model),
-      m_calls(model, plugin, m_readings, m_loads, m_fault, std::move(report)),
-      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_loads, m_fault)) {
+      m_calls(model, plugin, m_readings, m_loads, m_fault, time, std::move(report)),
+      m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_loads, m_fault, time)) {
   SimTK::Force::Custom(m_multibody.forces(), m_forces);
 }
 
@@ -90,6 +91,7 @@ void Engine::advance(double limit) {
 
 bool Engine::step(double limit) {
   if (m_fault.raised()) return false;
+  const TimeSpent::During here(m_time, Work::engine);
   const double before = time();
   try {
     advance(limit);
@@ -121,8 +123,13 @@ void Engine::call_after_step() {
     m_multibody.system().realize(state(), SimTK::Stage::Dynamics);
     m_readings.equations().accept(state());
   }
-  m_readings.refresh(state());
+  refresh();
   m_calls.after_step(state());
+}
+
+void Engine::refresh() {
+  const TimeSpent::During here(m_time, Work::expressions);
+  m_readings.refresh(state());
 }
 
 /// True once error control has kept the smallest step for too long. Steps that an output time cut short do not count.

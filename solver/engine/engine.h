@@ -12,6 +12,7 @@
 #include "solver/engine/multibody.h"
 #include "solver/engine/plugin.h"
 #include "solver/engine/readings.h"
+#include "solver/engine/time_spent.h"
 #include "solver/model/fault.h"
 #include "solver/model/model.h"
 
@@ -27,8 +28,8 @@ namespace qvslv {
 class Engine {
 public:
   /// @param report  is told about requests of subroutines that could not be answered; may be empty
-  /// Throws MultibodyError, ModelError or PluginError. Model and plug-in must outlive this object.
-  Engine(const Model& model, const Plugin& plugin, ElementCalls::Report report);
+  /// Throws MultibodyError, ModelError or PluginError. Model, plug-in and time must outlive this object.
+  Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report);
   ~Engine();
 
   /// Makes the state at time 0, calls the elements for their set-up, and evaluates the derivatives of the equations.
@@ -58,11 +59,13 @@ private:
   void advance(double limit);
   void start_equations();
   void call_after_step();
+  void refresh();
   void restart();
   bool creeps(double limit);
   void give_up(const std::string& why);
 
   const Model& m_model;
+  TimeSpent& m_time;
   Fault m_fault;
   Multibody m_multibody;
   ModelReadings m_readings;

@@ -32,12 +32,13 @@ SimTK::Vec3 evaluate(const std::array<StateExpression, 3>& components, const Sta
 }  // namespace
 
 EngineForces::EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, LoadTable& loads,
-                           Fault& fault)
+                           Fault& fault, TimeSpent& time)
     : m_multibody(multibody),
       m_readings(readings),
       m_calls(calls),
       m_loads(loads),
       m_fault(fault),
+      m_time(time),
       m_right_sides(multibody.model(), readings) {
   for (const AppliedForce& applied : multibody.model().forces) {
     m_applied.push_back({compile(applied.force, readings.scope()), compile(applied.torque, readings.scope())});
@@ -49,6 +50,7 @@ void EngineForces::realizeTopology(SimTK::State& state) const { m_readings.equat
 void EngineForces::calcForce(const SimTK::State& state, SimTK::Vector_<SpatialVec>& body_forces,
                              SimTK::Vector_<SimTK::Vec3>&, SimTK::Vector&) const {
   ++m_evaluations;
+  const TimeSpent::During here(m_time, Work::expressions);
   m_readings.refresh(state);
   evaluate_loads(state);
   if (!m_fault.raised()) apply_loads(body_forces);

@@ -8,6 +8,7 @@
 #include "solver/engine/multibody.h"
 #include "solver/engine/readings.h"
 #include "solver/engine/right_sides.h"
+#include "solver/engine/time_spent.h"
 #include "solver/model/fault.h"
 #include "solver/model/state_expression.h"
 
@@ -28,8 +29,8 @@ void apply_load(const Multibody& multibody, const MarkerMotions& markers, const 
 class EngineForces : public SimTK::Force::Custom::Implementation {
 public:
   /// Throws ModelError for expressions that cannot be compiled. The arguments must outlive this object.
-  EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, LoadTable& loads,
-               Fault& fault);
+  EngineForces(const Multibody& multibody, ModelReadings& readings, ElementCalls& calls, LoadTable& loads, Fault& fault,
+               TimeSpent& time);
 
   void realizeTopology(SimTK::State& state) const override;
   void calcForce(const SimTK::State& state, SimTK::Vector_<SimTK::SpatialVec>& body_forces,
@@ -53,6 +54,7 @@ private:
   ElementCalls& m_calls;
   LoadTable& m_loads;
   Fault& m_fault;
+  TimeSpent& m_time;
   std::vector<Components> m_applied;
   RightSides m_right_sides;
   mutable long m_evaluations = 0;

@@ -37,7 +37,7 @@ void MarkerMotions::take(const SimTK::State& state) {
       body = placed.body;
       motion = m_multibody.find_body_motion(state, body);
     }
-    Slot& slot = m_slots[static_cast<size_t>(marker + 1)];
+    Slot& slot = m_slots[place_of(marker)];
     slot.motion = find_motion_on_body(placed.in_body, motion);
     slot.found_at.store(m_now, std::memory_order_release);
   }
@@ -45,7 +45,7 @@ void MarkerMotions::take(const SimTK::State& state) {
 
 void MarkerMotions::find(int marker) const {
   const std::lock_guard<std::mutex> alone(m_finding);
-  Slot& slot = m_slots[static_cast<size_t>(marker + 1)];
+  Slot& slot = m_slots[place_of(marker)];
   if (slot.found_at.load(std::memory_order_relaxed) >= m_now) return;  // found by another thread meanwhile
   slot.motion = m_multibody.find_motion(*m_state, marker);
   const bool fixed = marker == k_none || m_multibody.marker(marker).body == SimTK::GroundIndex;

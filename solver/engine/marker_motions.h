@@ -30,7 +30,7 @@ public:
 
   /// @param marker  index into Model::markers; k_none is the ground frame
   const MarkerMotion& of(int marker) const {
-    const Slot& slot = m_slots[static_cast<size_t>(marker + 1)];
+    const Slot& slot = m_slots[place_of(marker)];
     if (slot.found_at.load(std::memory_order_acquire) < m_now) find(marker);
     return slot.motion;
   }
@@ -44,6 +44,7 @@ private:
     std::atomic<long> found_at = 0;  ///< m_now when it was found
   };
 
+  static size_t place_of(int marker) { return static_cast<size_t>(marker) + 1; }  ///< of k_none, -1: 0
   void find(int marker) const;
 
   const Multibody& m_multibody;

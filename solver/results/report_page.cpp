@@ -27,6 +27,7 @@ extern const std::string_view replay_js;
 extern const std::string_view player_js;
 extern const std::string_view curve_style_js;
 extern const std::string_view header_js;
+extern const std::string_view time_spent_js;
 extern const std::string_view plots_js;
 extern const std::string_view main_js;
 }  // namespace page_files
@@ -57,7 +58,7 @@ void add_scripts(TextPieces& text) {
   using namespace page_files;
   for (const std::string_view script :
        {three_js, chart_js, theme_js, page_data_js, color_map_js, camera_js, labels_js, body_shapes_js, terrain_js,
-        afloat_js, replay_js, player_js, header_js, curve_style_js, plots_js, main_js}) {
+        afloat_js, replay_js, player_js, header_js, time_spent_js, curve_style_js, plots_js, main_js}) {
     text.add_lasting("<script>\n");
     text.add_lasting(script);
     text.add_lasting("</script>\n");

@@ -75,6 +75,18 @@ Json warnings(const RunRecord& record) {
   return list;
 }
 
+Json time_spent(const RunRecord& record) {
+  Json list = Json::array();
+  for (const TimeShare& entry : record.time_spent) {
+    Json json = {{"part", entry.part}};
+    if (!entry.element.empty()) json["element"] = entry.element;
+    json["seconds"] = entry.seconds;
+    json["share"] = entry.share;
+    list.push_back(json);
+  }
+  return list;
+}
+
 Json run_summary(const Model& model, const RunRecord& record) {
   const RunSummary& summary = record.summary;
   Json json;
@@ -93,6 +105,7 @@ Json run_summary(const Model& model, const RunRecord& record) {
   json["messages"] = record.messages;
   json["time_reached"] = summary.time;
   json["wall_seconds"] = summary.wall_seconds;
+  json["time_spent"] = time_spent(record);
   json["steps"] = summary.steps;
   json["evaluations"] = summary.evaluations;
   json["files"] = summary.files;

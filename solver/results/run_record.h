@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "solver/data_files/input_file.h"
+#include "solver/engine/time_spent.h"
 #include "solver/model/finding.h"
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
@@ -16,6 +17,7 @@ struct RunRecord {
   std::string command;                 ///< the command line as typed
   std::vector<std::string> overrides;  ///< --set texts
   RunSummary summary;
+  std::vector<TimeShare> time_spent;  ///< parts of RunSummary::wall_seconds
   std::string model_text;             ///< of the model file
   std::string resolved_model;         ///< JSON text of the model's document after all overrides
   std::vector<InputFile> inputs;      ///< all files that the run depends on

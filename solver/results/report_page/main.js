@@ -4,6 +4,7 @@
 (() => {
   const { data, byId } = page;
   fillHeader();
+  fillTimeSpent();
   makePlots();
   let replay = null;
   if (!page.frames) noReplay('The run ended before its first frame: there is nothing to replay.');
