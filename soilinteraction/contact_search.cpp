@@ -12,17 +12,6 @@ namespace {
 
 using qvsoilrdf::CRoad;
 
-/// Whether the point is higher than everything in its cell, by more than rounding: it is then out of contact, whatever
-/// triangle the search would find. Never true of heights that overflow in the search, because those become NaN, which
-/// is in contact.
-bool clear_above(const CRoad& road, const kinematics& k, std::size_t cell, double x, double y, double z) {
-  constexpr double k_far = 1e100, k_rounding = 1e-13;
-  const double slack = k_rounding * (std::fabs(x) + std::fabs(y) + std::fabs(z));
-  // Without short cuts: whether a point is above is as good as random to the processor's guesses.
-  return bool(int(k.road_is_rigidly_placed) & int(z - slack > static_cast<double>(road.cells.top(cell))) &
-              int(z < k_far));
-}
-
 [[noreturn]] void refuse_place(const CRoad& road, double px, const qv::fault_channel& channel) {
   const bool x = std::isnan(px);
   qv::fault(std::string("SOIL INTERACTION ERROR : The ") + (x ? "x" : "y") +
@@ -44,19 +33,13 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const kinematics& k, body_bl
 }
 
 void keep_points_on_road(const CRoad& road, contact_block& block, const qv::fault_channel& channel) {
+  const bool has_cells = !road.cells.empty();
   for (int i = 0; i < block.count; ++i) {
-    const double x = block.at.p.x[i], y = block.at.p.y[i];
-    if (std::isnan(x) || std::isnan(y)) refuse_place(road, x, channel);
-    if (!road.cells.empty()) keep_near(road, i, block);
-  }
-}
-
-/// Prefetches the facets that the lists of the points' cells name. Neighbouring points mostly share a cell.
-void prefetch_facets(const CRoad& road, const search_point* points, int count) {
-  for (int i = 0; i < count; ++i) {
-    if (i > 0 && points[i].cell == points[i - 1].cell) continue;
-    for (const std::int32_t number : road.cells.list(points[i].cell)) {
-      __builtin_prefetch(&road.facets[static_cast<std::size_t>(number - 1)]);
+    if (block.at.column[i] < 0.0) {
+      const double x = block.at.p.x[i], y = block.at.p.y[i];
+      if (std::isnan(x) || std::isnan(y)) refuse_place(road, x, channel);
+    } else if (has_cells) {
+      keep_near(road, i, block);
     }
   }
 }
@@ -192,22 +175,24 @@ void set_shear_displacement(const Croad_contact& rc, int c, contact_rows& rows) 
 
 }  // namespace
 
-void drop_points_above(const CRoad& road, const kinematics& k, contact_block& block) {
+void drop_points_above(const CRoad& road, contact_block& block) {
   search_point* points = block.near;
   int kept = 0;
   for (int i = 0; i < block.near_count; ++i) {
-    road.make_ready(points[i].cell);
     const search_point point = points[i];
-    const vectors& p = block.at.p;
+    road.make_ready(point.cell);
+    // Without a branch: whether a point is above is as good as random to the processor's guesses.
     points[kept] = point;
-    kept += clear_above(road, k, point.cell, p.x[point.index], p.y[point.index], p.z[point.index]) ? 0 : 1;
+    kept += block.at.floor[point.index] > static_cast<double>(road.cells.top(point.cell)) ? 0 : 1;
   }
   block.near_count = kept;
   for (int i = 0; i < kept; ++i) {
-    __builtin_prefetch(road.cells.list(points[i].cell).begin());
     prefetch_history(*block.points[points[i].index]);
+    if (i > 0 && points[i].cell == points[i - 1].cell) continue;  // neighbouring points mostly share a cell
+    for (const std::int32_t number : road.cells.list(points[i].cell)) {
+      __builtin_prefetch(&road.facets[static_cast<std::size_t>(number - 1)]);
+    }
   }
-  prefetch_facets(road, points, kept);
 }
 
 void find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_maker& frames,
@@ -222,7 +207,7 @@ void find_contacts(void* handle, const CRoad& road, const kinematics& k, frame_m
 void place_points(const CRoad& road, const kinematics& k, body_block& block, const qv::fault_channel& channel) {
   find_places(road, k, block);
   keep_points_on_road(road, block.contact, channel);
-  drop_points_above(road, k, block.contact);
+  drop_points_above(road, block.contact);
 }
 
 void get_contact_info(void* handle, const CRoad& road, int shape, const kinematics& k, frame_maker& frames,

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "common/call/messages.h"
 #include "soilinteraction/contact_frames.h"
@@ -29,8 +30,9 @@ namespace qvsoilinteraction {
 struct road_places {
   vectors relative;        ///< from the road base marker, ground axes [length]
   vectors p;               ///< the same, road axes
-  double column[k_block];  ///< column of the cell under a point, not truncated
+  double column[k_block];  ///< column of the cell under a point, not truncated; -1 beyond the road's extent
   double row[k_block];     ///< row, likewise
+  double floor[k_block];   ///< the point is certainly not lower than this, road axes [length]; else minus infinity
 };
 
 /// A point of a block for which a triangle is searched.
@@ -116,18 +118,27 @@ QV_IN_LOOPS void find_road_places(const qvsoilrdf::CRoad& road, const kinematics
   }
   rotate(k.A5t, at.relative, at.p, count);
   const double x_offset = road.x_offset, y_offset = road.y_offset, dx = road.cell_dx, dy = road.cell_dy;
+  const double x_min = road.x_min, x_max = road.x_max, y_min = road.y_min, y_max = road.y_max;
   for (int i = 0; i < count; ++i) {
     // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): rotate has filled `count` of them
-    at.column[i] = (at.p.x[i] + x_offset) / dx;
-    at.row[i] = (at.p.y[i] + y_offset) / dy;
+    const double x = at.p.x[i], y = at.p.y[i];
+    const bool inside = (x >= x_min) & (x <= x_max) & (y >= y_min) & (y <= y_max);
+    at.column[i] = inside ? (x + x_offset) / dx : -1.0;
+    at.row[i] = (y + y_offset) / dy;
+  }
+  // Heights that overflow in the search become NaN there, which is in contact: of them nothing is certain. Nor is it if
+  // the road's axes are no rotation, for then a height may have another sign in ground axes.
+  constexpr double k_far = 1e100, k_rounding = 1e-13;
+  const double limit = k.road_is_rigidly_placed ? k_far : -std::numeric_limits<double>::infinity();
+  for (int i = 0; i < count; ++i) {
+    const double z = at.p.z[i];
+    const double slack = k_rounding * (std::fabs(at.p.x[i]) + std::fabs(at.p.y[i]) + std::fabs(z));
+    at.floor[i] = z < limit ? z - slack : -std::numeric_limits<double>::infinity();
   }
 }
 
-/// Adds point i to the block's near points if it is inside the road's extent.
-/// Precondition: the road has cells; the point's x and y on it are not NaN.
+/// Adds point i, which is inside the road's extent, to the block's near points. Precondition: the road has cells.
 inline void keep_near(const qvsoilrdf::CRoad& road, int i, contact_block& block) {
-  const double p[2] = {block.at.p.x[i], block.at.p.y[i]};
-  if (out_of_extent(road, p)) return;
   const std::size_t cell = cell_at(road, block.at.column[i], block.at.row[i]);
   __builtin_prefetch(road.cells.data(cell));
   block.near[block.near_count++] = {i, cell};
@@ -135,7 +146,7 @@ inline void keep_near(const qvsoilrdf::CRoad& road, int i, contact_block& block)
 
 /// Drops the near points that are higher than everything in their cell and prefetches the triangles of the other
 /// points' cells, and the history of those points.
-void drop_points_above(const qvsoilrdf::CRoad& road, const kinematics& k, contact_block& block);
+void drop_points_above(const qvsoilrdf::CRoad& road, contact_block& block);
 
 /// Finds the triangles under the near points, the contact frames over them and the sinkages, and makes rows of the
 /// points in contact. Of these it sets what stands before `area_ratio`, which becomes that of a plate.

@@ -1,6 +1,5 @@
 #include "soilinteraction/facet_search.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "qvbrisk/constants.h"
@@ -8,7 +7,6 @@
 namespace qvsoilinteraction {
 namespace {
 
-using qvsoilrdf::CFacet;
 using qvsoilrdf::CNode;
 using qvsoilrdf::corner_numbers;
 using qvsoilrdf::CRoad;
@@ -16,8 +14,6 @@ using qvsoilrdf::CRoad;
 constexpr double k_first_edge_tolerance = 0.000153;
 constexpr double k_edge_tolerance = 0.0001;
 constexpr double k_angle_tolerance = 0.0001;  // [deg]
-// Barycentric coordinates beyond this are certain: the gradients are floats, whose rounding is smaller.
-constexpr double k_clear_of_edges = 1e-5;
 
 /// Unit vectors from the point to the triangle's corners in the plan; false if the point is on a corner.
 bool directions_to_corners(const CRoad& road, const corner_numbers& element, const double* p,
@@ -51,33 +47,11 @@ bool appears_inside(const CRoad& road, const corner_numbers& element, const doub
   return 360.0 - k_angle_tolerance <= sum && sum <= 360.0 + k_angle_tolerance;
 }
 
-/// The same answer as appears_inside, from the barycentric coordinates l, m, 1 - l - m if these are certain of it.
-bool holds(const CRoad& road, std::int32_t number, const double* p, double edge_tolerance) {
-  const CFacet& facet = road.facets[static_cast<std::size_t>(number - 1)];
-  const double x = p[0] - facet.corner[0];
-  const double y = p[1] - facet.corner[1];
-  const double l = static_cast<double>(facet.gradient[0]) * x + static_cast<double>(facet.gradient[1]) * y;
-  const double m = static_cast<double>(facet.gradient[2]) * x + static_cast<double>(facet.gradient[3]) * y;
-  const double least = std::min(std::min(l, m), 1.0 - l - m);
-  if (least > k_clear_of_edges) return true;
-  if (least < -road.facet_reach) return false;
-  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p, edge_tolerance,
-                        least < -k_clear_of_edges);
-}
-
 }  // namespace
 
-int find_facet(const CRoad& road, std::size_t cell, const double* p, std::int32_t& found) {
-  double edge_tolerance = k_first_edge_tolerance;
-  found = 0;
-  for (const std::int32_t number : road.cells.list(cell)) {
-    if (holds(road, number, p, edge_tolerance)) {
-      found = number;
-      break;
-    }
-    edge_tolerance = k_edge_tolerance;
-  }
-  return k_in_extent;
+bool is_seen_inside(const CRoad& road, std::int32_t number, const double* p, bool first, double least) {
+  return appears_inside(road, road.elements[static_cast<std::size_t>(number - 1)], p,
+                        first ? k_first_edge_tolerance : k_edge_tolerance, least < -k_clear_of_edges);
 }
 
 void store_hole(Croad_contact& rc) {

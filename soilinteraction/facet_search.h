@@ -50,9 +50,37 @@ inline std::size_t cell_of(const qvsoilrdf::CRoad& road, const double* p) {
   return cell_at(road, (p[0] + road.x_offset) / road.cell_dx, (p[1] + road.y_offset) / road.cell_dy);
 }
 
+/// Barycentric coordinates beyond this are certain: the gradients are floats, whose rounding is smaller.
+constexpr double k_clear_of_edges = 1e-5;
+
+/// The least of the three barycentric coordinates of (x, y) in a triangle, all of them 0 or more inside; NaN over a
+/// thin triangle.
+inline double least_coordinate(const qvsoilrdf::CFacet& facet, double x, double y) {
+  const double from_x = x - facet.corner[0], from_y = y - facet.corner[1];
+  const double l = static_cast<double>(facet.gradient[0]) * from_x + static_cast<double>(facet.gradient[1]) * from_y;
+  const double m = static_cast<double>(facet.gradient[2]) * from_x + static_cast<double>(facet.gradient[3]) * from_y;
+  return std::min(std::min(l, m), 1.0 - l - m);
+}
+
+/// Whether a triangle holds the point by the angles under which it is seen, if its coordinates are not certain of it.
+/// @param first  it is the first triangle of the search    @param least  its least_coordinate
+bool is_seen_inside(const qvsoilrdf::CRoad& road, std::int32_t number, const double* p, bool first, double least);
+
 /// Finds the number of the first triangle in the cell's list that holds the point; 0: none does.
 /// @return  k_in_extent. Kept: the status is here for the branch that callers have for k_search_failed.
-int find_facet(const qvsoilrdf::CRoad& road, std::size_t cell, const double* p, std::int32_t& found);
+inline int find_facet(const qvsoilrdf::CRoad& road, std::size_t cell, const double* p, std::int32_t& found) {
+  const double reach = road.facet_reach;
+  const qvsoilrdf::element_list list = road.cells.list(cell);
+  found = 0;
+  for (const std::int32_t* at = list.begin(); at != list.end(); ++at) {
+    const double least = least_coordinate(road.facets[static_cast<std::size_t>(*at - 1)], p[0], p[1]);
+    if (least < -reach) continue;
+    if (!(least > k_clear_of_edges || is_seen_inside(road, *at, p, at == list.begin(), least))) continue;
+    found = *at;
+    break;
+  }
+  return k_in_extent;
+}
 
 /// Stores what a point over no triangle gets: a zero facet normal and a plane constant of NaN.
 void store_hole(Croad_contact& rc);

@@ -121,9 +121,9 @@ void place_points_mtl(const CRoad& road, const track_motion& motion, const belt_
   if (road.cells.empty()) return;
   const vectors& p = block.at.p;
   for (int i = 0; i < block.count; ++i) {
-    if (std::isfinite(p.x[i]) && std::isfinite(p.y[i]) && std::isfinite(p.z[i])) keep_near(road, i, block);
+    if (block.at.column[i] >= 0.0 && std::isfinite(p.z[i])) keep_near(road, i, block);
   }
-  drop_points_above(road, motion.k, block);
+  drop_points_above(road, block);
 }
 
 void get_contact_info_mtl(void* handle, const CRoad& road, const track_motion& motion, const span_motion& span,
