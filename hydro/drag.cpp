@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "common/kernels/powers.h"
+
 namespace qvhydro {
 
 coefficients::coefficients(const Chydro_force& element, const Chydro_force_sub& sub) {
@@ -16,7 +18,7 @@ coefficients::coefficients(const Chydro_force& element, const Chydro_force_sub& 
   tangential = (u.mass / (u.length * u.time)) * element.drag_scale * (sub.tangential_coef * sub.scale / 3.0);
   tangential_exp = sub.tangential_exp;
   normal_units = L2 / T2;
-  tangential_units = std::pow(u.length / u.time, sub.tangential_exp);
+  tangential_units = qv::power(u.length / u.time, sub.tangential_exp);
 }
 
 void drag_block::add(const double* normal, double area, const node_state* const corners[3], int reached) {
@@ -72,7 +74,10 @@ QV_WIDE_VECTORS void drag_block::find_speeds(int n) {
 }
 
 void drag_block::find_powers(int n, double exponent) {
-  for (int i = 0; i < m_count; ++i) m_power[n][i] = n < m_reached[i] ? std::pow(m_speed[n][i], exponent) : 0.0;
+  row speeds;
+  for (int i = 0; i < m_count; ++i) speeds[i] = n < m_reached[i] ? m_speed[n][i] : 1.0;
+  qv::powers(speeds, exponent, m_power[n], m_count);
+  for (int i = 0; i < m_count; ++i) m_power[n][i] = n < m_reached[i] ? m_power[n][i] : 0.0;
 }
 
 /// Pressure drag if the corner runs into the water, and friction against its motion along the patch. Corners that were

@@ -17,14 +17,13 @@ constexpr int k_plate = 1;  ///< shape of a body; any other value is a wheel
 /// A power that is mostly asked for with the same arguments as the last time: it is then not computed again.
 class remembered_power {
 public:
-  double of(double base, double exponent) {
-    if (base != m_base || exponent != m_exponent) {
-      m_base = base;
-      m_exponent = exponent;
-      m_value = std::pow(base, exponent);
-    }
-    return m_value;
+  bool knows(double base, double exponent) const { return base == m_base && exponent == m_exponent; }
+  void remember(double base, double exponent, double value) {
+    m_base = base;
+    m_exponent = exponent;
+    m_value = value;
   }
+  double value() const { return m_value; }
 
 private:
   double m_base = 1.0;

@@ -1,54 +1,219 @@
 #include "soilinteraction/soil_laws.h"
 
+#include <algorithm>
+
 #include "common/call/messages.h"
 
 namespace qvsoilinteraction {
 namespace {
 
+using qv::k_block;
+
 constexpr double k_hump_scale = 0.6321205588285577;  // 1 - 1/e
 
-/// The damping coefficient D of set_loads at depth z.
-/// @param power  z^(n - 1)
-double damping_coefficient(const soil_law& law, double z, double power) {
-  const double scaled = z * law.bekker.s;
-  const double a3 = scaled == z ? power : std::pow(scaled, law.bekker.n - 1.0);
-  const double base = law.damping_scale * a3;
-  return z < law.bekker.zb ? base * z / law.bekker.zb : base;
-}
+/// Points in contact, side by side for loops that are vectorised. What the loops need of the laws is copied to local
+/// constants: the compiler can then assume that writes to rows do not change it.
+class point_rows {
+public:
+  point_rows(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
+             Csoil_contact* const* soil_contacts, int count)
+      : m_law(law), m_patch(patch), m_rc(road_contacts), m_sc(soil_contacts), m_count(count) {}
 
-void set_sinkage(const soil_law& law, const contact_patch& patch, Croad_contact& rc, Csoil_contact& sc) {
-  rc.damping = 0.0;
-  sc.effective_area = get_effective_area(patch, rc.area_ratio);
-  sc.dynamic_sinkage = get_dynamic_sinkage(law.dynamic, rc.last_pressure, rc.shear_disp, rc.last_pressure_power);
-  sc.static_sinkage = get_static_sinkage(sc.dynamic_sinkage, rc.sinkage);
-}
-
-void set_normal_load(const soil_law& law, Croad_contact& rc, Csoil_contact& sc) {
-  double power = 0.0;
-  rc.pressure = get_bekker_normal_pressure(law, sc.static_sinkage, power, rc.secant_stiffness);
-  sc.pressure = -rc.pressure;
-  if (!(sc.pressure > 0.0)) {
-    sc.pressure = 0.0;  // kept: the three normal forces are not cleared (test: StaleNormalForce)
-    return;
+  void set_loads() {
+    fetch();
+    find_areas();
+    find_pressure_powers();
+    find_shear_powers();
+    find_sinkages();
+    find_depth_powers();
+    find_normal_loads();
+    for (int along = 0; along < 2; ++along) find_shear_stress(along);
+    store();
   }
-  sc.pressure_force = sc.effective_area * sc.pressure;
-  rc.damping = damping_coefficient(law, std::fabs(sc.static_sinkage), power);
-  const double s = law.bekker.s;
-  sc.damping_force = std::fabs(rc.normal_velocity * s / law.bekker.t) * sc.effective_area *
-                     -qv::fsign(rc.normal_velocity) * rc.damping * (s * s);
-  const double force = sc.damping_force + sc.pressure_force;
-  sc.normal_force = force > 0.0 ? force : 0.0;
+
+private:
+  using row = double[k_block];
+
+  void fetch();
+  void find_areas();
+  void find_pressure_powers();
+  void find_shear_powers();
+  void find_sinkages();
+  void find_depth_powers();
+  void find_normal_loads();
+  void find_shear_stress(int along);
+  void store() const;
+
+  const soil_law& m_law;
+  const contact_patch& m_patch;
+  Croad_contact* const* m_rc;
+  Csoil_contact* const* m_sc;
+  int m_count;
+
+  // As fetched.
+  row m_area_ratio, m_sinkage, m_last_pressure, m_normal_velocity;
+  row m_shear_disp[2], m_slip_velocity[2];
+
+  row m_area;
+  row m_pressure_power, m_shear_power;  ///< of the dynamic sinkage law
+  row m_dynamic_sinkage, m_static_sinkage;
+  row m_depth;                    ///< |static sinkage|
+  row m_power, m_damping_power;   ///< depth^(n - 1), (depth s)^(n - 1); 1 at depth 0, where nothing needs them
+  row m_secant, m_road_pressure;  ///< of Bekker's law, the pressure negative in compression
+  row m_pressure;                 ///< on the body: positive in compression, or 0
+  row m_damping;                  ///< coefficient
+  row m_pressure_force, m_damping_force, m_normal_force;
+  row m_strength;  ///< of the soil over its sensitivity
+  row m_shear_stress[2];
+};
+
+void point_rows::fetch() {
+  for (int i = 0; i < m_count; ++i) {
+    const Croad_contact& rc = *m_rc[i];
+    m_area_ratio[i] = rc.area_ratio;
+    m_sinkage[i] = rc.sinkage;
+    m_last_pressure[i] = rc.last_pressure;
+    m_normal_velocity[i] = rc.normal_velocity;
+    for (int along = 0; along < 2; ++along) {
+      m_shear_disp[along][i] = rc.shear_disp[along];
+      m_slip_velocity[along][i] = rc.slip_velocity[along];
+    }
+  }
 }
 
-void set_shear_load(const soil_law& law, const Croad_contact& rc, Csoil_contact& sc) {
-  const double strength = shear_strength(law, sc.pressure);
-  sc.shear_stress_1 = get_wong_shear_pressure(law, strength, rc.shear_disp[0], rc.slip_velocity[0]);
-  sc.shear_stress_2 = get_wong_shear_pressure(law, strength, rc.shear_disp[1], rc.slip_velocity[1]);
-  if (law.hard) {
-    sc.shear_force_1 = sc.shear_force_2 = sc.normal_force * rc.concrete_friction;
+QV_WIDE_VECTORS void point_rows::find_areas() {
+  const contact_patch patch = m_patch;
+  for (int i = 0; i < m_count; ++i) m_area[i] = get_effective_area(patch, m_area_ratio[i]);
+}
+
+/// (last pressure / critical pressure)^e1 of each point, computed only for those whose pressure has changed.
+QV_WIDE_VECTORS void point_rows::find_pressure_powers() {
+  const double critical = m_law.dynamic.critical_pressure, e1 = m_law.dynamic.exponent_pr;
+  if (critical == 0.0) return;
+  row bases, powers;
+  int place[k_block], changed = 0;
+  for (int i = 0; i < m_count; ++i) bases[i] = m_last_pressure[i] / critical;
+  for (int i = 0; i < m_count; ++i) {
+    const remembered_power& known = m_rc[i]->last_pressure_power;
+    m_pressure_power[i] = known.value();
+    if (known.knows(bases[i], e1)) continue;
+    bases[changed] = bases[i];
+    place[changed++] = i;
+  }
+  if (changed == 0) return;
+  qv::powers(bases, e1, powers, changed);
+  for (int k = 0; k < changed; ++k) {
+    m_pressure_power[place[k]] = powers[k];
+    m_rc[place[k]]->last_pressure_power.remember(bases[k], e1, powers[k]);
+  }
+}
+
+/// (j1^2 + j2^2)^e2 of each point.
+QV_WIDE_VECTORS void point_rows::find_shear_powers() {
+  if (m_law.dynamic.critical_pressure == 0.0) return;
+  row squares, bases;
+  for (int i = 0; i < m_count; ++i) {
+    const double g = m_shear_disp[1][i] * m_shear_disp[1][i] + m_shear_disp[0][i] * m_shear_disp[0][i];
+    squares[i] = g;
+    bases[i] = g > 0.0 ? g : 1.0;
+  }
+  qv::powers(bases, m_law.dynamic.exponent_sd, m_shear_power, m_count);
+  for (int i = 0; i < m_count; ++i) m_shear_power[i] = squares[i] > 0.0 ? m_shear_power[i] : 0.0;
+}
+
+QV_WIDE_VECTORS void point_rows::find_sinkages() {
+  const double c = m_law.dynamic.coefficient_ds;
+  if (m_law.dynamic.critical_pressure == 0.0) {
+    std::fill_n(m_dynamic_sinkage, m_count, 0.0);
   } else {
-    sc.shear_force_1 = sc.shear_stress_1 * sc.effective_area;
-    sc.shear_force_2 = sc.shear_stress_2 * sc.effective_area;
+    for (int i = 0; i < m_count; ++i)
+      m_dynamic_sinkage[i] = get_dynamic_sinkage(c, m_pressure_power[i], m_shear_power[i]);
+  }
+  for (int i = 0; i < m_count; ++i) {
+    m_static_sinkage[i] = get_static_sinkage(m_dynamic_sinkage[i], m_sinkage[i]);
+    m_depth[i] = std::fabs(m_static_sinkage[i]);
+  }
+}
+
+void point_rows::find_depth_powers() {
+  const double n = m_law.bekker.n, s = m_law.bekker.s;
+  row bases;
+  for (int i = 0; i < m_count; ++i) bases[i] = m_depth[i] == 0.0 ? 1.0 : m_depth[i];
+  qv::powers(bases, n - 1.0, m_power, m_count);
+  if (s == 1.0) {
+    std::copy_n(m_power, m_count, m_damping_power);
+  } else {
+    for (int i = 0; i < m_count; ++i) bases[i] *= s;
+    qv::powers(bases, n - 1.0, m_damping_power, m_count);
+  }
+}
+
+QV_WIDE_VECTORS void point_rows::find_normal_loads() {
+  const soil_law law = m_law;
+  const bekker_parameters& b = law.bekker;
+  const bool no_width = b.b == 0.0;
+  for (int i = 0; i < m_count; ++i) {
+    const double depth = m_depth[i];
+    m_secant[i] = get_secant_stiffness(law.stiffness, m_power[i]);
+    const double bekker = get_bekker_normal_pressure(m_secant[i], depth);
+    const double pressure = (depth == 0.0) | no_width ? 0.0 : bekker;
+    m_road_pressure[i] = pressure;
+    m_pressure[i] = -pressure > 0.0 ? -pressure : 0.0;
+    const double damping = damping_coefficient(law.damping_scale, m_damping_power[i], depth, b.zb);
+    m_damping[i] = m_pressure[i] > 0.0 ? damping : 0.0;
+  }
+  for (int i = 0; i < m_count; ++i) {
+    m_strength[i] = shear_strength(law, m_pressure[i]);
+    m_pressure_force[i] = m_area[i] * m_pressure[i];
+    m_damping_force[i] = get_damping_force(m_normal_velocity[i], b.s, b.t, m_area[i], m_damping[i]);
+    const double force = m_damping_force[i] + m_pressure_force[i];
+    m_normal_force[i] = force > 0.0 ? force : 0.0;
+  }
+}
+
+QV_WIDE_VECTORS void point_rows::find_shear_stress(int along) {
+  const row& j = m_shear_disp[along];
+  const row& v = m_slip_velocity[along];
+  row falling, rest;
+  const double K = m_law.wong.max_shear_disp, hump = m_law.hump;
+  for (int i = 0; i < m_count; ++i) {
+    const double r = shear_ratio(j[i], K);
+    falling[i] = 1.0 - r;
+    rest[i] = -r;
+  }
+  qv::exponentials(falling, falling, m_count);
+  qv::exponentials(rest, rest, m_count);
+  row& stress = m_shear_stress[along];
+  for (int i = 0; i < m_count; ++i) {
+    stress[i] = get_wong_shear_pressure(hump, m_strength[i], falling[i], rest[i], v[i]);
+  }
+}
+
+void point_rows::store() const {
+  const bool no_width = m_law.bekker.b == 0.0;
+  for (int i = 0; i < m_count; ++i) {
+    Croad_contact& rc = *m_rc[i];
+    Csoil_contact& sc = *m_sc[i];
+    sc.effective_area = m_area[i];
+    sc.dynamic_sinkage = m_dynamic_sinkage[i];
+    sc.static_sinkage = m_static_sinkage[i];
+    if (!(m_depth[i] == 0.0 || no_width)) rc.secant_stiffness = m_secant[i];
+    rc.pressure = m_road_pressure[i];
+    rc.damping = m_damping[i];
+    sc.pressure = m_pressure[i];
+    if (m_pressure[i] > 0.0) {  // kept: the three normal forces are not cleared (test: StaleNormalForce)
+      sc.pressure_force = m_pressure_force[i];
+      sc.damping_force = m_damping_force[i];
+      sc.normal_force = m_normal_force[i];
+    }
+    sc.shear_stress_1 = m_shear_stress[0][i];
+    sc.shear_stress_2 = m_shear_stress[1][i];
+    if (m_law.hard) {
+      sc.shear_force_1 = sc.shear_force_2 = sc.normal_force * rc.concrete_friction;
+    } else {
+      sc.shear_force_1 = sc.shear_stress_1 * sc.effective_area;
+      sc.shear_force_2 = sc.shear_stress_2 * sc.effective_area;
+    }
   }
 }
 
@@ -64,16 +229,17 @@ soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
       stiffness(bekker.kc / width + bekker.kphi),
       tan_phi(std::tan(wong.friction_angle)),
       hump(wong.sensitivity / k_hump_scale - 1.0) {
-  const double a1 = std::pow(1.0 / bekker.s, bekker.n + 1.0);
-  const double a2 = std::pow(1.0 / bekker.s, bekker.n + 2.0);
+  const double a1 = qv::power(1.0 / bekker.s, bekker.n + 1.0);
+  const double a2 = qv::power(1.0 / bekker.s, bekker.n + 2.0);
   damping_scale = (bekker.kphi * a2 + bekker.kc * a1 / (bekker.b * bekker.s)) * bekker.zeta;
 }
 
 void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                Csoil_contact* const* soil_contacts, int count) {
-  for (int i = 0; i < count; ++i) set_sinkage(law, patch, *road_contacts[i], *soil_contacts[i]);
-  for (int i = 0; i < count; ++i) set_normal_load(law, *road_contacts[i], *soil_contacts[i]);
-  for (int i = 0; i < count; ++i) set_shear_load(law, *road_contacts[i], *soil_contacts[i]);
+  for (int done = 0; done < count; done += k_block) {
+    point_rows rows(law, patch, road_contacts + done, soil_contacts + done, std::min(count - done, k_block));
+    rows.set_loads();
+  }
 }
 
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,

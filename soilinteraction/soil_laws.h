@@ -3,11 +3,14 @@
 #include <cmath>
 
 #include "common/call/messages.h"
+#include "common/kernels/powers.h"
+#include "common/kernels/vectors.h"
 #include "soilinteraction/contact_records.h"
 
 /// Pressure and shear of the soil under one contact point, and the force they make. Lengths, forces and times in
 /// the model's units. Pure functions of their arguments and the point's records. What is constant over an element is
 /// computed once per call (soil_law), with the same operations in the same order as if it were done for each point.
+/// The laws take their powers and exponentials as arguments, since set_loads computes those of many points at a time.
 namespace qvsoilinteraction {
 
 /// Bekker's parameters as an element uses them.
@@ -54,55 +57,75 @@ inline double get_effective_area(const contact_patch& patch, double area_ratio) 
   return length * patch.w / points;
 }
 
-/// Sinkage that shearing adds (slip sinkage): -c (p_last / p_critical)^e1 (j1^2 + j2^2)^e2, or 0 without a critical
-/// pressure. The pressure is that of the last converged step, so the correction lags one step behind. A negative
-/// ratio under a fractional exponent gives NaN, which shows in the result.
-/// @param last_pressure  of the last converged step, positive in compression    @param shear_disp  j1, j2 [length]
-/// @param power  remembers the pressure's power, which stays the same between converged steps
-/// @return       [length], 0 or negative unless c is negative
-inline double get_dynamic_sinkage(const qvsoilrdf::CDynamicSinkage& dynamic, double last_pressure,
-                                  const double* shear_disp, remembered_power& power) {
-  if (dynamic.critical_pressure == 0.0) return 0.0;
-  const double g = shear_disp[1] * shear_disp[1] + shear_disp[0] * shear_disp[0];
-  const double h = g > 0.0 ? std::pow(g, dynamic.exponent_sd) : 0.0;
-  return -dynamic.coefficient_ds * power.of(last_pressure / dynamic.critical_pressure, dynamic.exponent_pr) * h;
+/// Sinkage that shearing adds (slip sinkage): -c (p_last / p_critical)^e1 (j1^2 + j2^2)^e2; the law is off without a
+/// critical pressure. The pressure is that of the last converged step, so the correction lags one step behind. A
+/// negative ratio under a fractional exponent gives NaN, which shows in the result.
+/// @param pressure_power  (p_last / p_critical)^e1; p_last is positive in compression
+/// @param shear_power     (j1^2 + j2^2)^e2, and 0 without a shear displacement, whatever e2 is
+/// @return                [length], 0 or negative unless c is negative
+QV_IN_LOOPS double get_dynamic_sinkage(double c, double pressure_power, double shear_power) {
+  return -c * pressure_power * shear_power;
 }
 
 /// The sinkage that enters Bekker's law: the whole less the dynamic one, and 0 above the surface.
-inline double get_static_sinkage(double dynamic_sinkage, double sinkage) {
+QV_IN_LOOPS double get_static_sinkage(double dynamic_sinkage, double sinkage) {
   const double z = sinkage - dynamic_sinkage;
   return z > 0.0 ? 0.0 : z;
 }
 
+/// Pressure of Bekker's law over depth, (kc / b + kphi) |z|^(n - 1).
+/// @param power  |z|^(n - 1), which the damping needs too
+QV_IN_LOOPS double get_secant_stiffness(double stiffness, double power) { return stiffness * power; }
+
 /// Pressure of Bekker's law, p = -(kc / b + kphi) |z|^n, negative in compression.
 /// Source: M. G. Bekker, Theory of Land Locomotion (1956) and Introduction to Terrain-Vehicle Systems (1969),
 /// pressure-sinkage equation.
-/// @param z      static sinkage [length]; only |z| counts. The pressure is 0 if z or b is exactly 0.
-/// @param power  receives |z|^(n - 1), which the damping needs too
-/// @param secant_stiffness  receives (kc / b + kphi) |z|^(n - 1); unchanged if z or b is 0
-inline double get_bekker_normal_pressure(const soil_law& law, double z, double& power, double& secant_stiffness) {
-  const double depth = std::fabs(z);
-  if (depth == 0.0 || law.bekker.b == 0.0) return 0.0;
-  power = std::pow(depth, law.bekker.n - 1.0);
-  secant_stiffness = law.stiffness * power;
+/// @param depth  |z| of the static sinkage [length]. The pressure is 0 if it is exactly 0, or the width is (set_loads).
+QV_IN_LOOPS double get_bekker_normal_pressure(double secant_stiffness, double depth) {
   return -secant_stiffness * depth;
 }
 
+/// The damping coefficient D of set_loads at a depth; `scale` is soil_law's damping_scale.
+/// @param power  (depth s)^(n - 1)    @param zb  boundary sinkage, from which on the damping is full [length]
+QV_IN_LOOPS double damping_coefficient(double scale, double power, double depth, double zb) {
+  const double base = scale * power;
+  const double ramp = base * depth / zb;
+  return depth < zb ? ramp : base;
+}
+
+/// Damping part of the normal force of an area A: -sign(v) |v s / t| A D s^2.
+QV_IN_LOOPS double get_damping_force(double v, double s, double t, double A, double D) {
+  const double scaled = t == 1.0 ? v * s : v * s / t;  // spares the quotient: t is 1 in every road that is read
+  return std::fabs(scaled) * A * -qv::fsign(v) * D * (s * s);
+}
+
 /// Strength of the soil over its sensitivity, (p tan phi + c) / S, or 0 for S of exactly 0.
-inline double shear_strength(const soil_law& law, double pressure) {
+QV_IN_LOOPS double shear_strength(const soil_law& law, double pressure) {
   return law.wong.sensitivity == 0.0 ? 0.0 : (law.tan_phi * pressure + law.wong.cohesion) / law.wong.sensitivity;
+}
+
+/// r = |j| / K of the shear curve, 0 for K of exactly 0.
+QV_IN_LOOPS double shear_ratio(double j, double K) {
+  const double r = std::fabs(j) / K;
+  return K == 0.0 ? 0.0 : r;
 }
 
 /// Shear stress along one tangent:
 ///   tau = -sign(v) strength [ (S / (1 - 1/e) - 1) e^(1 - r) + 1 ] (1 - e^-r),   r = |j| / K (0 for K of exactly 0)
 /// with the sensitivity S and the shear displacement K [length] at which the soil has its full strength.
 /// Source: J. Y. Wong, Theory of Ground Vehicles, shear curve with a hump and a residual strength.
-/// @param strength  result of shear_strength [force / length^2]    @param j  shear displacement [length]
+/// @param hump      S / (1 - 1/e) - 1    @param strength  result of shear_strength [force / length^2]
+/// @param falling   e^(1 - r)            @param rest      e^-r
 /// @param v         slip velocity; only its sign counts
 /// @return          stress on the body, against v; 0 at rest
+QV_IN_LOOPS double get_wong_shear_pressure(double hump, double strength, double falling, double rest, double v) {
+  return -qv::fsign(v) * strength * (hump * falling + 1.0) * (1.0 - rest);
+}
+
+/// The same of one displacement j [length].
 inline double get_wong_shear_pressure(const soil_law& law, double strength, double j, double v) {
-  const double r = law.wong.max_shear_disp == 0.0 ? 0.0 : std::fabs(j) / law.wong.max_shear_disp;
-  return -qv::fsign(v) * strength * (law.hump * std::exp(1.0 - r) + 1.0) * (1.0 - std::exp(-r));
+  const double r = shear_ratio(j, law.wong.max_shear_disp);
+  return get_wong_shear_pressure(law.hump, strength, qv::exponential(1.0 - r), qv::exponential(-r), v);
 }
 
 /// Loads of `count` points in contact: area A, sinkages, pressure p, damping, shear.
@@ -113,8 +136,8 @@ inline double get_wong_shear_pressure(const soil_law& law, double strength, doub
 ///   normal force   = max(0, pressure force + damping force)
 ///   shear force    = tau A along each tangent; on a hard road the normal force times `concrete_friction`
 ///
-/// Each step is done for all points before the next, so that the powers and exponentials of one point need not wait for
-/// those of another.
+/// Each step is done for a block of points before the next, in rows, with the powers and exponentials of all of them in
+/// vectors. A point's loads have the same bits whatever points are with it.
 /// Kept: if the pressure is 0, the pressure, damping and normal force of the point's last evaluation remain.
 /// Over a width of exactly 0 there is no pressure.
 void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,

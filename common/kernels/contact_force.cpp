@@ -1,4 +1,5 @@
 #include "common/kernels/kernels_kept.h"
+#include "common/kernels/powers.h"
 #include "qvbrisk/services.h"
 
 namespace qv {
@@ -31,7 +32,7 @@ double friction_coefficient(double mu_d, double mu_s, double vd, double vs, doub
 void get_contact_force(const double* par, double d, const double* v, double& fn, double& ff) {
   const double k = par[0], e = par[1], c = par[2], dmax = par[3];
   const double depth = std::fabs(d);
-  const double fk = k != 0.0 ? k * std::pow(depth, e) : 0.0;
+  const double fk = k != 0.0 ? k * power(depth, e) : 0.0;
   fn = fk - damping_force(c, dmax, depth, v[1]);
   ff = -friction_coefficient(par[4], par[5], par[6], par[7], v[0]) * std::fabs(fn);
 }

@@ -56,16 +56,17 @@ QV_IN_LOOPS two_parts logarithm(double x, double more = 0.0) {
   const two_parts m2 = split(m);
   const double z = (m2.high * r - 1.0) + m2.low * r;
   const two_parts z2 = split(z);
+  const double half = 0.5 * z2.high;
 
   // ln(1 + z) = z - z^2/2 + z^3 (1/3 - z/4 + ..). The first two terms keep what their sums round off.
   const double start = k * t::k_ln2_high + t::k_log_high[part];  // exact: a multiple of 2^-42 below 2^10
   const double with_z = start + z;
-  const double half_square = 0.5 * z2.high * z2.high;
+  const double half_square = half * z2.high;
   const double high = with_z - half_square;
   const double lost = (z - (with_z - start)) + ((with_z - high) - half_square);
   const double square = z * z;
   const double series = (1.0 / 3.0 - z * 0.25) + square * ((0.2 - z * (1.0 / 6.0)) + square * (1.0 / 7.0 - z * 0.125));
-  const double rest = (k * t::k_ln2_low + t::k_log_low[part]) - 0.5 * z2.low * (z + z2.high);
+  const double rest = (k * t::k_ln2_low + t::k_log_low[part]) - z2.low * (half + 0.5 * z);
   const double low = lost + (rest + z * square * series);
 
   const double first = first_half(high + low);
@@ -80,7 +81,7 @@ QV_IN_LOOPS two_parts times(const two_parts& y, const two_parts& log) {
 /// e^t = root (1 + more) 2^k, with root from 1 to 2. For |t| up to 1000.
 struct exponential_parts {
   double root, more;
-  std::uint64_t k;  ///< modulo 2^64
+  std::uint64_t place_of_k;  ///< k where a double has its exponent, modulo 2^64
 };
 
 QV_IN_LOOPS exponential_parts split_exponential(const two_parts& t) {
@@ -93,7 +94,7 @@ QV_IN_LOOPS exponential_parts split_exponential(const two_parts& t) {
   const double s = ((t.high - n * p::k_step_high) - n * p::k_step_low) + t.low;  // exact up to the last two roundings
   const double square = s * s;
   const double series = (0.5 + s * (1.0 / 6.0)) + square * (1.0 / 24.0 + s * (1.0 / 120.0));
-  return {p::k_root[entry], p::k_root_rest[entry] + (s + square * series), ((whole - bits_of(k_to_whole)) >> 7)};
+  return {p::k_root[entry], p::k_root_rest[entry] + (s + square * series), (whole - (whole & 127)) << 45};
 }
 
 constexpr double k_plain_limit = 690.0;  ///< up to this |t|, exponential_of holds
@@ -101,7 +102,7 @@ constexpr double k_plain_limit = 690.0;  ///< up to this |t|, exponential_of hol
 /// e^t where it is far from subnormal, so that root times more loses no digits, and from infinite.
 QV_IN_LOOPS double exponential_of(const two_parts& t) {
   const exponential_parts e = split_exponential(t);
-  const double root = with_bits(bits_of(e.root) + (e.k << 52));
+  const double root = with_bits(bits_of(e.root) + e.place_of_k);
   return root + root * e.more;
 }
 

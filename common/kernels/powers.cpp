@@ -29,19 +29,25 @@ QV_IN_LOOPS plain_value plain_power(double base, const two_parts& exponent) {
   return {power_steps::exponential_of(t), holds ? std::uint64_t{1} : std::uint64_t{0}};
 }
 
+constexpr double k_vanishing = -746.0;  ///< e^t is rounded to 0 for all t below
+
 QV_IN_LOOPS plain_value plain_exponential(double x) {
-  const bool holds = std::fabs(x) <= power_steps::k_plain_limit;
-  return {power_steps::exponential_of({x, -0.0}), holds ? std::uint64_t{1} : std::uint64_t{0}};
+  const std::uint64_t plain = std::fabs(x) <= power_steps::k_plain_limit ? ~std::uint64_t{0} : 0;
+  const std::uint64_t vanishes = x < k_vanishing ? 1 : 0;
+  // A mask instead of a choice, of which the compiler would make a branch.
+  const double value = power_steps::with_bits(power_steps::bits_of(power_steps::exponential_of({x, -0.0})) & plain);
+  return {value, (plain & 1) | vanishes};
 }
 
 /// e^t where it may be subnormal, 0 or infinite. Only subnormal results are rounded a second time.
 double wide_exponential(const two_parts& t) {
   if (t.high > 710.0) return k_infinity;
-  if (t.high < -746.0) return 0.0;
+  if (t.high < k_vanishing) return 0.0;
   const power_steps::exponential_parts e = power_steps::split_exponential(t);
-  const auto k = static_cast<std::int32_t>(static_cast<std::uint32_t>(e.k));
-  const std::int32_t half = k / 2;  // 2^k itself may be no double
-  const auto two_to = [](std::int32_t n) { return power_steps::with_bits(static_cast<std::uint64_t>(1023 + n) << 52); };
+  const auto digits = static_cast<int>(e.place_of_k >> 52);  // of k, modulo 2^12
+  const int k = digits < 2048 ? digits : digits - 4096;
+  const int half = k / 2;  // 2^k itself may be no double
+  const auto two_to = [](int n) { return power_steps::with_bits(static_cast<std::uint64_t>(1023 + n) << 52); };
   return (e.root + e.root * e.more) * two_to(half) * two_to(k - half);
 }
 
@@ -74,56 +80,40 @@ double special_power(double base, double exponent) {
 
 double special_exponential(double x) { return x != x ? k_nan : wide_exponential({x, -0.0}); }
 
-/// Powers of one exponent, as a row of them takes them.
-struct powers_of_exponent {
-  double exponent;
-  two_parts parts = power_steps::split(exponent);
+// The loops of a version. They take whole vectors of every width (`count` is a multiple of 8) and return 1 if all
+// values hold, else 0.
 
-  QV_IN_LOOPS plain_value plain(double base) const { return plain_power(base, parts); }
-  double special(double base) const { return special_power(base, exponent); }
-};
-
-struct exponentials_of_numbers {
-  QV_IN_LOOPS static plain_value plain(double x) { return plain_exponential(x); }
-  static double special(double x) { return special_exponential(x); }
-};
-
-/// The function of each number: plain in vectors, then special for those that it does not hold for.
-template <typename Function>
-QV_IN_LOOPS void apply(const Function& function, const double* from, double* to, int count) {
-  constexpr int k_widest = 8;  // a block is filled up with ones to whole vectors, so that its loop leaves no rest
-  double in[k_block], out[k_block];
-  for (int done = 0; done < count; done += k_block) {
-    const int here = std::min(count - done, k_block);
-    const int padded = (here + k_widest - 1) / k_widest * k_widest;
-    std::copy_n(from + done, here, in);
-    std::fill(in + here, in + padded, 1.0);
-    std::uint64_t all_hold = 1;
-    for (int i = 0; i < padded; ++i) {
-      const plain_value p = function.plain(in[i]);
-      out[i] = p.value;
-      all_hold &= p.holds;
-    }
-    if (all_hold == 0) {
-      for (int i = 0; i < here; ++i)
-        if (function.plain(in[i]).holds == 0) out[i] = function.special(in[i]);
-    }
-    std::copy_n(out, here, to + done);
+QV_IN_LOOPS std::uint64_t power_loop(const double* __restrict bases, double exponent, double* __restrict values,
+                                     std::uint64_t* __restrict holds, int count) {
+  const two_parts y = power_steps::split(exponent);
+  std::uint64_t all_hold = 1;
+  for (int i = 0; i < count; ++i) {
+    const plain_value p = plain_power(bases[i], y);
+    values[i] = p.value;
+    holds[i] = p.holds;
+    all_hold &= p.holds;
   }
+  return all_hold;
 }
 
-QV_IN_LOOPS void powers_loop(const double* bases, double exponent, double* values, int count) {
-  apply(powers_of_exponent{exponent}, bases, values, count);
+QV_IN_LOOPS std::uint64_t exponential_loop(const double* __restrict x, double* __restrict values,
+                                           std::uint64_t* __restrict holds, int count) {
+  std::uint64_t all_hold = 1;
+  for (int i = 0; i < count; ++i) {
+    const plain_value p = plain_exponential(x[i]);
+    values[i] = p.value;
+    holds[i] = p.holds;
+    all_hold &= p.holds;
+  }
+  return all_hold;
 }
 
-QV_IN_LOOPS void exponentials_loop(const double* x, double* values, int count) {
-  apply(exponentials_of_numbers{}, x, values, count);
+std::uint64_t powers_128(const double* bases, double exponent, double* values, std::uint64_t* holds, int count) {
+  return power_loop(bases, exponent, values, holds, count);
 }
-
-void powers_narrow(const double* bases, double exponent, double* values, int count) {
-  powers_loop(bases, exponent, values, count);
+std::uint64_t exponentials_128(const double* x, double* values, std::uint64_t* holds, int count) {
+  return exponential_loop(x, values, holds, count);
 }
-void exponentials_narrow(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
 
 #if defined(__x86_64__)
 // GCC takes several numbers from a table by one instruction only if it is told that a processor likes that.
@@ -134,15 +124,40 @@ void exponentials_narrow(const double* x, double* values, int count) { exponenti
 #define QV_FOR_256 __attribute__((target("avx2,tune=haswell")))
 #define QV_FOR_512 __attribute__((target("avx512f,avx512dq,tune=haswell")))
 #endif
-QV_FOR_256 void powers_256(const double* bases, double exponent, double* values, int count) {
-  powers_loop(bases, exponent, values, count);
+QV_FOR_256 std::uint64_t powers_256(const double* bases, double exponent, double* values, std::uint64_t* holds,
+                                    int count) {
+  return power_loop(bases, exponent, values, holds, count);
 }
-QV_FOR_256 void exponentials_256(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
-QV_FOR_512 void powers_512(const double* bases, double exponent, double* values, int count) {
-  powers_loop(bases, exponent, values, count);
+QV_FOR_256 std::uint64_t exponentials_256(const double* x, double* values, std::uint64_t* holds, int count) {
+  return exponential_loop(x, values, holds, count);
 }
-QV_FOR_512 void exponentials_512(const double* x, double* values, int count) { exponentials_loop(x, values, count); }
+QV_FOR_512 std::uint64_t powers_512(const double* bases, double exponent, double* values, std::uint64_t* holds,
+                                    int count) {
+  return power_loop(bases, exponent, values, holds, count);
+}
+QV_FOR_512 std::uint64_t exponentials_512(const double* x, double* values, std::uint64_t* holds, int count) {
+  return exponential_loop(x, values, holds, count);
+}
 #endif
+
+/// The function of each number, block by block: `loop` for all, then `special` for those that it does not hold for.
+template <typename Loop, typename Special>
+void apply(const Loop& loop, const Special& special, const double* from, double* to, int count) {
+  constexpr int k_widest = 8;
+  double in[k_block], out[k_block];
+  std::uint64_t holds[k_block];
+  for (int done = 0; done < count; done += k_block) {
+    const int here = std::min(count - done, k_block);
+    const int padded = (here + k_widest - 1) / k_widest * k_widest;
+    std::copy_n(from + done, here, in);
+    std::fill(in + here, in + padded, 1.0);
+    if (loop(in, out, holds, padded) == 0) {
+      for (int i = 0; i < here; ++i)
+        if (holds[i] == 0) out[i] = special(in[i]);
+    }
+    std::copy_n(out, here, to + done);
+  }
+}
 
 const power_version& widest_version() {
   const power_version* widest = all_power_versions().begin();
@@ -158,16 +173,26 @@ const power_version& version_in_use() {
 
 }  // namespace
 
+void power_version::powers(const double* bases, double exponent, double* values, int count) const {
+  apply([&](const double* in, double* out, std::uint64_t* holds,
+            int padded) { return power_loop(in, exponent, out, holds, padded); },
+        [exponent](double base) { return special_power(base, exponent); }, bases, values, count);
+}
+
+void power_version::exponentials(const double* x, double* values, int count) const {
+  apply(exponential_loop, special_exponential, x, values, count);
+}
+
 power_versions all_power_versions() {
 #if defined(__x86_64__)
   __builtin_cpu_init();
   static const power_version versions[] = {
-      {"128 bits", true, powers_narrow, exponentials_narrow},
+      {"128 bits", true, powers_128, exponentials_128},
       {"256 bits", __builtin_cpu_supports("avx2") != 0, powers_256, exponentials_256},
       {"512 bits", __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0, powers_512,
        exponentials_512}};
 #else
-  static const power_version versions[] = {{"plain", true, powers_narrow, exponentials_narrow}};
+  static const power_version versions[] = {{"128 bits", true, powers_128, exponentials_128}};
 #endif
   return {versions, std::size(versions)};
 }

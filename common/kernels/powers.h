@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 /// Powers and exponentials of the laws, one by one and in rows. They are computed by operations of our own in one
 /// order (power_steps.h), and not by the C library: every processor, compiler, level of optimisation and C library
@@ -20,15 +21,18 @@ void powers(const double* bases, double exponent, double* values, int count);
 /// values[i] = e^x[i] for `count` values; `values` may be `x`. Each has the bits that `exponential` gives.
 void exponentials(const double* x, double* values, int count);
 
-/// `powers` and `exponentials` as compiled for one kind of processor.
+/// `powers` and `exponentials` as compiled for one width of vectors.
 struct power_version {
   const char* name;
   bool runs_here;
-  void (*powers)(const double* bases, double exponent, double* values, int count);
-  void (*exponentials)(const double* x, double* values, int count);
+  std::uint64_t (*power_loop)(const double* bases, double exponent, double* values, std::uint64_t* holds, int count);
+  std::uint64_t (*exponential_loop)(const double* x, double* values, std::uint64_t* holds, int count);
+
+  void powers(const double* bases, double exponent, double* values, int count) const;
+  void exponentials(const double* x, double* values, int count) const;
 };
 
-/// All versions, `count` of them, from narrow to wide vectors: the last that runs here is the one in use.
+/// All versions, `count` of them, from narrow to wide: the last that runs here is the one in use.
 struct power_versions {
   const power_version* first;
   std::size_t count;

@@ -1,6 +1,7 @@
 #include "tests/reference/hydro_reference.h"
 
 #include "qvbrisk/services.h"
+#include "tests/reference/powers.h"
 
 namespace qvref {
 namespace {
@@ -103,7 +104,7 @@ void hull_element::patch_drag(const hull_part& part, hull_patch& patch, const fr
     const double s = normalise(t);
     for (std::size_t c = 0; c < 3; ++c) {
       if (vn > 0.0) Fn[c] = (f.L2 / f.T2) * (-(m[c] * patch.area * f.Kn * vn * vn)) * f.L2 * f.Fr;
-      Ft[c] = std::pow(f.Lr / f.Tr, exponent) * (-(t[c] * patch.area * f.Kt * std::pow(s, exponent)) * f.L2) * f.Fr;
+      Ft[c] = power(f.Lr / f.Tr, exponent) * (-(t[c] * patch.area * f.Kt * power(s, exponent)) * f.L2) * f.Fr;
     }
     if (vn > 0.0) ++m_census.normal_drag;
     const v3 r = f.A6 * node + f.p6 - f.p4;

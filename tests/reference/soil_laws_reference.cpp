@@ -1,5 +1,7 @@
 #include "tests/reference/soil_laws_reference.h"
 
+#include "tests/reference/powers.h"
+
 namespace qvref {
 
 v3 grid_point(const body& body, int i, int j) {
@@ -28,22 +30,22 @@ double effective_area(const body& body, double area_ratio) {
 double dynamic_sinkage(const soil& soil, double last_pressure, const std::array<double, 2>& shear_disp) {
   if (soil.critical_pressure == 0.0) return 0.0;
   const double g = shear_disp[1] * shear_disp[1] + shear_disp[0] * shear_disp[0];
-  const double h = g > 0.0 ? std::pow(g, soil.exponent_sd) : 0.0;
-  return -soil.coefficient_ds * std::pow(last_pressure / soil.critical_pressure, soil.exponent_pr) * h;
+  const double h = g > 0.0 ? power(g, soil.exponent_sd) : 0.0;
+  return -soil.coefficient_ds * power(last_pressure / soil.critical_pressure, soil.exponent_pr) * h;
 }
 
 double bekker_pressure(const soil& soil, double width, double static_sinkage) {
   const double z = std::fabs(static_sinkage);
   if (z == 0.0 || width == 0.0) return 0.0;
   const double k = soil.kc / width + soil.kphi;
-  return -(k * std::pow(z, soil.n - 1.0)) * z;
+  return -(k * power(z, soil.n - 1.0)) * z;
 }
 
 double wong_shear(const soil& soil, double j, double v, double pressure) {
   const double S = soil.sensitivity, K = soil.max_shear_disp;
   const double tau_max = S == 0.0 ? 0.0 : (std::tan(soil.friction_angle) * pressure + soil.cohesion) / S;
   const double r = K == 0.0 ? 0.0 : std::fabs(j) / K;
-  return -sign(v) * tau_max * ((S / 0.6321205588285577 - 1.0) * std::exp(1.0 - r) + 1.0) * (1.0 - std::exp(-r));
+  return -sign(v) * tau_max * ((S / 0.6321205588285577 - 1.0) * exponential(1.0 - r) + 1.0) * (1.0 - exponential(-r));
 }
 
 namespace {
@@ -51,9 +53,9 @@ namespace {
 double damping(const soil& soil, double b, double static_sinkage) {
   const double s = soil.scale_factor_1, n = soil.n, zb = soil.boundary_sinkage;
   const double z = std::fabs(static_sinkage);
-  const double a1 = std::pow(1.0 / s, n + 1.0);
-  const double a2 = std::pow(1.0 / s, n + 2.0);
-  const double a3 = std::pow(z * s, n - 1.0);
+  const double a1 = power(1.0 / s, n + 1.0);
+  const double a2 = power(1.0 / s, n + 2.0);
+  const double a3 = power(z * s, n - 1.0);
   const double base = (soil.kphi * a2 + soil.kc * a1 / (b * s)) * soil.damp_ratio * a3;
   return z < zb ? base * z / zb : base;
 }
