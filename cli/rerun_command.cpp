@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -31,7 +32,7 @@ struct EarlierRun {
   std::string model_path, model_text, plugin_path;
   std::vector<std::string> overrides;
   std::vector<qvslv::InputFile> inputs;
-  bool complete = false;
+  bool complete = false, has_table = true;
 };
 
 std::string whole_file(const std::string& path) {
@@ -49,6 +50,10 @@ EarlierRun read_record(const std::string& path) {
     run.model_text = json.at("model_text").get<std::string>();
     run.overrides = json.at("overrides").get<std::vector<std::string>>();
     run.complete = json.at("complete").get<bool>();
+    if (const Json& settings = json.value("settings", Json::object()); settings.contains("results")) {
+      const auto kinds = settings["results"].get<std::vector<std::string>>();
+      run.has_table = std::find(kinds.begin(), kinds.end(), "table") != kinds.end();
+    }
     for (const Json& entry : json.at("inputs")) {
       qvslv::InputFile input{entry.at("role"), entry.at("name"), entry.at("path")};
       input.digest = {entry.at("bytes").get<std::uintmax_t>(), entry.at("sha256").get<std::string>()};
@@ -123,6 +128,8 @@ int compare(const std::string& before, const std::string& now) {
 
 int rerun(RerunRequest request) {
   const EarlierRun earlier = read_record(request.folder + "/run.json");
+  if (!earlier.has_table)
+    throw UsageError(request.folder + " holds no table to compare with: its run was asked for other results only");
   if (request.out.empty())
     request.out = std::filesystem::path(request.folder + "/.").lexically_normal().parent_path().string() + "-rerun";
   std::error_code failure;

@@ -92,6 +92,7 @@ void remove_old_results(const RunRequest& request) {
 
 int run(RunRequest request) {
   if (request.out.empty()) request.out = default_results_folder(request.model);
+  if (request.results) request.overrides.push_back("simulation.results=" + *request.results);
   try {
     qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides, request.made);
     if (request.strict) make_strict(file.findings);
@@ -153,6 +154,12 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
       ->add_option("--set", request->overrides, "Change a value of the model file, e.g. body.wheel.mass=12; repeatable")
       ->type_name("KEY=VALUE")
       ->allow_extra_args(false);
+  command
+      ->add_option(
+          "--results", request->results,
+          "What to write: table, frames, page or all, several with commas between them; simulation.results of the "
+          "model when not given")
+      ->type_name("KINDS");
   add_made_option(command, request->made);
   command->add_flag("--strict", request->strict, "Take every warning for an error");
   command->add_flag("--force", request->force, "Take the results folder from a run that still goes on");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ struct RunRequest {
   std::string made = qvslv::default_made_folder();
   bool quiet = false, strict = false, force = false;
   std::vector<std::string> overrides;
+  std::optional<std::string> results;  ///< kinds of results, instead of those that the model asks for
 };
 
 /// Tells what looks wrong in a model, makes its files, runs it and tells how that went. Returns the exit code.

@@ -222,7 +222,7 @@ private:
       if (m_summary.message != error.what()) fail(error.what());
       return;
     }
-    attempt([this] { write_page(); });
+    if (m_model.simulation.results.page) attempt([this] { write_page(); });
     attempt([this] {
       if (m_recorder) m_recorder->close();
       m_folder->check_there(m_folder->files());

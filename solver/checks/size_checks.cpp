@@ -22,10 +22,12 @@ double columns_of(const Model& model) {
   return columns;
 }
 
-/// Bytes of one picture's files: points with eight numbers each, corners and patches of hulls and bodies.
+/// Bytes of one picture's files: points with eleven numbers each, corners and patches of hulls and bodies, and the
+/// water.
 double frame_bytes(const Scene& scene) {
-  constexpr double k_point = 160, k_corner = 60, k_patch = 20, k_body = 2000;
+  constexpr double k_point = 45, k_corner = 16, k_patch = 6, k_body = 2000, k_water = 10000;
   double bytes = k_body * static_cast<double>(scene.model.bodies.size());
+  if (!scene.hulls.empty()) bytes += k_water;
   for (const Element& element : scene.model.elements) bytes += k_point * element.points.count;
   for (const HullPatches& hull : scene.hulls)
     bytes += k_corner * static_cast<double>(hull.mesh.points.size()) +
@@ -49,10 +51,11 @@ void note(const Scene& scene, const char* key, const char* what, double step, do
 void check_sizes(const Scene& scene, Findings& findings) {
   constexpr double k_number = 15;  // bytes of a number in results.csv, with its comma: most have all their digits
   const Simulation& simulation = scene.model.simulation;
-  note(scene, "output_step", "rows", simulation.output_step, k_number * columns_of(scene.model), findings);
-  const bool own = simulation.frame_step > simulation.output_step;
-  note(scene, own ? "frame_step" : "output_step", "frames", own ? simulation.frame_step : simulation.output_step,
-       frame_bytes(scene), findings);
+  if (simulation.results.table)
+    note(scene, "output_step", "rows", simulation.output_step, k_number * columns_of(scene.model), findings);
+  if (simulation.results.frames)
+    note(scene, "frame_step", "frames", std::max(find_frame_step(simulation), simulation.output_step),
+         frame_bytes(scene), findings);
 }
 
 }  // namespace qvslv

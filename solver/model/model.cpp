@@ -1,5 +1,8 @@
 #include "solver/model/model.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace qvslv {
 
 const char* integrator_name(Integrator integrator) {
@@ -34,6 +37,18 @@ int index_of_id(const Entities& entities, int id) {
 }
 
 }  // namespace
+
+double find_frame_step(const Simulation& simulation) {
+  if (simulation.frame_step > 0) return simulation.frame_step;
+  if (!(simulation.output_step > 0)) return simulation.end_time;
+  constexpr double k_slack = 1e-9;  // of a step: the last output may miss its multiple by a rounding
+  const double outputs = std::ceil(simulation.end_time / simulation.output_step - k_slack);
+  return simulation.output_step * std::max(1.0, std::ceil(outputs / (k_default_frames - 1)));
+}
+
+bool thins_frames(const Simulation& simulation) {
+  return !(simulation.frame_step > 0) && find_frame_step(simulation) > simulation.output_step;
+}
 
 int find_marker(const Model& model, int id) { return index_of_id(model.markers, id); }
 

@@ -208,17 +208,33 @@ struct Element {
 enum class Integrator { runge_kutta_merson, runge_kutta_fixed, semi_explicit_euler };
 const char* integrator_name(Integrator integrator);  ///< its name in model files
 
+/// What a run writes beside its record, run.json.
+struct ResultKinds {
+  bool table = true;   ///< results.csv
+  bool frames = true;  ///< frames.pvd and frames/
+  bool page = true;    ///< report.html
+};
+
 struct Simulation {
   // Times in model units.
   double end_time = 0;
   double output_step = 0;  ///< time between two rows of results.csv
-  double frame_step = 0;   ///< time between two frames of the picture; 0: a frame at every output
+  double frame_step = 0;   ///< time between two frames of the picture; 0: chosen, see find_frame_step
+  ResultKinds results;
   Integrator integrator = Integrator::runge_kutta_merson;
   double accuracy = 1e-5;      ///< runge_kutta_merson: its error tolerance, relative to what moves
   double smallest_motion = 0;  ///< runge_kutta_merson: shorter ways do not count; 0: a share of the bodies' sizes
   double step = 0;             ///< all others: their fixed step
   double max_step = 0;         ///< runge_kutta_merson: longest step; 0: none
 };
+
+constexpr int k_default_frames = 500;  ///< a model that asks for no frame_step gets no more frames than these
+
+/// Time between two frames: the one that is asked for, or else that of so many outputs that there are no more than
+/// k_default_frames frames. The end is a frame in any case.
+double find_frame_step(const Simulation& simulation);
+/// Whether frames are left out that nobody asked to leave out.
+bool thins_frames(const Simulation& simulation);
 
 /// The model's units: their names as in road files (upper case), and what one of each is in SI.
 struct Units {

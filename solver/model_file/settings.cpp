@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "solver/model/nearest_name.h"
 #include "solver/model/units.h"
@@ -35,6 +38,35 @@ void check_units_consistent(const TableReader& root, const Units& units) {
   throw ModelError(root.has("units") ? root.position("units") : root.at(), text);
 }
 
+/// The entries of a list with commas, without the spaces around them.
+std::vector<std::string> listed_entries(const std::string& list) {
+  constexpr const char* k_spaces = " \t";
+  std::vector<std::string> entries;
+  for (size_t begin = 0; begin <= list.size();) {
+    const size_t end = std::min(list.find(',', begin), list.size());
+    const std::string entry = list.substr(begin, end - begin);
+    const size_t first = entry.find_first_not_of(k_spaces), last = entry.find_last_not_of(k_spaces);
+    entries.push_back(first == std::string::npos ? "" : entry.substr(first, last - first + 1));
+    begin = end + 1;
+  }
+  return entries;
+}
+
+ResultKinds read_results(const TableReader& table) {
+  if (!table.has("results")) return {};
+  ResultKinds kinds{false, false, false};
+  for (const std::string& entry : listed_entries(table.text("results"))) {
+    const bool all = entry == "all";
+    if (!all && entry != "table" && entry != "frames" && entry != "page")
+      table.fail("results",
+                 "'" + entry + "' is no kind of results; " + name_hint(entry, {"table", "frames", "page", "all"}));
+    kinds.table = kinds.table || all || entry == "table";
+    kinds.frames = kinds.frames || all || entry == "frames";
+    kinds.page = kinds.page || all || entry == "page";
+  }
+  return kinds;
+}
+
 }  // namespace
 
 void read_units(const TableReader& root, Reading& reading) {
@@ -51,13 +83,14 @@ void read_units(const TableReader& root, Reading& reading) {
 }
 
 void read_simulation(const TableReader& root, Reading& reading) {
-  const TableReader table = root.table("simulation", {"end_time", "output_step", "frame_step", "integrator", "accuracy",
-                                                      "smallest_motion", "step", "max_step"});
+  const TableReader table = root.table("simulation", {"end_time", "output_step", "frame_step", "results", "integrator",
+                                                      "accuracy", "smallest_motion", "step", "max_step"});
   constexpr double k_default_rows = 200;
   Simulation& simulation = reading.model().simulation;
   simulation.end_time = table.positive("end_time");
   simulation.output_step = table.positive("output_step", simulation.end_time / k_default_rows);
   simulation.frame_step = table.positive("frame_step", 0);
+  simulation.results = read_results(table);
   // Forces of elements jump, as friction does when a body comes to rest: there ten times the accuracy is ten times the
   // steps.
   constexpr double k_accuracy_with_elements = 1e-4;

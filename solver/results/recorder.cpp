@@ -39,8 +39,9 @@ RoadPlan plan_of(const Element& element, const TriangleMesh& mesh) {
   return plan;
 }
 
-/// Adds all roads of the model, each once, to the terrain in ground axes at the poses of their markers.
-void place_roads(Recording& recording, const Engine& engine, const Report& report) {
+/// Notes where all roads of the model lie, each once, and, if there will be pictures, adds them to the terrain in
+/// ground axes at the poses of their markers.
+void place_roads(Recording& recording, const Engine& engine, bool pictures, const Report& report) {
   const Model& model = engine.multibody().model();
   std::set<std::pair<int, int>> seen;
   for (const Element& element : model.elements) {
@@ -51,11 +52,12 @@ void place_roads(Recording& recording, const Engine& engine, const Report& repor
       if (report) report("element " + element.name + ": no picture of the road " + file.name + ": it cannot be read");
       continue;
     }
+    recording.roads.push_back(plan_of(element, *mesh));
+    if (!pictures) continue;
     const SimTK::Transform pose = engine.multibody().find_pose(engine.state(), element.road_marker);
     Rotation rotation{};
     for (int k = 0; k < 9; ++k) rotation[static_cast<size_t>(k)] = pose.R()[k % 3][k / 3];
     append_mesh(recording.terrain, *mesh, rotation, {pose.p()[0], pose.p()[1], pose.p()[2]});
-    recording.roads.push_back(plan_of(element, *mesh));
   }
 }
 
@@ -100,48 +102,65 @@ size_t bytes_of(const Frame& frame) {
 }  // namespace
 
 Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report, const RecordingLimits& limits)
-    : m_frame_step(engine.multibody().model().simulation.frame_step),
+    : m_kinds(engine.multibody().model().simulation.results),
+      m_frame_step(find_frame_step(engine.multibody().model().simulation)),
+      m_end_time(engine.multibody().model().simulation.end_time),
       m_columns(result_columns(engine.multibody().model())),
       m_frames(limits.frames),
       m_rows(limits.rows),
-      m_folder(folder),
-      m_csv(folder.add("results.csv")) {
+      m_folder(folder) {
   const Model& model = engine.multibody().model();
+  const bool pictures = m_kinds.frames || m_kinds.page;
   m_recording.model = &model;
-  place_roads(m_recording, engine, report);
-  place_hulls(m_recording, report);
+  const Report& tell = pictures ? report : Report{};
+  place_roads(m_recording, engine, pictures, tell);
+  place_hulls(m_recording, tell);
   m_recording.columns = headers_of(m_columns);
-  m_csv.write(csv_line(m_recording.columns));
-  m_csv.flush();
-  m_vtk = std::make_unique<VtkWriter>(m_recording, folder);
-  if (std::any_of(model.elements.begin(), model.elements.end(), is_belt))
+  if (m_kinds.table) {
+    m_csv = std::make_unique<OutputFile>(folder.add("results.csv"));
+    m_csv->write(csv_line(m_recording.columns));
+    m_csv->flush();
+  }
+  if (m_kinds.frames) m_vtk = std::make_unique<VtkWriter>(m_recording, folder);
+  if (pictures && std::any_of(model.elements.begin(), model.elements.end(), is_belt))
     m_contact_axes = std::make_unique<ContactAxes>(model, m_recording.terrain, find_up(model.gravity));
 }
 
 void Recorder::record(const Engine& engine) {
   m_folder.check_held();
-  const std::vector<double> row = calc_result_row(m_columns, engine);
-  m_csv.write(csv_line(row));
-  m_csv.flush();
-  m_rows.add(m_recording.rows, row, sizeof(std::vector<double>) + row.size() * sizeof(double));
+  if (m_kinds.table || m_kinds.page) record_row(engine);
+  if ((m_kinds.frames || m_kinds.page) && frame_due(engine.time())) record_frame(engine);
+}
+
+void Recorder::record_row(const Engine& engine) {
+  m_row = calc_result_row(m_columns, engine);
+  if (m_csv) {
+    m_csv->write(csv_line(m_row));
+    m_csv->flush();
+  }
+  if (!m_kinds.page) return;
+  m_rows.add(m_recording.rows, m_row, sizeof(std::vector<double>) + m_row.size() * sizeof(double));
   m_recording.row_count = m_rows.count();
-  if (!frame_due(engine.time())) return;
+}
+
+void Recorder::record_frame(const Engine& engine) {
   Frame frame = calc_frame(engine, m_contact_axes.get());
-  m_vtk->write(frame);
-  frame.row = row;
+  if (m_vtk) m_vtk->write(frame);
+  if (!m_kinds.page) return;
+  frame.row = m_row;
   const size_t bytes = bytes_of(frame);
   m_frames.add(m_recording.frames, std::move(frame), bytes);
   m_recording.frame_count = m_frames.count();
 }
 
 void Recorder::close() {
-  m_csv.close();
-  m_vtk->close();
+  if (m_csv) m_csv->close();
+  if (m_vtk) m_vtk->close();
 }
 
-/// Frames come with the first output at or after each multiple of the frame step.
+/// Frames come with the first output at or after each multiple of the frame step, and with the last one.
 bool Recorder::frame_due(double time) {
-  if (!(m_frame_step > 0)) return true;
+  if (!(m_frame_step > 0) || time >= m_end_time) return true;
   const double slack = 1e-9 * m_frame_step;  // output times are rounded multiples too
   if (time < m_next_frame - slack) return false;
   m_next_frame = m_frame_step * (std::floor((time + slack) / m_frame_step) + 1);

@@ -16,8 +16,9 @@
 
 namespace qvslv {
 
-/// Writes results.csv and the frames of a run while it goes, and keeps as much of both in memory as the limits allow.
-/// After each call the files are whole as far as they go. Throws std::runtime_error when a file cannot be written.
+/// Writes results.csv and the frames of a run while it goes, and keeps as much of both in memory for the page as the
+/// limits allow: each only if the model asks for it (Simulation::results). After each call the files are whole as far
+/// as they go. Throws std::runtime_error when a file cannot be written.
 class Recorder {
 public:
   /// Opens the files and places the roads. The engine is at its start.
@@ -35,17 +36,21 @@ public:
   const Recording& recording() const { return m_recording; }
 
 private:
+  void record_row(const Engine& engine);
+  void record_frame(const Engine& engine);
   bool frame_due(double time);
 
-  double m_frame_step;
+  ResultKinds m_kinds;
+  double m_frame_step, m_end_time;
   double m_next_frame = 0;
   std::vector<Column> m_columns;
   Recording m_recording;
   EvenSubset m_frames, m_rows;
   ResultsFolder& m_folder;
-  OutputFile m_csv;
-  std::unique_ptr<VtkWriter> m_vtk;
-  std::unique_ptr<ContactAxes> m_contact_axes;  ///< null if the model has no belt
+  std::vector<double> m_row;                    ///< at the latest output, if there are a table or a page
+  std::unique_ptr<OutputFile> m_csv;            ///< null without a table
+  std::unique_ptr<VtkWriter> m_vtk;             ///< null without frames
+  std::unique_ptr<ContactAxes> m_contact_axes;  ///< null without pictures, or if the model has no belt
 };
 
 }  // namespace qvslv

@@ -33,12 +33,22 @@ Json versions() {
           {"compiler", __VERSION__}};
 }
 
+Json result_names(const ResultKinds& kinds) {
+  Json names = Json::array();
+  if (kinds.table) names.push_back("table");
+  if (kinds.frames) names.push_back("frames");
+  if (kinds.page) names.push_back("page");
+  return names;
+}
+
 Json settings(const Model& model) {
   const Simulation& s = model.simulation;
   const bool fixed = s.integrator != Integrator::runge_kutta_merson;
   Json json = {{"end_time", s.end_time},
                {"output_step", s.output_step},
-               {"frame_step", s.frame_step > 0 ? s.frame_step : s.output_step},
+               {"frame_step", find_frame_step(s)},
+               {"frames_thinned", thins_frames(s)},
+               {"results", result_names(s.results)},
                {"integrator", integrator_name(s.integrator)}};
   if (fixed) {
     json["step"] = s.step;

@@ -33,7 +33,8 @@ struct Results : testing::Test {
 
   /// A run that goes on until it is ended, once it has begun to write rows.
   RunningCommand start_long_run() {
-    RunningCommand running(arguments({"--set", "simulation.end_time=1e5", "--set", "simulation.output_step=0.001"}),
+    RunningCommand running(arguments({"--set", "simulation.end_time=1e5", "--set", "simulation.output_step=0.001",
+                                      "--set", "simulation.frame_step=0.001"}),
                            folder);
     while (!running.ended() && (!fs::exists(out / "results.csv") || fs::file_size(out / "results.csv") < 5000))
       std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -91,6 +91,36 @@ TEST_F(Evidence, RerunNamesTheColumnThatCameOutDifferent) {
   EXPECT_THAT(again.out, HasSubstr("differs from row 6 on\n1 of "));
 }
 
+TEST_F(Evidence, RerunAsksForTheResultsThatTheRunWasAskedFor) {
+  ASSERT_EQ(run_command({"run", "press.toml", "--out", "out", "--results", "table"}, folder).code, 0);
+  EXPECT_FALSE(fs::exists(folder / "out/report.html"));
+  EXPECT_EQ(record("out")["overrides"], Json({"simulation.results=table"}));
+  EXPECT_EQ(run_command({"rerun", "out"}, folder).code, 0);
+  EXPECT_TRUE(fs::exists(folder / "out-rerun/results.csv"));
+  EXPECT_FALSE(fs::exists(folder / "out-rerun/report.html"));
+  EXPECT_FALSE(fs::exists(folder / "out-rerun/frames.pvd"));
+}
+
+TEST_F(Evidence, RerunOfARunWithoutATableSaysThatThereIsNothingToCompare) {
+  ASSERT_EQ(run_command({"run", "press.toml", "--out", "out", "--results", "page, frames"}, folder).code, 0);
+  const CommandResult again = run_command({"rerun", "out"}, folder);
+  EXPECT_EQ(again.code, 2);
+  EXPECT_THAT(again.err, HasSubstr("out holds no table to compare with: its run was asked for other results only"));
+  EXPECT_FALSE(fs::exists(folder / "out-rerun"));
+}
+
+TEST_F(Evidence, TheOptionBeatsTheModelsKey) {
+  const std::vector<std::string> key = {"run", "press.toml", "--out", "out", "--set", "simulation.results=page"};
+  std::vector<std::string> option = key;
+  option.insert(option.end(), {"--results", "table"});
+  ASSERT_EQ(run_command(key, folder).code, 0);
+  EXPECT_TRUE(fs::exists(folder / "out/report.html"));
+  EXPECT_FALSE(fs::exists(folder / "out/results.csv"));
+  ASSERT_EQ(run_command(option, folder).code, 0);
+  EXPECT_FALSE(fs::exists(folder / "out/report.html"));
+  EXPECT_TRUE(fs::exists(folder / "out/results.csv"));
+}
+
 TEST_F(Evidence, RerunTellsWhichInputIsNotWhatItWas) {
   run_command({"make", "road", "--out", "own.rdf", "--size", "2", "2", "--spacing", "1"}, folder);
   ASSERT_EQ(run_command({"run", "press.toml", "--out", "out", "--set", "element.soil.road=own.rdf"}, folder).code, 0);

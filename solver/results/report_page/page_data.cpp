@@ -169,6 +169,11 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
   const size_t stride = stride_for(bytes, budget);
   const std::vector<size_t> indices = kept(recording.frames.size(), stride);
   const size_t all = std::max(recording.frame_count, recording.frames.size());
+  if (thins_frames(model.simulation)) {
+    page.note(
+        fmt::format("Frames are {} {} apart, so that there are {} at most; a frame_step in the model asks for others.",
+                    find_frame_step(model.simulation), UnitSymbols(model.units).time, k_default_frames));
+  }
   if (indices.size() < all) {
     page.note(fmt::format("The run has {} frames; the replay shows {} of them, to keep this page small.", all,
                           indices.size()));
@@ -196,14 +201,14 @@ void add_frames(PageParts& page, const Model& model, const Recording& recording,
   afloat.add_to(page);
 }
 
-void add_rows(PageParts& page, const Recording& recording, size_t budget) {
+void add_rows(PageParts& page, const ResultKinds& kinds, const Recording& recording, size_t budget) {
   const size_t columns = recording.columns.size();
   const size_t stride = stride_for(base64_length(4) * recording.rows.size() * columns, budget);
   const std::vector<size_t> indices = kept(recording.rows.size(), stride);
   const size_t all = std::max(recording.row_count, recording.rows.size());
   if (indices.size() < all) {
-    page.note(
-        fmt::format("The run has {} rows; the plots show {} of them. All are in results.csv.", all, indices.size()));
+    page.note(fmt::format("The run has {} rows; the plots show {} of them.{}", all, indices.size(),
+                          kinds.table ? " All are in results.csv." : ""));
   }
   std::vector<double> times;
   times.reserve(indices.size());
@@ -244,7 +249,7 @@ void add_page_data(TextPieces& text, const Model& model, const Recording& record
   add_model(page, model);
   add_terrain(page, recording.terrain, origin, limits.terrain_triangles);
   add_frames(page, model, recording, origin, limits.frame_bytes);
-  add_rows(page, recording, limits.row_bytes);
+  add_rows(page, model.simulation.results, recording, limits.row_bytes);
   const std::string json = page.json.dump(-1, ' ', false, Json::error_handler_t::replace);
   text.add("<script type=\"application/json\" id=\"page-data\">" + script_safe(json) + "</script>\n");
   for (std::string& array : page.arrays) text.add(std::move(array));

@@ -28,6 +28,7 @@ const mistake k_mistakes[] = {
     {"The end time is 0", "end_time = 2.0", "end_time = 0", "model.toml:5:12: simulation, end_time: must be greater than 0, is 0"},
     {"A negative output step", "output_step = 0.1", "output_step = -0.1", "model.toml:6:15: simulation, output_step: must be greater than 0, is -0.1"},
     {"An unknown integrator", "end_time = 2.0", "end_time = 2.0\nintegrator = \"runge-kuta-merson\"", "model.toml:6:14: simulation, integrator: 'runge-kuta-merson' is not known; did you mean 'runge-kutta-merson'?"},
+    {"A kind of results that is none", "end_time = 2.0", "end_time = 2.0\nresults = \"page, frame\"", "model.toml:6:11: simulation, results: 'frame' is no kind of results; did you mean 'frames'?"},
     {"The fixed-step integrator without a step", "end_time = 2.0", "end_time = 2.0\nintegrator = \"semi-explicit\"", "model.toml:6:14: simulation, integrator: the semi-explicit integrator needs a 'step' as well"},
     {"An accuracy of 1 or more", "end_time = 2.0", "end_time = 2.0\naccuracy = 5", "model.toml:6:12: simulation, accuracy: must be less than 1 (1e-5 is a good start)"},
     {"An unknown unit", "length = \"m\"", "length = \"millimeter\"", "model.toml:9:10: units, length: 'millimeter' is no unit known here; did you mean 'MILIMETER'?"},

@@ -222,6 +222,25 @@ TEST(ModelFile, OutputStepIsATwoHundredthOfTheTimeUnlessGiven) {
   EXPECT_DOUBLE_EQ(read("output_step = 0.1\n", "").simulation.output_step, 0.01);
 }
 
+TEST(ModelFile, ResultsAreAListWithCommas) {
+  struct Case {
+    const char* list;
+    bool table, frames, page;
+  };
+  const Case cases[] = {{"all", true, true, true},
+                        {"table", true, false, false},
+                        {" frames ,page", false, true, true},
+                        {"page,page", false, false, true},
+                        {"table,all", true, true, true}};
+  for (const Case& c : cases) {
+    const qvslv::ResultKinds kinds =
+        read("end_time = 1", std::string("end_time = 1\nresults = \"") + c.list + "\"").simulation.results;
+    EXPECT_EQ(kinds.table, c.table) << c.list;
+    EXPECT_EQ(kinds.frames, c.frames) << c.list;
+    EXPECT_EQ(kinds.page, c.page) << c.list;
+  }
+}
+
 TEST(ModelFile, ForceComponentsAreExpressionsOfTime) {
   const Model model = base();
   ASSERT_EQ(model.forces.size(), 1u);

@@ -611,6 +611,7 @@ TEST(ContactAxes, TurnPointForcesFromTheSlopeAndTheBody) {
 
 TEST(ReportPage, LongRunIsHeldInBoundedMemoryAndShownFromItsFirstToItsLastMoment) {
   TestModel built(1.0, 0.001);
+  built.model.simulation.frame_step = 0.001;
   built.add_body("ball", 3, {1, 1, 1});
   built.body(0).velocity = {1, 0, 0};
   built.add_element("soil", "scripted", ElementKind::force, {}, 6).marker = 1;
