@@ -10,9 +10,9 @@
 #include "cli/default_paths.h"
 #include "cli/tell_findings.h"
 #include "cli/terminal.h"
-#include "solver/check_before_run.h"
 #include "solver/data_files/make_road.h"
 #include "solver/data_files/road_check.h"
+#include "solver/engine_library.h"
 #include "solver/model/model.h"
 #include "solver/model_file/contents.h"
 #include "solver/model_file/expand.h"
@@ -88,9 +88,10 @@ void tell_files_of(const qvslv::ModelFile& file) {
 
 /// A mistake that ends the reading of the model is one more finding, so that `--json` can list it.
 qvslv::Findings check_model(const FileRequest& request, bool describe) {
+  qvslv::EngineLibrary engine;
   try {
     const qvslv::ModelFile file = qvslv::read_model_file(request.file, request.overrides, request.made);
-    qvslv::check_before_run(file.model, request.plugin_path.empty() ? default_library() : request.plugin_path);
+    engine.doors().check_before_run(file.model, request.plugin_path.empty() ? default_library() : request.plugin_path);
     if (describe) tell_model(file);
     if (describe) tell_files_of(file);
     return file.findings;

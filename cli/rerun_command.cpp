@@ -127,6 +127,7 @@ int compare(const std::string& before, const std::string& now) {
 }
 
 int rerun(RerunRequest request) {
+  qvslv::EngineLibrary engine;
   const EarlierRun earlier = read_record(request.folder + "/run.json");
   if (!earlier.has_table)
     throw UsageError(request.folder + " holds no table to compare with: its run was asked for other results only");
@@ -145,7 +146,7 @@ int rerun(RerunRequest request) {
   run.quiet = request.quiet;
   run.force = request.force;
   run.overrides = earlier.overrides;
-  const int code = run_model_file(file, run);
+  const int code = run_model_file(file, run, engine);
   if (code != k_done && earlier.complete) return code;
   tell_changes(earlier, read_record(request.out + "/run.json").inputs);
   return compare(request.folder, request.out);

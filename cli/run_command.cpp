@@ -93,10 +93,11 @@ void remove_old_results(const RunRequest& request) {
 int run(RunRequest request) {
   if (request.out.empty()) request.out = default_results_folder(request.model);
   if (request.results) request.overrides.push_back("simulation.results=" + *request.results);
+  qvslv::EngineLibrary engine;
   try {
     qvslv::ModelFile file = qvslv::read_model_file(request.model, request.overrides, request.made);
     if (request.strict) make_strict(file.findings);
-    const int code = run_model_file(file, request);
+    const int code = run_model_file(file, request, engine);
     if (any_error(file.findings)) remove_old_results(request);
     return code;
   } catch (const qvslv::ModelError&) {
@@ -107,7 +108,7 @@ int run(RunRequest request) {
 
 }  // namespace
 
-int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
+int run_model_file(const qvslv::ModelFile& file, const RunRequest& request, qvslv::EngineLibrary& engine) {
   tell(file.findings);
   if (any_error(file.findings)) return k_bad_input;
   for (const std::string& line : qvslv::make_missing_files(file))
@@ -129,7 +130,7 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request) {
     print(stderr, "%s\n", message.c_str());
   };
   catch_interrupt();
-  const qvslv::RunSummary summary = qvslv::run_model(file, options);
+  const qvslv::RunSummary summary = engine.doors().run_model(file, options);
   progress_line.clear();
   if (!request.quiet || summary.outcome != qvslv::RunOutcome::finished) tell_outcome(summary, request, time_unit);
   return exit_code(summary.outcome);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "solver/data_files/made_file.h"
+#include "solver/engine_library.h"
 #include "solver/model_file/contents.h"
 
 namespace qvcli {
@@ -19,6 +20,6 @@ struct RunRequest {
 };
 
 /// Tells what looks wrong in a model, makes its files, runs it and tells how that went. Returns the exit code.
-int run_model_file(const qvslv::ModelFile& file, const RunRequest& request);
+int run_model_file(const qvslv::ModelFile& file, const RunRequest& request, qvslv::EngineLibrary& engine);
 
 }  // namespace qvcli

@@ -1,5 +1,6 @@
 #include "solver/run.h"
 
+#include <Simbody.h>
 #include <dlfcn.h>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -16,6 +17,7 @@
 #include "solver/data_files/made_file.h"
 #include "solver/engine/engine.h"
 #include "solver/model/plain_reason.h"
+#include "solver/read_model.h"
 #include "solver/results/output_file.h"
 #include "solver/results/recorder.h"
 #include "solver/results/report_page.h"
@@ -63,6 +65,12 @@ std::string file_of(const void* address) {
   return dladdr(address, &found) != 0 && found.dli_fname != nullptr ? found.dli_fname : "";
 }
 
+std::string simbody_version() {
+  int major = 0, minor = 0, build = 0;
+  SimTK_version_simbody(&major, &minor, &build);
+  return fmt::format("{}.{}.{}", major, minor, build);
+}
+
 /// One run from its folder to its summary.
 class Run {
 public:
@@ -74,6 +82,7 @@ public:
     m_record.resolved_model = options.resolved_model;
     m_record.inputs = options.inputs;
     m_record.warnings = options.warnings;
+    m_record.engine_version = simbody_version();
     m_record.running = true;
     m_record.started = now_utc();
   }
@@ -102,7 +111,8 @@ public:
 private:
   void note_inputs(const Plugin& plugin) {
     m_record.inputs.push_back({"library", m_options.plugin_path, plugin.path()});
-    m_record.inputs.push_back({"solver", "libqvslv.so", file_of(reinterpret_cast<const void*>(&now_utc))});
+    m_record.inputs.push_back({"solver", "libqvslv.so", file_of(reinterpret_cast<const void*>(&read_model_file))});
+    m_record.inputs.push_back({"solver", "libqvslv_engine.so", file_of(reinterpret_cast<const void*>(&now_utc))});
     m_record.inputs.push_back({"command", "qvbrisk", "/proc/self/exe"});
     for (InputFile& input : m_record.inputs) {
       std::error_code failure;
@@ -292,10 +302,6 @@ RunSummary run_model(const ModelFile& file, RunOptions options) {
   options.inputs = file.inputs;
   options.warnings = file.findings;
   return Run(file.model, options).run();
-}
-
-void remove_results(const std::string& folder) {
-  if (std::filesystem::is_directory(folder)) ResultsFolder(folder, false);
 }
 
 }  // namespace qvslv

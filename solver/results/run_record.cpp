@@ -1,8 +1,5 @@
 #include "solver/results/run_record.h"
 
-#include <Simbody.h>
-#include <fmt/format.h>
-
 #include <nlohmann/json.hpp>
 
 namespace qvslv {
@@ -25,12 +22,8 @@ const char* outcome_name(RunOutcome outcome) {
   return "failed";
 }
 
-Json versions() {
-  int major = 0, minor = 0, build = 0;
-  SimTK_version_simbody(&major, &minor, &build);
-  return {{"qvbrisk", QVBRISK_VERSION},
-          {"simbody", fmt::format("{}.{}.{}", major, minor, build)},
-          {"compiler", __VERSION__}};
+Json versions(const RunRecord& record) {
+  return {{"qvbrisk", QVBRISK_VERSION}, {"simbody", record.engine_version}, {"compiler", __VERSION__}};
 }
 
 Json result_names(const ResultKinds& kinds) {
@@ -105,7 +98,7 @@ Json run_summary(const Model& model, const RunRecord& record) {
   json["library"] = record.plugin_path;
   json["command"] = record.command;
   json["overrides"] = record.overrides;
-  json["versions"] = versions();
+  json["versions"] = versions(record);
   json["settings"] = settings(model);
   json["started"] = record.started;
   json["outcome"] = record.running ? "running" : outcome_name(summary.outcome);

@@ -25,6 +25,7 @@ struct RunRecord {
   std::vector<std::string> messages;  ///< what the user was told
   bool running = false;               ///< true in the record written at the start: a killed run is seen as incomplete
   std::string started;                ///< date and time of the start, UTC
+  std::string engine_version;         ///< of Simbody
 };
 
 /// What run.json says about a run, without the model itself: JSON text, see docs/engine.md. Bytes that are no UTF-8 (in

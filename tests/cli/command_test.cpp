@@ -41,6 +41,22 @@ std::vector<std::string> unfinished_files(const fs::path& folder) {
   return names;
 }
 
+// Only runs need the engine's library; the command lies where it is not.
+TEST(Command, EngineThatIsMissingIsToldOfByThoseWhoNeedIt) {
+  const fs::path folder = folder_with_model(), command = QVBRISK_COMMAND_PATH;
+  fs::create_directories(folder / "bin");
+  fs::create_directories(folder / "lib");
+  fs::copy(command, folder / "bin");
+  fs::copy(command.parent_path().parent_path() / "lib/libqvslv.so", folder / "lib");
+  const std::string alone = (folder / "bin" / command.filename()).string();
+  EXPECT_EQ(run_program(alone, {"expand", "press.toml"}, folder).code, 0);
+  const CommandResult result = run_program(alone, {"run", "press.toml"}, folder);
+  EXPECT_EQ(result.code, 1);
+  EXPECT_THAT(result.err, HasSubstr("qvbrisk: cannot load the engine: "));
+  EXPECT_THAT(result.err, HasSubstr("libqvslv_engine.so"));
+  EXPECT_FALSE(fs::exists(folder / "results"));
+}
+
 TEST(Command, RunMakesTheRoadAndWritesResultsUnderTheModelsName) {
   const fs::path folder = folder_with_model();
   const CommandResult result = run_command({"run", "press.toml"}, folder);
