@@ -1,6 +1,7 @@
 #pragma once
 
-#include "common/kernels/vectors.h"
+#include "hydro/drag.h"
+#include "hydro/motion.h"
 
 namespace qvhydro {
 
@@ -21,42 +22,71 @@ struct displacement {
   double buoyancy[3] = {};  ///< [force], global axes
 };
 
-/// The water columns of up to 32 patches, side by side for loops that are vectorised. The columns are added to the
-/// sums in the order of the patches, so that the sums are those of one patch after the other.
+/// Adds up the water columns of a mesh's patches. They are worked on in blocks of 64, side by side for loops that are
+/// vectorised, those that the level cuts apart from the others; columns are added to the sums in the order of the
+/// patches, so that the sums are those of one patch after the other.
 ///
-/// A patch out of the water, an upright one and one beyond an end of the wave table have no column. Heights that are
-/// NaN: see hydro/water_column.h.
+/// A patch out of the water and an upright one have no column. Heights that are NaN: see hydro/water_column.h.
 class column_block {
 public:
-  static constexpr int k_patches = 32;
+  static constexpr int k_patches = k_row;
 
-  /// Takes one patch. To be called only while the block is not full.
-  /// @param x_first, x_last  first and last position of the wave table [length], water frame
-  /// @param q                the three corners, water frame
-  /// @param facing           z component of the patch's outward normal, water frame
-  /// @param level            water level for this patch [length], water frame z
-  void add(double x_first, double x_last, const double* const q[3], double facing, double level);
-  bool full() const { return m_count == k_patches; }
-  /// Adds all columns to the sums and empties the block.
-  void finish(const buoyancy_factors& factors, displacement& sum);
+  /// @param mesh  whose nodes have been worked out in this call
+  column_block(const Chydro_force_sub& mesh, const motion& m, const coefficients& k)
+      : m_mesh(mesh), m_R(m.R), m_factors{{m.A5[6], m.A5[7], m.A5[8]}, k.buoyancy, k.L3, k.force} {}
+
+  /// Takes a patch.
+  /// @param node     its three corners
+  /// @param reached  how many of its corners, from the first on, are wet. The elevations of these and of the next one
+  ///                 make its water level.
+  void add(int patch, const int* node, int reached);
+  /// Takes a patch of which it is known that no corner is above its level.
+  void add_whole(int patch, const int* node, int reached) {
+    m_place[m_count++] = m_whole.count;
+    m_whole.take(patch, node[0], node[1], node[2], reached);
+    if (m_count == k_patches) finish_block();
+  }
+  /// Takes a patch that is known to have no column.
+  void add_nothing() { m_nothing_somewhere = true; }
+  /// Returns the sums over all patches that were taken.
+  const displacement& finish();
 
 private:
-  using row = double[k_patches];
-  /// Second copy of the patches that the level cuts. The corner that the level parts from the others comes first.
-  struct cut_patches {
+  struct columns {
+    int count = 0;
     int patch[k_patches];
-    row q[3][3], level;
-    row volume, moment[3];  ///< without sign
+    int node[3][k_patches];           ///< corners; of a cut patch the one apart from the others first
+    std::int64_t reached[k_patches];  ///< as wide as the doubles beside it, see drag_block
+    row q[3][3], elevation[3];        ///< of the corners, water frame
+    row normal[3];                    ///< body marker frame
+    row level;
+    row volume, moment[3], buoyancy[3];  ///< volume and moment without sign at first
+
+    void take(int which, int first, int second, int third, int wet_corners) {
+      patch[count] = which;
+      node[0][count] = first;
+      node[1][count] = second;
+      node[2][count] = third;
+      reached[count++] = wet_corners;
+    }
   };
 
+  void finish_block();
+  void gather(columns& c);
+  void find_levels();
   void find_whole_columns();
   void find_cut_columns();
+  void find_loads(columns& c);
+  void add_up();
 
-  int m_count = 0, m_cut_count = 0;
+  const Chydro_force_sub& m_mesh;
+  const double* m_R;
+  buoyancy_factors m_factors;
+  displacement m_sums;
   bool m_nothing_somewhere = false;
-  row q_[3][3], m_sign, m_level;
-  row m_volume, m_moment[3];  ///< without sign
-  cut_patches m_cuts;
+  int m_count = 0;
+  int m_place[k_patches];  ///< of each patch taken: its place in m_whole; of a cut one ~ its place in m_cut
+  columns m_whole, m_cut;
 };
 
 }  // namespace qvhydro

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "common/kernels/vectors.h"
+#include "hydro/lanes.h"
 #include "hydro/records.h"
 
 /// Drag on the wet corners of patches. A corner stands for a third of its patch's area A. With u its velocity relative
@@ -47,44 +47,58 @@ struct drag_sums {
   load total, normal, tangential;
 };
 
-/// Up to 32 patches with wet corners, side by side for loops that are vectorised. Their loads are added to the sums in
-/// the order of the patches, corner after corner, so that the sums are those of one patch after the other.
+/// Adds up the drag of a mesh's patches. Their wet corners are worked on in blocks of 64, side by side for loops that
+/// are vectorised; loads are added to the sums in the order of the patches, corner after corner, so that the sums are
+/// those of one corner after the other.
 class drag_block {
 public:
-  static constexpr int k_patches = 32;
+  static constexpr int k_corners = k_row;
 
-  /// Takes one patch. To be called only while the block is not full.
-  /// @param normal   of the patch, body marker frame
-  /// @param area     of the patch [length^2]
-  /// @param corners  its three nodes
+  /// @param mesh  whose nodes have been worked out in this call
+  /// @param A6    rotation body marker frame -> global axes
+  /// @param finite_levers  whether every lever is a finite number
+  drag_block(const Chydro_force_sub& mesh, const coefficients& k, const double* A6, bool finite_levers)
+      : m_mesh(mesh), k_(k), m_A6(A6), m_finite_levers(finite_levers) {}
+
+  /// Takes a patch.
+  /// @param node     its three corners
   /// @param reached  how many of them, from the first on, are wet: 1 to 3
-  void add(const double* normal, double area, const node_state* const corners[3], int reached);
-  bool full() const { return m_count == k_patches; }
-  /// Adds the loads of all patches to the sums and empties the block.
-  /// @param A6  rotation body marker frame -> global axes
-  void finish(const coefficients& k, const double* A6, drag_sums& sums);
+  void add(int patch, const int* node, int reached) {
+    for (int n = 0; n < 3; ++n) {
+      m_patch[m_count + n] = patch;
+      m_node[m_count + n] = node[n];
+    }
+    m_count += reached;
+    if (m_count > k_corners - 3) finish_block();
+  }
+  /// Returns the sums over all patches that were taken.
+  drag_sums finish();
 
 private:
-  using row = double[k_patches];
+  void finish_block();
+  void gather();
+  void find_speeds();
+  void find_friction();
+  void find_pressure();
+  void add_up();
+  void add_up_pressure();
 
-  void turn_normals(const double* A6);
-  void find_speeds(int n);
-  void find_powers(int n, double exponent);
-  void find_loads(const coefficients& k, int n);
-  void add_to(drag_sums& sums) const;
-
+  const Chydro_force_sub& m_mesh;
+  const coefficients& k_;
+  const double* m_A6;
+  bool m_finite_levers;    ///< otherwise pressures of 0 have torques that are no numbers
+  bool m_pressed = false;  ///< some corner of the block runs into the water, or has to be taken for one
+  double m_total[6] = {}, m_normal_drag[6] = {}, m_tangential[6] = {};  ///< sums: force, torque
   int m_count = 0;
-  // As wide as the doubles beside it. GCC 12 may step through rows of two widths by one register counted from address
-  // 0, takes that for a null pointer in a later pass, and then leaves out calls of the function that fills a row.
-  std::int64_t m_reached[k_patches];
-  row m_area;
-  row m_normal[3];       ///< body marker frame as added, then turned into global axes
-  row m_velocity[3][3];  ///< by corner; relative to the water
-  row m_lever[3][3];
-  row m_along[3][3], m_speed[3];                         ///< by corner: direction t / s and speed s along the patch
-  row m_normal_speed[3];                                 ///< by corner: vn, positive into the water
-  row m_power[3];                                        ///< by corner: s^e
-  row m_pressure[3][6], m_friction[3][6], m_both[3][6];  ///< by corner: force and torque; normal, tangential, sum
+  int m_padded = 0;  ///< the count, rounded up to whole vectors; the first corner stands in for the missing ones
+  int m_patch[k_corners], m_node[k_corners];
+  row m_normal[3], m_area;           ///< of the patch; body marker frame, then global axes
+  row m_velocity[3], m_lever[3];     ///< global axes; velocity relative to the water
+  row m_along[3], m_speed;           ///< direction t / s and speed s along the patch
+  row m_normal_speed;                ///< vn, positive into the water
+  row m_power;                       ///< s^e
+  row m_friction[6], m_pressure[6];  ///< force and torque, tangential and normal
+  row m_both[6];                     ///< their sum, if there is pressure
 };
 
 }  // namespace qvhydro

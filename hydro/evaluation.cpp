@@ -78,8 +78,8 @@ void evaluate(void* handle, double time, int iflag, Chydro_force& element, Chydr
   const time_blend when = blend_at(element, time, iflag == 1);
   patch_sums sums;
   if (active(sub, time)) {
-    evaluate_nodes(element, when, m, sub);
-    sums = add_up_patches(element, m, sub);
+    const bool finite_levers = evaluate_nodes(element, when, m, sub);
+    sums = add_up_patches(element, m, finite_levers, sub);
   }
   const buoyancy_point b = find_buoyancy_point(m, sums.displaced);
   sub.submerged_volume = sums.displaced.volume;

@@ -32,6 +32,10 @@ public:
     return search(x);
   }
 
+  const double* entries() const { return m_values.data(); }
+  /// Whether the entries increase strictly: then an interval that holds x is the only one.
+  bool increasing() const { return m_increasing; }
+
 private:
   int search(double x) const;
   int find_first(double x) const;

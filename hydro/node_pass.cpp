@@ -1,8 +1,11 @@
 #include "hydro/node_pass.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 
 #include "common/kernels/vectors.h"
+#include "hydro/lanes.h"
 
 namespace qvhydro {
 namespace {
@@ -42,6 +45,7 @@ double current_at(const current_table& table, double x, double y, int& row, bool
 struct node_block {
   int count = 0;
   vectors local, position;
+  double share[k_block];  ///< of the wave table's column before the node: 1 there, 0 at the next one
 };
 
 /// The wet nodes of a block.
@@ -63,7 +67,8 @@ QV_WIDE_VECTORS void find_positions(const motion& m, node_block& b) {
   }
 }
 
-QV_WIDE_VECTORS void find_velocities(const motion& m, wet_block& b) {
+/// @return whether every lever is a finite number
+QV_WIDE_VECTORS bool find_velocities(const motion& m, wet_block& b) {
   vectors turning, relative;  // body marker frame; water frame
   for (int i = 0; i < b.count; ++i) {
     turning.x[i] = m.spin[1] * b.local.z[i] - m.spin[2] * b.local.y[i];
@@ -78,83 +83,208 @@ QV_WIDE_VECTORS void find_velocities(const motion& m, wet_block& b) {
   }
   rotate(m.A5, relative, b.velocity, b.count);
   rotate(m.A6, b.local, b.lever, b.count);
+  std::int64_t infinite = 0;
   for (int i = 0; i < b.count; ++i) {
     b.lever.x[i] = b.lever.x[i] + m.p6[0] - m.p4[0];
     b.lever.y[i] = b.lever.y[i] + m.p6[1] - m.p4[1];
     b.lever.z[i] = b.lever.z[i] + m.p6[2] - m.p4[2];
+    infinite |= 0.0 * b.lever.x[i] + 0.0 * b.lever.y[i] + 0.0 * b.lever.z[i] == 0.0 ? 0 : 1;
   }
+  return infinite == 0;
 }
 
-class node_pass {
+/// Interpolation in a table of the CURRENT file for nodes that are where they were, between the same keys. For others
+/// see current_at.
+class current_rows {
 public:
-  node_pass(const Chydro_force& element, const time_blend& when, const motion& m)
-      : m_element(element), m_elevation(element.wave_elevation, when), m_rising(element.wave_velocity, when), m_(m) {}
+  current_rows(const current_table& table, const vectors& position)
+      : m_keys(table.key.entries()),
+        m_values(table.value.data()),
+        m_at(table.mode == 1 ? position.x : position.y),
+        m_increasing(table.key.increasing()) {}
 
-  void run(const Cnode* nodes, node_state* states, int count) {
-    m_nodes.count = count;
-    for (int i = 0; i < count; ++i) {
-      m_nodes.local.x[i] = nodes[i].x;
-      m_nodes.local.y[i] = nodes[i].y;
-      m_nodes.local.z[i] = nodes[i].z;
-    }
-    find_positions(m_, m_nodes);
-    m_wet.count = 0;
-    for (int i = 0; i < count; ++i) find_surface(i, states[i]);
-    find_velocities(m_, m_wet);
-    for (int w = 0; w < m_wet.count; ++w) {
-      node_state& s = states[m_wet.index[w]];
-      take(m_wet.velocity, w, s.velocity);
-      take(m_wet.lever, w, s.lever);
-    }
+  /// Whether node i of the block lies between the keys j and j + 1, and between no others.
+  QV_IN_LOOPS bool holds(int i, int j) const { return m_increasing && m_keys[j] <= m_at[i] && m_at[i] < m_keys[j + 1]; }
+  QV_IN_LOOPS double at(int i, int j) const {
+    const double a = (m_keys[j + 1] - m_at[i]) / (m_keys[j + 1] - m_keys[j]);
+    return m_values[j] * a + m_values[j + 1] * (1.0 - a);
   }
 
 private:
-  /// Finds where node i is and how high the water stands there; a wet node joins the wet block with the water's flow.
-  void find_surface(int i, node_state& s) {
-    take(m_nodes.position, i, s.position);
-    const double x = s.position[0], y = s.position[1];
-    s.elevation = 0.0;
-    s.on_wave_col = false;
-    s.where = node_state::off_table;
-    if (x < 0.0 || x >= m_element.wave_x_last) return;
-    double rising = 0.0;
-    const int j = m_element.wave_x.find(x, s.wave_col);
-    if (j >= 0) {
-      const interval_axis& axis = m_element.wave_x;
-      s.on_wave_col = true;
-      s.wave_col = j;
-      const double a = (axis[j + 1] - x) / (axis[j + 1] - axis[j]), b = 1.0 - a;
-      s.elevation = m_elevation.at(j, a, b);
-      rising = m_rising.at(j, a, b);
+  const double *m_keys, *m_values, *m_at;
+  bool m_increasing;
+};
+
+class node_pass {
+public:
+  node_pass(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& mesh)
+      : m_element(element), m_when(when), m_(m), m_mesh(mesh) {}
+
+  /// @return whether every lever is a finite number
+  bool run() {
+    const std::size_t nodes = m_mesh.nodes.size();
+    for (m_first = 0; m_first < nodes; m_first += k_block) {
+      m_nodes.count = static_cast<int>(std::min<std::size_t>(k_block, nodes - m_first));
+      for (int i = 0; i < m_nodes.count; ++i) {
+        const Cnode& node = m_mesh.nodes[m_first + static_cast<std::size_t>(i)];
+        m_nodes.local.x[i] = node.x;
+        m_nodes.local.y[i] = node.y;
+        m_nodes.local.z[i] = node.z;
+      }
+      find_positions(m_, m_nodes);
+      find_surface();
+      find_water();
+      m_infinite_lever |= !find_velocities(m_, m_wet);
+      store_flows();
     }
-    s.where = node_state::dry;
-    if (s.elevation < s.position[2]) return;
-    s.where = node_state::wet;
-    const int w = m_wet.count++;
-    m_wet.index[w] = i;
+    mark_heights();
+    return !m_infinite_lever;
+  }
+
+private:
+  void find_surface();
+  void find_water();
+  void store_flows();
+  void mark_heights();
+
+  const Chydro_force& m_element;
+  const time_blend& m_when;
+  const motion& m_;
+  Chydro_force_sub& m_mesh;
+  std::size_t m_first = 0;  ///< node of the block
+  node_block m_nodes;
+  wet_block m_wet;
+  bool m_infinite_lever = false;
+  bool m_no_numbers = false;               ///< some elevation is none
+  double m_highest = 0.0, m_lowest = 0.0;  ///< of the elevations so far, and of the 0 of corners that do not count
+};
+
+// The compiler takes a byte that is stored for one of whatever else stands in memory, so these loops hold all they need
+// in variables of their own.
+
+/// Finds how high the water stands at the nodes of the block, and which of them are wet.
+void node_pass::find_surface() {
+  const blended_rows table(m_element.wave_elevation, m_when);
+  const interval_axis& wave_x = m_element.wave_x;
+  const double* const axis = wave_x.entries();
+  const bool increasing = wave_x.increasing();
+  const double first = m_element.wave_x_first, last = m_element.wave_x_last;
+  const vectors& position = m_nodes.position;
+  node_place* const places = m_mesh.places.data() + m_first;
+  node_intervals* const intervals = m_mesh.intervals.data() + m_first;
+  unsigned char* const marks = m_mesh.marks.data() + m_first;
+  double highest = m_highest, lowest = m_lowest;
+  bool no_numbers = m_no_numbers;
+  const int count = m_nodes.count;
+  int wet = 0;
+  for (int i = 0; i < count; ++i) {
+    const double x = position.x[i], z = position.z[i];
+    node_place& place = places[i];
+    place.position[0] = x;
+    place.position[1] = position.y[i];
+    place.position[2] = z;
+    const int end = (x < first ? k_before : 0) | (x > last ? k_behind : 0);
+    if (x < 0.0 || x >= last) {
+      place.elevation = 0.0;
+      marks[i] = static_cast<unsigned char>(end | k_off_table);
+      continue;
+    }
+    node_intervals& found = intervals[i];
+    int column = found.wave_col, other = found.on_wave_col ? 0 : k_other_rows;
+    if (!increasing || !(axis[column] <= x && x < axis[column + 1])) {
+      column = wave_x.find(x, column);
+      if (column >= 0) found.wave_col = column;
+      other = k_other_rows;
+    }
+    found.on_wave_col = column >= 0;
+    double elevation = 0.0;
+    if (column >= 0) {
+      const double a = (axis[column + 1] - x) / (axis[column + 1] - axis[column]), b = 1.0 - a;
+      m_nodes.share[i] = a;
+      elevation = table.at(column, a, b);
+      highest = highest < elevation ? elevation : highest;
+      lowest = elevation < lowest ? elevation : lowest;
+      no_numbers |= elevation != elevation;
+    }
+    place.elevation = elevation;
+    const bool dry = elevation < z;
+    marks[i] = static_cast<unsigned char>(end | other | (dry ? 0 : k_wet));
+    m_wet.index[wet] = i;
+    wet += !dry;
+  }
+  m_wet.count = wet;
+  m_highest = highest;
+  m_lowest = lowest;
+  m_no_numbers = no_numbers;
+}
+
+/// Finds how the water moves at the wet nodes of the block.
+void node_pass::find_water() {
+  const blended_rows table(m_element.wave_velocity, m_when);
+  const current_rows along_x(m_element.current1, m_nodes.position), along_y(m_element.current2, m_nodes.position);
+  node_intervals* const intervals = m_mesh.intervals.data() + m_first;
+  unsigned char* const marks = m_mesh.marks.data() + m_first;
+  const int count = m_wet.count;
+  for (int w = 0; w < count; ++w) {
+    const int i = m_wet.index[w];
     m_wet.local.x[w] = m_nodes.local.x[i];
     m_wet.local.y[w] = m_nodes.local.y[i];
     m_wet.local.z[w] = m_nodes.local.z[i];
-    m_wet.water.x[w] = current_at(m_element.current1, x, y, s.current1_row, s.on_current1_row);
-    m_wet.water.y[w] = current_at(m_element.current2, x, y, s.current2_row, s.on_current2_row);
-    m_wet.water.z[w] = rising;
+    node_intervals& found = intervals[i];
+    const double a = m_nodes.share[i], b = 1.0 - a;
+    m_wet.water.z[w] = found.on_wave_col ? table.at(found.wave_col, a, b) : 0.0;
+    if (found.on_both_currents && along_x.holds(i, found.current1_row) && along_y.holds(i, found.current2_row)) {
+      m_wet.water.x[w] = along_x.at(i, found.current1_row);
+      m_wet.water.y[w] = along_y.at(i, found.current2_row);
+    } else {
+      const double x = m_nodes.position.x[i], y = m_nodes.position.y[i];
+      m_wet.water.x[w] = current_at(m_element.current1, x, y, found.current1_row, found.on_current1_row);
+      m_wet.water.y[w] = current_at(m_element.current2, x, y, found.current2_row, found.on_current2_row);
+      found.on_both_currents = found.on_current1_row && found.on_current2_row;
+      marks[i] |= k_other_rows;
+    }
   }
+}
 
-  const Chydro_force& m_element;
-  blended_rows m_elevation, m_rising;  ///< of the water: height of its surface, vertical velocity
-  const motion& m_;
-  node_block m_nodes;
-  wet_block m_wet;
-};
+QV_WIDE_VECTORS void node_pass::store_flows() {
+  const vectors &velocity = m_wet.velocity, &lever = m_wet.lever;
+  node_flow* const flows = m_mesh.flows.data() + m_first;
+  const int count = m_wet.count;
+  int w = 0;
+  for (; w + 1 < count; w += 2) {
+    const two_columns four(velocity.x + w, velocity.y + w, velocity.z + w, lever.x + w);
+    const two_lanes y = pair_at(lever.y + w), z = pair_at(lever.z + w);
+    node_flow &left = flows[m_wet.index[w]], &right = flows[m_wet.index[w + 1]];
+    four.left.put(left.velocity);
+    four.right.put(right.velocity);
+    put(__builtin_shufflevector(y, z, 0, 2), left.lever + 1);
+    put(__builtin_shufflevector(y, z, 1, 3), right.lever + 1);
+  }
+  if (w < count) {
+    take(velocity, w, flows[m_wet.index[w]].velocity);
+    take(lever, w, flows[m_wet.index[w]].lever);
+  }
+}
+
+/// Marks the nodes that are above, or not above, the water level of every patch. A level is the mean of three
+/// elevations or zeros; rounding keeps the order, so no level is outside of the means of equal bounds.
+void node_pass::mark_heights() {
+  const double highest = (m_highest + m_highest + m_highest) / 3.0, lowest = (m_lowest + m_lowest + m_lowest) / 3.0;
+  if (m_no_numbers || !std::isfinite(highest - lowest)) return;
+  const node_place* const places = m_mesh.places.data();
+  unsigned char* const marks = m_mesh.marks.data();
+  const std::size_t nodes = m_mesh.nodes.size();
+  for (std::size_t i = 0; i < nodes; ++i) {
+    const double z = places[i].position[2];
+    const int mark = (z > highest) * k_high | (z <= lowest) * k_deep;
+    marks[i] = static_cast<unsigned char>(marks[i] | mark);
+  }
+}
 
 }  // namespace
 
-void evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub) {
-  node_pass pass(element, when, m);
-  for (std::size_t first = 0; first < sub.nodes.size(); first += k_block) {
-    const auto count = static_cast<int>(std::min<std::size_t>(k_block, sub.nodes.size() - first));
-    pass.run(sub.nodes.data() + first, sub.node_states.data() + first, count);
-  }
+bool evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub) {
+  return node_pass(element, when, m, sub).run();
 }
 
 }  // namespace qvhydro

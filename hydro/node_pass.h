@@ -18,6 +18,7 @@ namespace qvhydro {
 /// and the first position the water stands at 0 and does not rise. A node exactly at the surface is wet. A NaN selects
 /// nothing: if q.x is NaN the water stands at 0, and a node whose height or elevation is NaN passes for wet, so that
 /// the NaN travels into the forces. Velocity and lever are written for wet nodes only.
-void evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub);
+/// @return whether every lever is a finite number
+bool evaluate_nodes(const Chydro_force& element, const time_blend& when, const motion& m, Chydro_force_sub& sub);
 
 }  // namespace qvhydro

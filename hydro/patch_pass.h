@@ -19,6 +19,7 @@ struct patch_sums {
 /// table, and those that were not reached, count as 0.
 ///
 /// Also keeps, patch by patch, the intervals of the tables that were found for the corners reached.
-patch_sums add_up_patches(const Chydro_force& element, const motion& m, Chydro_force_sub& sub);
+/// @param finite_levers  whether every lever is a finite number
+patch_sums add_up_patches(const Chydro_force& element, const motion& m, bool finite_levers, Chydro_force_sub& sub);
 
 }  // namespace qvhydro

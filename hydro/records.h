@@ -17,21 +17,20 @@ struct Cnode {
   double x, y, z;
 };
 
-/// A triangle P0, P1, P2 of the hull, as every evaluation needs it: (P1 - P0) x (P2 - P0) points out of the hull into
-/// the water.
+/// A triangle P0, P1, P2 of the hull: (P1 - P0) x (P2 - P0) points out of the hull into the water. Evaluations read
+/// patch_corners and patch_plane instead, of which more fit into the cache.
 struct Cpatch {
   double normal[3] = {};  ///< unit, outward, body marker frame
   double area = 0.0;      ///< [length^2]
   int node_ids[3] = {};   ///< from 0; N, the number of nodes, is the spare node
 
-  // Kept: intervals of the tables that the last call found, by corner. Searches start from those of node_state instead.
+  // Kept: intervals of the tables that the last call found, by corner. Searches start from those of node_intervals.
   int wave_col[3] = {};      ///< of the wave table's columns
   int current1_row[3] = {};  ///< of the first current table
   int current2_row[3] = {};  ///< of the second current table
 };
 
-/// Kept: the rest of a triangle's geometry, body marker frame. Set-up derives area and normal from it; evaluations do
-/// not need it, so it is stored apart from Cpatch, of which a large hull fills the cache.
+/// Kept: the rest of a triangle's geometry, body marker frame. Set-up derives area and normal from it.
 struct patch_outline {
   double centroid[3] = {};
   double edge01[3] = {};  ///< P1 - P0
@@ -40,37 +39,73 @@ struct patch_outline {
   double edge02[3] = {};  ///< P2 - P0
 };
 
-/// What every patch with a corner at this node needs; rewritten once per call.
-struct alignas(32) node_state {
-  enum kind : unsigned char {
-    off_table,  ///< beyond an end of the wave table: ends its patch's corners, and its elevation counts as 0
-    dry,        ///< above the surface: ends its patch's corners
-    wet
-  };
-  double position[3] = {};                               ///< water frame
-  double elevation = 0.0;                                ///< of the water surface there, water frame z
-  double velocity[3] = {};                               ///< relative to the water, global axes; wet nodes only
-  double lever[3] = {};                                  ///< from the force marker, global axes; wet nodes only
-  int wave_col = 0, current1_row = 0, current2_row = 0;  ///< intervals found last: where the next search starts
-  kind where = off_table;
-  bool on_wave_col = false;  ///< this call found an interval of the wave table
-  bool on_current1_row = false, on_current2_row = false;
+/// Node numbers of a patch, once more: all that a call reads of a patch out of the water.
+struct patch_corners {
+  int node[3] = {};
 };
+
+/// Normal and area of a patch, once more: what a call reads of a patch in the water besides its corners.
+struct patch_plane {
+  double normal[3] = {};  ///< unit, outward, body marker frame
+  double area = 0.0;      ///< [length^2]
+};
+
+/// Where a node is; rewritten by every call.
+struct alignas(32) node_place {
+  double position[3] = {};  ///< water frame
+  double elevation = 0.0;   ///< of the water surface there, water frame z; 0 off the wave table
+};
+
+/// How a wet node moves; rewritten by every call in which it is wet.
+struct node_flow {
+  double velocity[3] = {};  ///< relative to the water, global axes
+  double lever[3] = {};     ///< from the force marker, global axes; behind the velocity, as loops read both as one
+};
+
+/// Intervals of the tables that were found last at a node: where the next search starts.
+struct node_intervals {
+  int wave_col = 0, current1_row = 0, current2_row = 0;
+  bool on_wave_col = false;  ///< this call found an interval of the wave table
+  bool on_current1_row = false, on_current2_row = false, on_both_currents = false;
+};
+
+/// What a call has found out about a node: a set of these bits. A node that is neither wet nor off the table is dry:
+/// it is above the surface.
+enum node_mark : unsigned char {
+  k_wet = 1,
+  k_off_table = 2,   ///< beyond an end of the wave table: ends its patch's corners, and its elevation counts as 0
+  k_other_rows = 4,  ///< this call found other intervals than the last one, or none
+  k_before = 8,      ///< before the first position of the wave table
+  k_behind = 16,     ///< behind its last position
+  k_high = 32,       ///< above the water level of every patch
+  k_deep = 64        ///< not above the water level of any patch
+};
+
+constexpr unsigned char k_nothing_seen = 255;  ///< in Chydro_force_sub::seen: no call has been there
 
 /// One patch mesh of a hydro force element.
 struct Chydro_force_sub {
-  std::vector<Cpatch> patches;          ///< P + 1: the last one is a spare that nothing fills
-  std::vector<Cnode> nodes;             ///< N + 1: the last one is a spare at the origin, which patches may name
-  std::vector<node_state> node_states;  ///< one for each node
-  double mass = 0.0;                    ///< for the report
-  double scale = 0.0;                   ///< factor of every load; 0 switches the loads off
-  double buoyancy_magnitude = 0.0;      ///< of the last call [force]
-  double submerged_volume = 0.0;        ///< of the last call [length^3]
-  double t_start = 0.0, t_end = 0.0;    ///< active interval; always active if t_end <= t_start
+  std::vector<Cpatch> patches;        ///< P + 1: the last one is a spare that nothing fills
+  std::vector<Cnode> nodes;           ///< N + 1: the last one is a spare at the origin, which patches may name
+  double mass = 0.0;                  ///< for the report
+  double scale = 0.0;                 ///< factor of every load; 0 switches the loads off
+  double buoyancy_magnitude = 0.0;    ///< of the last call [force]
+  double submerged_volume = 0.0;      ///< of the last call [length^3]
+  double t_start = 0.0, t_end = 0.0;  ///< active interval; always active if t_end <= t_start
   double tangential_coef = 0.0, tangential_exp = 0.0;
   int force_marker = 0, water_marker = 0, body_marker = 0;
   int node_count = 0, patch_count = 0;  ///< N, P
   int initialized = 0;                  ///< 1 from the first call on, whatever came of it
+
+  // What evaluations work on: one for each node, spare included, and one for each patch.
+  std::vector<node_place> places;
+  std::vector<node_flow> flows;
+  std::vector<node_intervals> intervals;
+  std::vector<unsigned char> marks;  ///< node_mark
+  std::vector<patch_corners> corners;
+  std::vector<patch_plane> planes;
+  std::vector<unsigned char>
+      seen;  ///< what of its corners' marks decided which intervals a patch keeps, at the last call
 
   // Kept: part of the documented record, read by no computation.
   std::vector<patch_outline> outlines;  ///< one for each patch

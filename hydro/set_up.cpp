@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -46,8 +47,11 @@ void read_files(void* handle, Chydro_force& element, const fault_channel& channe
 void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& channel) {
   sub.node_count = qv::to_count(par, k_node_count, channel);
   const auto count = static_cast<std::size_t>(sub.node_count);
-  sub.node_states.assign(count + 1, node_state());
-  sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // after the states: every node that exists has a state
+  sub.places.assign(count + 1, node_place());
+  sub.flows.assign(count + 1, node_flow());
+  sub.intervals.assign(count + 1, node_intervals());
+  sub.marks.assign(count + 1, 0);
+  sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: every node that exists has all the others
   for (std::size_t i = 0; i < count; ++i) {
     const double* at = par + QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * i;
     sub.nodes[i] = {at[0], at[1], at[2]};
@@ -118,6 +122,9 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
   const int count = qv::to_count(par[count_at], "number of patches", channel);
   sub.patches.assign(static_cast<std::size_t>(count) + 1, Cpatch());
   sub.outlines.assign(static_cast<std::size_t>(count) + 1, patch_outline());
+  sub.corners.assign(static_cast<std::size_t>(count), patch_corners());
+  sub.planes.assign(static_cast<std::size_t>(count), patch_plane());
+  sub.seen.assign(static_cast<std::size_t>(count), k_nothing_seen);
   sub.patch_count = count;
   for (int i = 0; i < count; ++i) {
     const auto at = static_cast<std::size_t>(i);
@@ -133,6 +140,9 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
     qv::normalization_vec(patch.normal, flag);
     sub.patches[at] = patch;
     sub.outlines[at] = outline;
+    std::copy_n(patch.node_ids, 3, sub.corners[at].node);
+    std::copy_n(patch.normal, 3, sub.planes[at].normal);
+    sub.planes[at].area = patch.area;
   }
 }
 

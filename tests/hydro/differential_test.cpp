@@ -91,7 +91,8 @@ void randomise(hydro_parameters& p, random_source& random) {
 class RandomScene {
 public:
   /// @param mirrored  whether the axes of body and water markers are those of mirror images, now and then
-  explicit RandomScene(unsigned seed, bool mirrored = false)
+  /// @param level     of the sphere that every part is, if it is not negative
+  explicit RandomScene(unsigned seed, bool mirrored = false, int level = -1)
       : m_random(seed),
         m_mirrored(mirrored),
         m_wave(random_wave(m_random)),
@@ -104,6 +105,7 @@ public:
     for (int i = 0; i < parts; ++i) {
       m_parts.emplace_back();
       randomise(m_parts.back(), m_random);
+      if (level >= 0) m_parts.back().shape = sphere_hull(uniform(m_random, 0.5, 3.0), level);
       m_parts.back().sub = i;
       m_parts.back().subs = parts;
       m_parts.back().id = id;
@@ -253,6 +255,19 @@ TEST(RandomHydroScenes, GiveTheResultsOfTheLiteralReferenceBitForBit) {
   EXPECT_GT(massless, 100);
   EXPECT_LT(massless, reports / 2);
   EXPECT_LT(not_numbers, 400 * 30);
+}
+
+TEST(LargeHulls, GiveTheResultsOfTheLiteralReferenceBitForBit) {
+  qvref::hull_census seen;
+  for (unsigned seed = 1; seed <= 8; ++seed) {
+    RandomScene scene(seed, false, 3);
+    ASSERT_TRUE(scene.run()) << "seed " << seed;
+    const qvref::hull_census& c = scene.census();
+    seen.dry += c.dry, seen.wet += c.wet, seen.cut_patches += c.cut_patches;
+  }
+  EXPECT_GT(seen.dry, 100000);
+  EXPECT_GT(seen.wet, 100000);
+  EXPECT_GT(seen.cut_patches, 5000);
 }
 
 TEST(MirroredHullMarkers, GiveTheResultsOfTheLiteralReferenceBitForBit) {

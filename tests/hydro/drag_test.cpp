@@ -117,6 +117,19 @@ TEST(DragTorque, IsThatOfTheNodesAboutTheForceMarker) {
   }
 }
 
+TEST(DragTorque, AboutAMarkerThatIsNowhereIsNoNumberEvenWithoutForce) {
+  for (const vec3& velocity : {vec3{0, 0, 2}, vec3{0, 0, -2}, vec3{0, 0, 0}}) {
+    PlateScene scene;
+    scene.parameters.tangential_coef = 0.4;
+    scene.move(velocity);
+    scene.force_marker().position = {std::nan(""), std::nan(""), std::nan("")};
+    const hull_forces f = scene.forces();
+    for (const vec3& torque : {f.normal_torque, f.tangential_torque}) {
+      for (const double component : torque) EXPECT_TRUE(std::isnan(component)) << velocity[2];
+    }
+  }
+}
+
 TEST(RollingPlate, DragsWithASixthOfItsAreaPerCornerOfItsTwoPatches) {
   PlateScene scene;
   scene.move({0, 0, 0}, {2, 0, 0});  // corners at y = 1.5 rise with 3

@@ -239,6 +239,21 @@ TEST(WaveColumns, FoundLastAreKeptInThePatchAndStayWhereNoneIsFound) {
   EXPECT_EQ(element_of(scene.parameters.id).wave_x_last, 40.0);
 }
 
+TEST(WaveColumns, OfACornerThatWasDryBeforeAreKeptOnceItIsReached) {
+  HydroScene scene(one_patch({0, 0, 0}, {0, 1, 0}, {1, 0, 0}),
+                   sampled(
+                       {0, 10}, {10, 20, 30, 40}, [](double, double) { return 0.0; }, nothing));
+  const auto columns_at = [&](double x, double z) {
+    scene.place({x - 100, 0, z}, rotation({0, 0, 1}, 0.0));
+    scene.call(1.0);
+    const qvhydro::Cpatch& patch = element_of(scene.parameters.id).subs[0].patches[0];
+    return std::array<int, 3>{patch.wave_col[0], patch.wave_col[1], patch.wave_col[2]};
+  };
+  EXPECT_EQ(columns_at(35.0, 1.0), (std::array<int, 3>{2, 0, 0})) << "dry: the first corner alone is reached";
+  EXPECT_EQ(columns_at(5.0, -1.0), (std::array<int, 3>{2, 0, 0})) << "wet, where there are no columns";
+  EXPECT_EQ(columns_at(35.0, -1.0), (std::array<int, 3>{2, 2, 2})) << "wet, where the nodes were found before";
+}
+
 TEST(AxisThatDoesNotIncrease, NeverLeavesTheTable) {
   const auto elevation = [](double t, double x) { return t + x; };
   const std::vector<std::vector<double>> axes = {{0, 0, 0}, {3, 2, 1}, {0, 5, 5, 9}, {0, 9, 4, 12}, {7}, {0}, {-1, -5}};
