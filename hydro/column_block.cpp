@@ -133,18 +133,34 @@ QV_WIDE_VECTORS void column_block::find_loads(columns& c) {
 }
 
 void column_block::add_up() {
-  displacement s = m_sums;
+  if (m_cut.count == 0) return add_up_whole();
   for (int i = 0; i < m_count; ++i) {
     const int place = m_place[i];
-    const columns& c = place < 0 ? m_cut : m_whole;
-    const int at = place < 0 ? ~place : place;
-    s.volume += c.volume[at];
-    for (int k = 0; k < 3; ++k) {
-      s.moment[k] += c.moment[k][at];
-      s.buoyancy[k] += c.buoyancy[k][at];
+    if (place < 0) {
+      m_cut.add_to(m_sums, ~place);
+    } else {
+      m_whole.add_to(m_sums, place);
     }
   }
-  m_sums = s;
+}
+
+/// Adds up a block of whole columns, which stand in the order of the patches.
+QV_WIDE_VECTORS void column_block::add_up_whole() {
+  const columns& c = m_whole;
+  displacement& s = m_sums;
+  double sums[8] = {s.volume, s.moment[0], s.moment[1], s.moment[2], s.buoyancy[0], s.buoyancy[1], s.buoyancy[2], 0.0};
+  four_lanes volume_and_moment(sums), buoyancy(sums + 4);
+  const int pairs = c.count / 2 * 2;
+  for (int i = 0; i < pairs; i += 2) {
+    const two_columns v(c.volume, c.moment[0], c.moment[1], c.moment[2], i);
+    const two_columns b(c.buoyancy[0], c.buoyancy[1], c.buoyancy[2], c.volume, i);
+    volume_and_moment += v.left, buoyancy += b.left;
+    volume_and_moment += v.right, buoyancy += b.right;
+  }
+  volume_and_moment.put(sums);
+  buoyancy.put(sums + 4);
+  s = {sums[0], {sums[1], sums[2], sums[3]}, {sums[4], sums[5], sums[6]}};
+  if (pairs < c.count) c.add_to(s, pairs);
 }
 
 }  // namespace qvhydro

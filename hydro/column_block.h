@@ -69,6 +69,13 @@ private:
       node[2][count] = third;
       reached[count++] = wet_corners;
     }
+    void add_to(displacement& sums, int i) const {
+      sums.volume += volume[i];
+      for (int k = 0; k < 3; ++k) {
+        sums.moment[k] += moment[k][i];
+        sums.buoyancy[k] += buoyancy[k][i];
+      }
+    }
   };
 
   void finish_block();
@@ -78,6 +85,7 @@ private:
   void find_cut_columns();
   void find_loads(columns& c);
   void add_up();
+  void add_up_whole();
 
   const Chydro_force_sub& m_mesh;
   const double* m_R;

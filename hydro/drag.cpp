@@ -133,13 +133,22 @@ QV_WIDE_VECTORS void drag_block::find_pressure() {
 /// Adds friction and total drag, corner after corner.
 QV_WIDE_VECTORS void drag_block::add_up() {
   const auto& f = m_friction;
-  const auto& b = m_pressed ? m_both : m_friction;
+  const auto& b = m_both;
   four_lanes total(m_total), tangential(m_tangential);
   four_lanes rest(pair_at(m_total + 4), pair_at(m_tangential + 4));
-  for (int i = 0; i < m_count; i += 2) {
-    const two_columns t(b[0], b[1], b[2], b[3], i), s(f[0], f[1], f[2], f[3], i), r(b[4], b[5], f[4], f[5], i);
+  const int pairs = m_count / 2 * 2;
+  const auto add = [&](const two_columns& t, const two_columns& s, const two_columns& r) {
     total += t.left, tangential += s.left, rest += r.left;
-    if (i + 1 < m_count) total += t.right, tangential += s.right, rest += r.right;
+    total += t.right, tangential += s.right, rest += r.right;
+  };
+  if (m_pressed) {
+    for (int i = 0; i < pairs; i += 2)
+      add({b[0], b[1], b[2], b[3], i}, {f[0], f[1], f[2], f[3], i}, {b[4], b[5], f[4], f[5], i});
+  } else {
+    for (int i = 0; i < pairs; i += 2) {
+      const two_columns first(f[0], f[1], f[2], f[3], i);
+      add(first, first, {f[4], f[5], f[4], f[5], i});
+    }
   }
   total.put(m_total);
   tangential.put(m_tangential);
@@ -147,6 +156,11 @@ QV_WIDE_VECTORS void drag_block::add_up() {
   rest.put(rests);
   std::copy_n(rests, 2, m_total + 4);
   std::copy_n(rests + 2, 2, m_tangential + 4);
+  if (pairs == m_count) return;
+  for (int k = 0; k < 6; ++k) {
+    m_total[k] += m_pressed ? b[k][pairs] : f[k][pairs];
+    m_tangential[k] += f[k][pairs];
+  }
 }
 
 /// The same with the pressure.
@@ -154,14 +168,17 @@ QV_WIDE_VECTORS void drag_block::add_up_pressure() {
   const auto& p = m_pressure;
   four_lanes normal(m_normal_drag);
   two_lanes rest = pair_at(m_normal_drag + 4);
-  for (int i = 0; i < m_count; i += 2) {
+  const int pairs = m_count / 2 * 2;
+  for (int i = 0; i < pairs; i += 2) {
     const two_columns t(p[0], p[1], p[2], p[3], i);
     const two_lanes y = pair_at(&p[4].value[i]), z = pair_at(&p[5].value[i]);
     normal += t.left, rest += __builtin_shufflevector(y, z, 0, 2);
-    if (i + 1 < m_count) normal += t.right, rest += __builtin_shufflevector(y, z, 1, 3);
+    normal += t.right, rest += __builtin_shufflevector(y, z, 1, 3);
   }
   normal.put(m_normal_drag);
   put(rest, m_normal_drag + 4);
+  if (pairs == m_count) return;
+  for (int k = 0; k < 6; ++k) m_normal_drag[k] += p[k][pairs];
 }
 
 drag_sums drag_block::finish() {

@@ -183,18 +183,17 @@ void node_pass::find_surface() {
     place.position[0] = x;
     place.position[1] = position.y[i];
     place.position[2] = z;
-    const int end = (x < first ? k_before : 0) | (x > last ? k_behind : 0);
     if (x < 0.0 || x >= last) {
       place.elevation = 0.0;
-      marks[i] = static_cast<unsigned char>(end | k_off_table);
+      marks[i] = static_cast<unsigned char>(k_off_table | (x < first ? k_before : 0) | (x > last ? k_behind : 0));
       continue;
     }
     node_intervals& found = intervals[i];
-    int column = found.wave_col, other = found.on_wave_col ? 0 : k_other_rows;
+    int column = found.wave_col, mark = found.on_wave_col ? 0 : k_other_rows;
     if (!increasing || !(axis[column] <= x && x < axis[column + 1])) {
       column = wave_x.find(x, column);
       if (column >= 0) found.wave_col = column;
-      other = k_other_rows;
+      mark = k_other_rows | (x < first ? k_before : 0) | (x > last ? k_behind : 0);
     }
     found.on_wave_col = column >= 0;
     double elevation = 0.0;
@@ -208,7 +207,7 @@ void node_pass::find_surface() {
     }
     place.elevation = elevation;
     const bool dry = elevation < z;
-    marks[i] = static_cast<unsigned char>(end | other | (dry ? 0 : k_wet));
+    marks[i] = static_cast<unsigned char>(mark | (dry ? 0 : k_wet));
     m_wet.index[wet] = i;
     wet += !dry;
   }
