@@ -20,7 +20,8 @@ coefficients::coefficients(const Chydro_force& element, const Chydro_force_sub& 
   tangential = (u.mass / (u.length * u.time)) * element.drag_scale * (sub.tangential_coef * sub.scale / 3.0);
   tangential_exp = sub.tangential_exp;
   normal_units = L2 / T2;
-  tangential_units = qv::power(u.length / u.time, sub.tangential_exp);
+  const double per_time = u.length / u.time;  // 1 in SI, and 1 has no power but 1
+  tangential_units = per_time == 1.0 ? 1.0 : qv::power(per_time, sub.tangential_exp);
 }
 
 void drag_block::finish_block() {

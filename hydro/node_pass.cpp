@@ -11,7 +11,6 @@ namespace qvhydro {
 namespace {
 
 using qv::k_block;
-using qv::rotate;
 using qv::vectors;
 
 /// The water's velocity from one table of the CURRENT file at x, y of the water frame, interpolated linearly.
@@ -44,7 +43,7 @@ double current_at(const current_table& table, double x, double y, int& row, bool
 /// Nodes side by side, for loops that are vectorised.
 struct node_block {
   int count = 0;
-  vectors local, position;
+  vectors position;
   double share[k_block];  ///< of the wave table's column before the node: 1 there, 0 at the next one
 };
 
@@ -56,39 +55,52 @@ struct wet_block {
   vectors water;       ///< velocity of the water, water frame
   vectors velocity;    ///< relative to the water, global axes
   vectors lever;       ///< from the force marker, global axes
+
+  /// Lets the first node stand in for those that are missing in the last vector.
+  void pad() {
+    for (int w = count; w < whole_vectors(count); ++w) {
+      for (vectors* v : {&local, &water}) v->x[w] = v->x[0], v->y[w] = v->y[0], v->z[w] = v->z[0];
+    }
+  }
 };
 
-QV_WIDE_VECTORS void find_positions(const motion& m, node_block& b) {
-  rotate(m.R, b.local, b.position, b.count);
-  for (int i = 0; i < b.count; ++i) {
-    b.position.x[i] += m.d[0];
-    b.position.y[i] += m.d[1];
-    b.position.z[i] += m.d[2];
+/// @param x, y, z  the nodes of the block, body marker frame; readable up to the end of the last vector
+QV_WIDE_VECTORS void find_positions(const motion& m, const double* x, const double* y, const double* z, node_block& b) {
+  const double *R = m.R, *d = m.d;
+  const int count = in_whole_vectors(whole_vectors(b.count));
+  QV_ROWS_APART
+  for (int i = 0; i < count; ++i) {
+    b.position.x[i] = R[0] * x[i] + R[3] * y[i] + R[6] * z[i] + d[0];
+    b.position.y[i] = R[1] * x[i] + R[4] * y[i] + R[7] * z[i] + d[1];
+    b.position.z[i] = R[2] * x[i] + R[5] * y[i] + R[8] * z[i] + d[2];
   }
 }
 
 /// @return whether every lever is a finite number
 QV_WIDE_VECTORS bool find_velocities(const motion& m, wet_block& b) {
-  vectors turning, relative;  // body marker frame; water frame
-  for (int i = 0; i < b.count; ++i) {
-    turning.x[i] = m.spin[1] * b.local.z[i] - m.spin[2] * b.local.y[i];
-    turning.y[i] = m.spin[2] * b.local.x[i] - m.spin[0] * b.local.z[i];
-    turning.z[i] = m.spin[0] * b.local.y[i] - m.spin[1] * b.local.x[i];
-  }
-  rotate(m.R, turning, relative, b.count);
-  for (int i = 0; i < b.count; ++i) {
-    relative.x[i] = relative.x[i] + m.v[0] - b.water.x[i];
-    relative.y[i] = relative.y[i] + m.v[1] - b.water.y[i];
-    relative.z[i] = relative.z[i] + m.v[2] - b.water.z[i];
-  }
-  rotate(m.A5, relative, b.velocity, b.count);
-  rotate(m.A6, b.local, b.lever, b.count);
+  const double *R = m.R, *A5 = m.A5, *A6 = m.A6;
+  const int count = in_whole_vectors(whole_vectors(b.count));
   std::int64_t infinite = 0;
-  for (int i = 0; i < b.count; ++i) {
-    b.lever.x[i] = b.lever.x[i] + m.p6[0] - m.p4[0];
-    b.lever.y[i] = b.lever.y[i] + m.p6[1] - m.p4[1];
-    b.lever.z[i] = b.lever.z[i] + m.p6[2] - m.p4[2];
-    infinite |= 0.0 * b.lever.x[i] + 0.0 * b.lever.y[i] + 0.0 * b.lever.z[i] == 0.0 ? 0 : 1;
+  QV_ROWS_APART
+  for (int i = 0; i < count; ++i) {
+    const double x = b.local.x[i], y = b.local.y[i], z = b.local.z[i];
+    // By the turning of the body, in its axes; relative to the water, in the water frame; the same in global axes.
+    const double tx = m.spin[1] * z - m.spin[2] * y;
+    const double ty = m.spin[2] * x - m.spin[0] * z;
+    const double tz = m.spin[0] * y - m.spin[1] * x;
+    const double rx = R[0] * tx + R[3] * ty + R[6] * tz + m.v[0] - b.water.x[i];
+    const double ry = R[1] * tx + R[4] * ty + R[7] * tz + m.v[1] - b.water.y[i];
+    const double rz = R[2] * tx + R[5] * ty + R[8] * tz + m.v[2] - b.water.z[i];
+    b.velocity.x[i] = A5[0] * rx + A5[3] * ry + A5[6] * rz;
+    b.velocity.y[i] = A5[1] * rx + A5[4] * ry + A5[7] * rz;
+    b.velocity.z[i] = A5[2] * rx + A5[5] * ry + A5[8] * rz;
+    const double lx = A6[0] * x + A6[3] * y + A6[6] * z + m.p6[0] - m.p4[0];
+    const double ly = A6[1] * x + A6[4] * y + A6[7] * z + m.p6[1] - m.p4[1];
+    const double lz = A6[2] * x + A6[5] * y + A6[8] * z + m.p6[2] - m.p4[2];
+    b.lever.x[i] = lx;
+    b.lever.y[i] = ly;
+    b.lever.z[i] = lz;
+    infinite |= 0.0 * lx + 0.0 * ly + 0.0 * lz == 0.0 ? 0 : 1;
   }
   return infinite == 0;
 }
@@ -125,15 +137,11 @@ public:
     const std::size_t nodes = m_mesh.nodes.size();
     for (m_first = 0; m_first < nodes; m_first += k_block) {
       m_nodes.count = static_cast<int>(std::min<std::size_t>(k_block, nodes - m_first));
-      for (int i = 0; i < m_nodes.count; ++i) {
-        const Cnode& node = m_mesh.nodes[m_first + static_cast<std::size_t>(i)];
-        m_nodes.local.x[i] = node.x;
-        m_nodes.local.y[i] = node.y;
-        m_nodes.local.z[i] = node.z;
-      }
-      find_positions(m_, m_nodes);
+      find_positions(m_, m_mesh.node_x.data() + m_first, m_mesh.node_y.data() + m_first, m_mesh.node_z.data() + m_first,
+                     m_nodes);
       find_surface();
       find_water();
+      m_wet.pad();
       m_infinite_lever |= !find_velocities(m_, m_wet);
       store_flows();
     }
@@ -159,6 +167,12 @@ private:
   double m_highest = 0.0, m_lowest = 0.0;  ///< of the elevations so far, and of the 0 of corners that do not count
 };
 
+/// In pairs, as these numbers are read.
+QV_IN_LOOPS void store(double x, double y, double z, double elevation, node_place& place) {
+  put(two_lanes{x, y}, place.position);
+  put(two_lanes{z, elevation}, place.position + 2);
+}
+
 // The compiler takes a byte that is stored for one of whatever else stands in memory, so these loops hold all they need
 // in variables of their own.
 
@@ -180,11 +194,8 @@ void node_pass::find_surface() {
   for (int i = 0; i < count; ++i) {
     const double x = position.x[i], z = position.z[i];
     node_place& place = places[i];
-    place.position[0] = x;
-    place.position[1] = position.y[i];
-    place.position[2] = z;
     if (x < 0.0 || x >= last) {
-      place.elevation = 0.0;
+      store(x, position.y[i], z, 0.0, place);
       marks[i] = static_cast<unsigned char>(k_off_table | (x < first ? k_before : 0) | (x > last ? k_behind : 0));
       continue;
     }
@@ -205,7 +216,7 @@ void node_pass::find_surface() {
       lowest = elevation < lowest ? elevation : lowest;
       no_numbers |= elevation != elevation;
     }
-    place.elevation = elevation;
+    store(x, position.y[i], z, elevation, place);
     const bool dry = elevation < z;
     marks[i] = static_cast<unsigned char>(mark | (dry ? 0 : k_wet));
     m_wet.index[wet] = i;
@@ -223,12 +234,15 @@ void node_pass::find_water() {
   const current_rows along_x(m_element.current1, m_nodes.position), along_y(m_element.current2, m_nodes.position);
   node_intervals* const intervals = m_mesh.intervals.data() + m_first;
   unsigned char* const marks = m_mesh.marks.data() + m_first;
+  const double* const local_x = m_mesh.node_x.data() + m_first;
+  const double* const local_y = m_mesh.node_y.data() + m_first;
+  const double* const local_z = m_mesh.node_z.data() + m_first;
   const int count = m_wet.count;
   for (int w = 0; w < count; ++w) {
     const int i = m_wet.index[w];
-    m_wet.local.x[w] = m_nodes.local.x[i];
-    m_wet.local.y[w] = m_nodes.local.y[i];
-    m_wet.local.z[w] = m_nodes.local.z[i];
+    m_wet.local.x[w] = local_x[i];
+    m_wet.local.y[w] = local_y[i];
+    m_wet.local.z[w] = local_z[i];
     node_intervals& found = intervals[i];
     const double a = m_nodes.share[i], b = 1.0 - a;
     m_wet.water.z[w] = found.on_wave_col ? table.at(found.wave_col, a, b) : 0.0;

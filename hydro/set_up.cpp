@@ -6,6 +6,7 @@
 #include "common/kernels/kernels.h"
 #include "hydro/files.h"
 #include "hydro/hydro_force.h"
+#include "hydro/lanes.h"
 #include "qvbrisk/layouts.h"
 #include "qvbrisk/services.h"
 
@@ -51,10 +52,14 @@ void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& c
   sub.flows.assign(count + 1, node_flow());
   sub.intervals.assign(count + 1, node_intervals());
   sub.marks.assign(count + 1, 0);
+  for (auto* row : {&sub.node_x, &sub.node_y, &sub.node_z}) row->assign(whole_vectors(sub.node_count + 1), 0.0);
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: every node that exists has all the others
   for (std::size_t i = 0; i < count; ++i) {
     const double* at = par + QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * i;
     sub.nodes[i] = {at[0], at[1], at[2]};
+    sub.node_x[i] = at[0];
+    sub.node_y[i] = at[1];
+    sub.node_z[i] = at[2];
     if (i == 0 || sub.nodes[i].z > sub.max_node_z) sub.max_node_z = sub.nodes[i].z;
   }
 }
