@@ -26,6 +26,18 @@ AxisPlace place_on(const std::vector<double>& axis, double value) {
   return {index, (value - axis[index]) / (axis[index + 1] - axis[index])};
 }
 
+/// The same, from a first guess for positions that are evenly spaced.
+/// @param per_length  entries per length; 0 if the axis does not increase
+AxisPlace place_near(const std::vector<double>& axis, double value, double per_length) {
+  if (!(per_length > 0) || !(value > axis.front()) || value >= axis.back()) return place_on(axis, value);
+  const double guess = (value - axis.front()) * per_length;
+  const size_t index = std::min(static_cast<size_t>(guess), axis.size() - 2);
+  for (const size_t k : {index, index + 1, index - 1})  // the spacing may be rounded
+    if (k < axis.size() - 1 && axis[k] <= value && value < axis[k + 1])
+      return {k, (value - axis[k]) / (axis[k + 1] - axis[k])};
+  return place_on(axis, value);
+}
+
 double along(const std::vector<double>& row, const AxisPlace& at) {
   return at.share == 0 ? row[at.index] : row[at.index] * (1 - at.share) + row[at.index + 1] * at.share;
 }
@@ -50,6 +62,24 @@ double WaveFile::blended(const std::vector<std::vector<double>>& table, double t
 double WaveFile::elevation_at(double t, double position) const { return blended(elevation, t, position); }
 
 double WaveFile::velocity_at(double t, double position) const { return blended(velocity, t, position); }
+
+SurfaceAt::SurfaceAt(const WaveFile& wave, double t) : m_x(wave.x) {
+  if (wave.elevation.empty() || m_x.empty()) return;
+  const AxisPlace row = place_on(wave.time, t);
+  m_before = &wave.elevation[row.index];
+  m_share = row.share;
+  if (m_share != 0) m_after = &wave.elevation[row.index + 1];
+  const double length = m_x.back() - m_x.front();
+  if (length > 0 && std::is_sorted(m_x.begin(), m_x.end()))
+    m_columns_per_length = static_cast<double>(m_x.size() - 1) / length;
+}
+
+double SurfaceAt::elevation(double x) const {
+  if (m_before == nullptr) return 0;
+  const AxisPlace column = place_near(m_x, x, m_columns_per_length);
+  const double value = along(*m_before, column);
+  return m_after == nullptr ? value : value * (1 - m_share) + along(*m_after, column) * m_share;
+}
 
 WaveHeader read_wave_header(TableTokens& tokens) {
   WaveHeader header;

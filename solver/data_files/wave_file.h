@@ -24,6 +24,23 @@ private:
   double blended(const std::vector<std::vector<double>>& table, double t, double position) const;
 };
 
+/// The surface of a WAVE file at one time, for many positions: the values of elevation_at, bit for bit, without another
+/// search in the times, and with hardly any in the positions where those are evenly spaced.
+class SurfaceAt {
+public:
+  /// The file must outlive this object.
+  SurfaceAt(const WaveFile& wave, double t);
+
+  double elevation(double x) const;
+
+private:
+  const std::vector<double>& m_x;
+  const std::vector<double>* m_before = nullptr;  ///< row of the table at or before the time; null if there is none
+  const std::vector<double>* m_after = nullptr;   ///< the next one; null at a row or beyond the table
+  double m_share = 0;                             ///< of the way from the one to the other
+  double m_columns_per_length = 0;                ///< on the average; 0 if the positions do not increase
+};
+
 /// Reads a WAVE file with the subroutines' grammar: from the first token that cannot be read, all values stay 0.
 /// Returns nothing if the file cannot be opened, if a count is 0 or less, or if it declares a table of more than 1 GiB
 /// that it cannot fill.

@@ -43,9 +43,9 @@ std::optional<TriangleMesh> read_mesh(const std::vector<double>& par) {
   return mesh;
 }
 
-/// Depth of a point, given in the water's frame, under the water; 0 if no water is there.
-double depth_of(const Water& water, double time, const Vec3& point) {
-  return is_over(water, point[0]) ? find_level(water, time, point[0]) - point[2] : 0;
+/// Depth of a point, given by x and z in the water's frame, under the water; 0 if no water is there.
+double depth_of(const Water& water, const SurfaceAt& surface, double x, double z) {
+  return is_over(water, x) ? surface.elevation(x) - z : 0;
 }
 
 }  // namespace
@@ -69,21 +69,31 @@ std::optional<Hull> read_hull(const Model& model, int element) {
 HullState calc_hull_state(const Model& model, const Hull& hull, const Water* water, const Frame& frame) {
   HullState state;
   const MarkerPose pose = find_marker_pose(model, hull.marker, frame);
+  state.points.reserve(hull.mesh.points.size());
   for (const Vec3& node : hull.mesh.points) state.points.push_back(to_ground(pose, node));
   state.depth.assign(state.points.size(), 0);
   state.wet.assign(hull.mesh.triangles.size(), false);
   if (water == nullptr) return state;
 
   const MarkerPose water_pose = find_marker_pose(model, water->marker, frame);
-  std::vector<Vec3> afloat;  // nodes in the water's frame
-  for (const Vec3& point : state.points) afloat.push_back(to_marker(water_pose, point));
-  for (size_t k = 0; k < afloat.size(); ++k) state.depth[k] = depth_of(*water, frame.time, afloat[k]);
+  const SurfaceAt surface(water->wave, frame.time);
+  struct Third {
+    double x, z;
+  };
+  std::vector<Third> thirds;  // of each node's place in the water's frame: what it adds to a patch's centroid
+  thirds.reserve(state.points.size());
+  for (size_t k = 0; k < state.points.size(); ++k) {
+    const Vec3 afloat = to_marker(water_pose, state.points[k]);
+    state.depth[k] = depth_of(*water, surface, afloat[0], afloat[2]);
+    thirds.push_back({afloat[0] / 3, afloat[2] / 3});
+  }
   for (size_t k = 0; k < state.wet.size(); ++k) {
-    Vec3 centroid{};
+    double x = 0, z = 0;
     for (const int node : hull.mesh.triangles[k]) {
-      for (size_t c = 0; c < 3; ++c) centroid[c] += afloat[static_cast<size_t>(node)][c] / 3;
+      x += thirds[static_cast<size_t>(node)].x;
+      z += thirds[static_cast<size_t>(node)].z;
     }
-    state.wet[k] = depth_of(*water, frame.time, centroid) > 0;
+    state.wet[k] = depth_of(*water, surface, x, z) > 0;
   }
   return state;
 }

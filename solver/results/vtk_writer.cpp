@@ -168,13 +168,15 @@ void VtkWriter::write_points(const Frame& frame) {
     normal_force.push_back(static_cast<float>(point.local_force[2]));
     in_contact.push_back(point.in_contact() ? 1 : 0);
   }
-  write_part("points", m_points, coordinates,
-             {{"sinkage", 1, sinkage, Packing::fast},
-              {"dynamic_sinkage", 1, dynamic_sinkage, Packing::fast},
-              {"local_force", 3, local_force, Packing::fast},
-              {"force", 1, force, Packing::fast},
-              {"normal_force", 1, normal_force, Packing::fast},
-              {"in_contact", 1, in_contact, Packing::fast}});
+  std::vector<VtpArray> data;
+  data.reserve(6);
+  data.emplace_back("sinkage", 1, sinkage, Packing::fast);
+  data.emplace_back("dynamic_sinkage", 1, dynamic_sinkage, Packing::fast);
+  data.emplace_back("local_force", 3, local_force, Packing::fast);
+  data.emplace_back("force", 1, force, Packing::fast);
+  data.emplace_back("normal_force", 1, normal_force, Packing::fast);
+  data.emplace_back("in_contact", 1, in_contact, Packing::fast);
+  write_part("points", m_points, coordinates, data);
 }
 
 VtpTopology VtkWriter::hull_topology() const {
@@ -204,29 +206,37 @@ void VtkWriter::write_hulls(const Frame& frame) {
     for (const double value : state.depth) depth.push_back(static_cast<float>(value));
     wet.insert(wet.end(), state.wet.begin(), state.wet.end());
   }
-  write_part("hulls", m_hulls, coordinates, {{"depth", 1, depth, Packing::fast}}, {{"wet", 1, wet, Packing::fast}});
+  std::vector<VtpArray> of_nodes, of_patches;
+  of_nodes.emplace_back("depth", 1, depth, Packing::fast);
+  of_patches.emplace_back("wet", 1, wet, Packing::fast);
+  write_part("hulls", m_hulls, coordinates, of_nodes, of_patches);
 }
 
 void VtkWriter::write_water(const Frame& frame) {
   TriangleMesh all;
   Floats elevations;
+  std::vector<size_t> columns;
   for (size_t k = 0; k < m_recording.waters.size(); ++k) {
     const Water& water = m_recording.waters[k];
     widen(m_reaches[k], m_recording, k, frame);
     const WaterStrip strip = choose_strip(water, m_reaches[k], k_water_columns);
     append_mesh(all, sheet_mesh(*m_recording.model, water, strip, frame), k_identity, {0, 0, 0});
-    for (const double x : strip.x)
-      elevations.insert(elevations.end(), 2, static_cast<float>(find_level(water, frame.time, x)));
+    const SurfaceAt surface(water.wave, frame.time);
+    for (const double x : strip.x) elevations.insert(elevations.end(), 2, static_cast<float>(surface.elevation(x)));
+    columns.push_back(strip.x.size());
   }
-  if (m_frames == 0 || m_water.points != all.points.size()) {
+  if (columns != m_water_columns) {
     Integers corners;
     append_corners(corners, all.triangles, 0);
     m_water = triangle_topology(all.points.size(), corners);
+    m_water_columns = columns;
   }
   std::vector<double> coordinates;
   coordinates.reserve(3 * all.points.size());
   for (const Vec3& point : all.points) append(coordinates, point);
-  write_part("water", m_water, coordinates, {{"elevation", 1, elevations, Packing::fast}});
+  std::vector<VtpArray> data;
+  data.emplace_back("elevation", 1, elevations, Packing::fast);
+  write_part("water", m_water, coordinates, data);
 }
 
 VtpArray VtkWriter::places(const std::vector<double>& coordinates) const {

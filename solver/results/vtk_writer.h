@@ -61,7 +61,8 @@ private:
   bool m_has_terrain;
   bool m_has_points = false;
   VtpTopology m_bodies, m_points, m_hulls, m_water;
-  std::vector<WaterReach> m_reaches;  ///< per water what its hulls have covered so far
+  std::vector<size_t> m_water_columns;  ///< of each water, as its topology has them
+  std::vector<WaterReach> m_reaches;    ///< per water what its hulls have covered so far
   OutputFile m_index;
   long m_index_end = 0;  ///< position before the closing tags
   long m_frames = 0;

@@ -4,6 +4,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <numeric>
 #include <stdexcept>
@@ -11,11 +12,6 @@
 namespace qvslv {
 
 namespace {
-
-template <class Number>
-void append_raw(std::string& bytes, Number value) {
-  for (size_t k = 0; k < sizeof value; ++k) bytes += static_cast<char>(value >> 8 * k & 0xff);
-}
 
 /// The Adler-32 checksum at the end of a zlib stream, of any length.
 std::uint32_t checksum(const unsigned char* bytes, size_t count) {
@@ -32,8 +28,10 @@ void append_stored(std::string& out, const unsigned char* bytes, size_t count) {
   do {
     const size_t length = std::min(k_most, count - at);
     out += at + length == count ? '\1' : '\0';
-    append_raw(out, static_cast<std::uint16_t>(length));
-    append_raw(out, static_cast<std::uint16_t>(~length & 0xffff));
+    for (const size_t number : {length, ~length}) {  // both as two bytes, the low one first
+      out += static_cast<char>(number & 0xff);
+      out += static_cast<char>(number >> 8 & 0xff);
+    }
     out.append(reinterpret_cast<const char*>(bytes) + at, length);
     at += length;
   } while (at < count);
@@ -87,20 +85,19 @@ void VtpArray::pack(const char* type, const char* name, int components, const vo
                     Packing packing) {
   m_attributes = fmt::format("type=\"{}\" Name=\"{}\" NumberOfComponents=\"{}\"", type, name, components);
   if (count == 0) {
-    append_raw(m_bytes, std::uint64_t{0});
+    m_bytes.assign(sizeof(std::uint64_t), '\0');
     return;
   }
   const auto* bytes = static_cast<const unsigned char*>(values);
-  std::string stream;
+  constexpr size_t k_lengths = 4 * sizeof(std::uint64_t);
+  m_bytes.resize(k_lengths);
   if (packing == Packing::fast) {
-    append_stored(stream, bytes, count);
+    append_stored(m_bytes, bytes, count);
   } else {
-    append_shrunk(stream, bytes, count);
+    append_shrunk(m_bytes, bytes, count);
   }
-  m_bytes.reserve(stream.size() + 4 * sizeof(std::uint64_t));
-  for (const std::uint64_t length : {std::uint64_t{1}, std::uint64_t{count}, std::uint64_t{0}, stream.size()})
-    append_raw(m_bytes, length);
-  m_bytes += stream;
+  const std::uint64_t lengths[] = {1, count, 0, m_bytes.size() - k_lengths};
+  std::memcpy(&m_bytes[0], lengths, k_lengths);
 }
 
 VtpTopology triangle_topology(size_t points, const std::vector<std::int32_t>& corners) {

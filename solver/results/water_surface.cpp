@@ -50,8 +50,6 @@ bool is_moving(const Water& water) {
          std::any_of(water.wave.velocity.begin(), water.wave.velocity.end(), moves);
 }
 
-double find_level(const Water& water, double time, double x) { return water.wave.elevation_at(time, x); }
-
 void PlanBox::add(double x, double y) {
   if (!std::isfinite(x) || !std::isfinite(y)) return;
   low = empty ? std::array{x, y} : std::array{std::min(low[0], x), std::min(low[1], y)};
@@ -98,8 +96,10 @@ WaterStrip choose_strip(const Water& water, const WaterReach& reach, size_t most
 TriangleMesh sheet_mesh(const Model& model, const Water& water, const WaterStrip& strip, const Frame& frame) {
   TriangleMesh mesh;
   const MarkerPose pose = find_marker_pose(model, water.marker, frame);
+  const SurfaceAt surface(water.wave, frame.time);
+  mesh.points.reserve(2 * strip.x.size());
   for (const double x : strip.x) {
-    const double level = find_level(water, frame.time, x);
+    const double level = surface.elevation(x);
     mesh.points.push_back(to_ground(pose, {x, strip.y_low, level}));
     mesh.points.push_back(to_ground(pose, {x, strip.y_high, level}));
   }

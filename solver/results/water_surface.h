@@ -16,9 +16,6 @@ bool is_over(const Water& water, double x);
 /// True if the water ever leaves its rest.
 bool is_moving(const Water& water);
 
-/// Height of the surface above the water marker's x-y plane. Beyond the table, in time or position, its border is held.
-double find_level(const Water& water, double time, double x);
-
 /// A rectangle of a water's plan, in the water marker's frame.
 struct PlanBox {
   std::array<double, 2> low = {0, 0}, high = {0, 0};

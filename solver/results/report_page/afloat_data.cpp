@@ -39,9 +39,8 @@ void AfloatData::choose_strips() {
 
 void AfloatData::append(const Frame& frame) {
   for (size_t k = 0; k < m_strips.size(); ++k) {
-    for (const double x : m_strips[k].x) {
-      m_levels.push_back(static_cast<float>(find_level(m_recording.waters[k], frame.time, x)));
-    }
+    const SurfaceAt surface(m_recording.waters[k].wave, frame.time);
+    for (const double x : m_strips[k].x) m_levels.push_back(static_cast<float>(surface.elevation(x)));
   }
   const size_t first = m_wet.size();
   m_wet.resize(first + (m_patches + 7) / 8, 0);

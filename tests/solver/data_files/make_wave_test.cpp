@@ -295,6 +295,36 @@ TEST(WaveFile, IsHeldBeyondTheEndsOfItsAxesAndStraightBetween) {
   EXPECT_EQ(WaveFile().elevation_at(0, 0), 0);
 }
 
+TEST(WaveFile, SurfaceAtATimeIsThatOfTheFileBitForBitOnAnyAxis) {
+  struct axis_case {
+    const char* why;
+    std::vector<double> x;
+  };
+  const axis_case cases[] = {{"even, rounded", {0, 0.1, 0.2, 0.30000000000000004, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9}},
+                             {"uneven", {-1, 0, 0.001, 0.002, 0.5, 7, 8, 9, 9.5, 10}},
+                             {"with a step", {0, 1, 2, 3, 3, 3, 4, 5, 6, 7}},
+                             {"back and forth, as a file that ends too soon leaves it", {0, 1, 2, 0, 0, 5, 0, 0, 0, 0}},
+                             {"all at one place", std::vector<double>(10, 2.0)},
+                             {"one column", {3}}};
+  for (const axis_case& c : cases) {
+    SCOPED_TRACE(c.why);
+    WaveFile wave;
+    wave.time = {0, 0.5, 2};
+    wave.x = c.x;
+    for (int row = 0; row < 3; ++row) {
+      wave.elevation.emplace_back();
+      for (size_t k = 0; k < c.x.size(); ++k)
+        wave.elevation.back().push_back(std::sin(static_cast<double>(k) + 0.7 * row));
+    }
+    for (const double time : {-1.0, 0.0, 0.3, 0.5, 1.9, 2.0, 3.0}) {
+      const qvslv::SurfaceAt surface(wave, time);
+      for (double x = -2; x < 12; x += 0.0173) EXPECT_EQ(surface.elevation(x), wave.elevation_at(time, x)) << x;
+      for (const double x : c.x) EXPECT_EQ(surface.elevation(x), wave.elevation_at(time, x)) << x;
+    }
+  }
+  EXPECT_EQ(qvslv::SurfaceAt(WaveFile(), 0).elevation(0), 0);
+}
+
 struct mistake_case {
   const char* why;
   void (*spoil)(WaveSettings& s);

@@ -233,8 +233,8 @@ TEST(ModelFile, ResultsAreAListWithCommas) {
                         {"page,page", false, false, true},
                         {"table,all", true, true, true}};
   for (const Case& c : cases) {
-    const qvslv::ResultKinds kinds =
-        read("end_time = 1", std::string("end_time = 1\nresults = \"") + c.list + "\"").simulation.results;
+    const std::string key = std::string("results = \"") + c.list + "\"\n";
+    const qvslv::ResultKinds kinds = read("output_step = 0.1\n", key).simulation.results;
     EXPECT_EQ(kinds.table, c.table) << c.list;
     EXPECT_EQ(kinds.frames, c.frames) << c.list;
     EXPECT_EQ(kinds.page, c.page) << c.list;
