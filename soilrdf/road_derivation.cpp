@@ -10,20 +10,11 @@
 namespace qvsoilrdf {
 namespace {
 
-[[noreturn]] void refuse_node_number(std::size_t element, std::int32_t number, std::int64_t count,
-                                     const qv::fault_channel& channel) {
+[[noreturn, gnu::noinline, gnu::cold]] void refuse_node_number(const CRoad& road, std::size_t element,
+                                                               std::int32_t number, const qv::fault_channel& channel) {
   qv::first_fault("READ RDF ERROR : Element " + std::to_string(element + 1) + " names node " + std::to_string(number) +
-                      "; node numbers must lie between 1 and " + std::to_string(count) + ".",
+                      "; node numbers must lie between 1 and " + std::to_string(road.nodes.size()) + ".",
                   channel.ierr, channel.msg);
-}
-
-void check_node_numbers(const CRoad& road, const qv::fault_channel& channel) {
-  const auto count = static_cast<std::int64_t>(road.nodes.size());
-  for (std::size_t i = 0; i < road.elements.size(); ++i) {
-    for (const std::int32_t number : road.elements[i].node) {
-      if (number < 1 || number > count) refuse_node_number(i, number, count, channel);
-    }
-  }
 }
 
 // Kept: the differences are cyclic and signed, no extents. For corners at 2, 1, 0 the result is 1. The cell size
@@ -32,12 +23,17 @@ double largest_cyclic_difference(double so_far, double k, double l, double m) {
   return std::max(std::max(so_far, k - l), std::max(l - m, m - k));
 }
 
-/// Finds the largest cyclic differences and the reach of the triangle whose shape is worst.
-void survey_triangles(CRoad& road) {
+/// Checks the node numbers, finds the largest cyclic differences and the reach of the triangle whose shape is worst.
+void survey_triangles(CRoad& road, const qv::fault_channel& channel) {
+  const std::size_t count = road.nodes.size();
   double max_dx = road.max_dx, max_dy = road.max_dy;
   double worst_area = 1.0,
          worst_longest = 0.0;  // of the worst shape so far: the smallest area over longest edge squared
-  for (const corner_numbers& element : road.elements) {
+  for (std::size_t e = 0; e < road.elements.size(); ++e) {
+    const corner_numbers& element = road.elements[e];
+    for (const std::int32_t number : element.node) {
+      if (static_cast<std::uint32_t>(number) - 1 >= count) refuse_node_number(road, e, number, channel);
+    }
     const CNode &K = road.corner(element, 0), &L = road.corner(element, 1), &M = road.corner(element, 2);
     max_dx = largest_cyclic_difference(max_dx, K.x, L.x, M.x);
     max_dy = largest_cyclic_difference(max_dy, K.y, L.y, M.y);
@@ -95,8 +91,7 @@ void size_grid(CRoad& road, const qv::fault_channel& channel) {
 void derive_road(CRoad& road, const qv::fault_channel& channel) {
   road.x_offset = -road.x_min;
   road.y_offset = -road.y_min;
-  check_node_numbers(road, channel);
-  survey_triangles(road);
+  survey_triangles(road, channel);
   size_grid(road, channel);
   build_cell_grid(road);
 }

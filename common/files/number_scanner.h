@@ -39,8 +39,9 @@ std::uint64_t scan_digits(const char*& c, const char* end, std::uint64_t digits)
 
 /// Reads the next number after blanks. Most files hold only plain decimals of up to 15 digits. These are exact integers
 /// over an exact power of ten, so that one division rounds them as the general reader would, only faster.
+/// Inlined always: a call per number is a tenth of the time of a file.
 template <bool in_line>
-bool scan_next(const char*& at, const char* end, double& value) {
+[[gnu::always_inline]] inline bool scan_next(const char*& at, const char* end, double& value) {
   static constexpr double k_powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
   while (goes_on<in_line>(at, end) && is_blank(*at) && !(in_line && *at == '\n')) ++at;
