@@ -1,6 +1,7 @@
 #include "soilinteraction/soil_laws.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "common/call/messages.h"
 
@@ -27,7 +28,7 @@ public:
     find_sinkages();
     find_depth_powers();
     find_normal_loads();
-    for (int along = 0; along < 2; ++along) find_shear_stress(along);
+    find_shear_stresses();
     store();
   }
 
@@ -41,7 +42,7 @@ private:
   void find_sinkages();
   void find_depth_powers();
   void find_normal_loads();
-  void find_shear_stress(int along);
+  void find_shear_stresses();
   void store() const;
 
   const soil_law& m_law;
@@ -112,12 +113,14 @@ QV_WIDE_VECTORS void point_rows::find_pressure_powers() {
 QV_WIDE_VECTORS void point_rows::find_shear_powers() {
   if (m_law.dynamic.critical_pressure == 0.0) return;
   row squares, bases;
+  std::uint64_t sheared = 0;  // 1 if any point is
   for (int i = 0; i < m_count; ++i) {
     const double g = m_shear_disp[1][i] * m_shear_disp[1][i] + m_shear_disp[0][i] * m_shear_disp[0][i];
     squares[i] = g;
     bases[i] = g > 0.0 ? g : 1.0;
+    sheared |= g > 0.0 ? std::uint64_t{1} : std::uint64_t{0};
   }
-  qv::powers(bases, m_law.dynamic.exponent_sd, m_shear_power, m_count);
+  if (sheared != 0) qv::powers(bases, m_law.dynamic.exponent_sd, m_shear_power, m_count);
   for (int i = 0; i < m_count; ++i) m_shear_power[i] = squares[i] > 0.0 ? m_shear_power[i] : 0.0;
 }
 
@@ -171,21 +174,28 @@ QV_WIDE_VECTORS void point_rows::find_normal_loads() {
   }
 }
 
-QV_WIDE_VECTORS void point_rows::find_shear_stress(int along) {
-  const row& j = m_shear_disp[along];
-  const row& v = m_slip_velocity[along];
-  row falling, rest;
+/// Along both tangents. The exponentials of all points stand in one row: first e^(1 - r), then e^-r, of each tangent.
+QV_WIDE_VECTORS void point_rows::find_shear_stresses() {
+  double arguments[4 * k_block], exponentials[4 * k_block];
   const double K = m_law.wong.max_shear_disp, hump = m_law.hump;
-  for (int i = 0; i < m_count; ++i) {
-    const double r = shear_ratio(j[i], K);
-    falling[i] = 1.0 - r;
-    rest[i] = -r;
+  const int n = m_count;
+  for (int along = 0; along < 2; ++along) {
+    const row& j = m_shear_disp[along];
+    double* falling = arguments + 2 * along * n;
+    double* rest = falling + n;
+    for (int i = 0; i < n; ++i) {
+      const double r = shear_ratio(j[i], K);
+      falling[i] = 1.0 - r;
+      rest[i] = -r;
+    }
   }
-  qv::exponentials(falling, falling, m_count);
-  qv::exponentials(rest, rest, m_count);
-  row& stress = m_shear_stress[along];
-  for (int i = 0; i < m_count; ++i) {
-    stress[i] = get_wong_shear_pressure(hump, m_strength[i], falling[i], rest[i], v[i]);
+  qv::exponentials(arguments, exponentials, 4 * n);
+  for (int along = 0; along < 2; ++along) {
+    const row& v = m_slip_velocity[along];
+    row& stress = m_shear_stress[along];
+    const double* falling = exponentials + 2 * along * n;
+    const double* rest = falling + n;
+    for (int i = 0; i < n; ++i) stress[i] = get_wong_shear_pressure(hump, m_strength[i], falling[i], rest[i], v[i]);
   }
 }
 

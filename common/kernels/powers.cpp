@@ -140,22 +140,33 @@ QV_FOR_512 std::uint64_t exponentials_512(const double* x, double* values, std::
 }
 #endif
 
-/// The function of each number, block by block: `loop` for all, then `special` for those that it does not hold for.
+constexpr int k_widest = 8;  ///< a loop takes a multiple of so many numbers
+
+/// `loop` for all of a block's numbers, then `special` for those that its values do not hold for. `in` is not `out`.
+template <typename Loop, typename Special>
+void apply_to_whole_vectors(const Loop& loop, const Special& special, const double* in, double* out, int count) {
+  std::uint64_t holds[k_block];
+  if (loop(in, out, holds, count) != 0) return;
+  for (int i = 0; i < count; ++i)
+    if (holds[i] == 0) out[i] = special(in[i]);
+}
+
+/// The function of each number, block by block. `to` may be `from`.
 template <typename Loop, typename Special>
 void apply(const Loop& loop, const Special& special, const double* from, double* to, int count) {
-  constexpr int k_widest = 8;
-  double in[k_block], out[k_block];
-  std::uint64_t holds[k_block];
+  double copy[k_block];
   for (int done = 0; done < count; done += k_block) {
     const int here = std::min(count - done, k_block);
-    const int padded = (here + k_widest - 1) / k_widest * k_widest;
-    std::copy_n(from + done, here, in);
-    std::fill(in + here, in + padded, 1.0);
-    if (loop(in, out, holds, padded) == 0) {
-      for (int i = 0; i < here; ++i)
-        if (holds[i] == 0) out[i] = special(in[i]);
-    }
-    std::copy_n(out, here, to + done);
+    const int whole = here / k_widest * k_widest;
+    const double* in = from + done;
+    double* out = to + done;
+    if (from == to) in = std::copy_n(in, here, copy) - here;
+    if (whole > 0) apply_to_whole_vectors(loop, special, in, out, whole);
+    if (whole == here) continue;
+    double last_in[k_widest] = {1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0}, last_out[k_widest];
+    std::copy(in + whole, in + here, last_in);
+    apply_to_whole_vectors(loop, special, last_in, last_out, k_widest);
+    std::copy_n(last_out, here - whole, out + whole);
   }
 }
 
