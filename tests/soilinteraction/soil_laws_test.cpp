@@ -1,9 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
 #include "tests/soilinteraction/law_probe.h"
 
 namespace qvtest {
 namespace {
+
+using qvsoilinteraction::Croad_contact;
+using qvsoilinteraction::Csoil_contact;
 
 // --- Wong's shear curve ------------------------------------------------------------------------------------------
 
@@ -325,6 +333,72 @@ TEST(ShearForce, OnlyConcreteSpeltExactlySoIsHard) {
     point.rc.shear_disp[0] = k_j;
     ASSERT_EQ(load(soil, k_plate, point).count, 0);
     EXPECT_LT(point.sc.shear_force_1, 0.0) << '"' << type << '"';
+  }
+}
+
+// --- blocks ------------------------------------------------------------------------------------------------------
+
+/// Points of all kinds: deep, shallow, on the surface, not sheared, pressed before or not, without a number.
+std::vector<loaded_point> points_of_all_kinds(int count) {
+  std::vector<loaded_point> points(static_cast<std::size_t>(count));
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> share(0.0, 1.0);
+  for (loaded_point& point : points) {
+    Croad_contact& rc = point.rc;
+    rc.sinkage = -0.1 * share(random);
+    rc.area_ratio = share(random);
+    rc.last_pressure = random() % 4 == 0 ? 0.0 : 1e5 * share(random);
+    rc.normal_velocity = share(random) - 0.5;
+    for (int along = 0; along < 2; ++along) {
+      rc.slip_velocity[along] = share(random) - 0.5;
+      rc.shear_disp[along] = random() % 3 == 0 ? 0.0 : 0.2 * share(random) - 0.1;
+    }
+    point.sc.normal_force = 1e3 * share(random);  // of an evaluation before
+    if (random() % 7 == 0) rc.sinkage = 0.0;
+    if (random() % 11 == 0) rc.last_pressure = -1.0;
+    if (random() % 13 == 0) rc.shear_disp[0] = 40.0;  // e^-r vanishes
+  }
+  return points;
+}
+
+/// What the laws set, NaN by its bits.
+std::vector<std::uint64_t> loads_of(const loaded_point& point) {
+  const Croad_contact& rc = point.rc;
+  const Csoil_contact& sc = point.sc;
+  const double values[] = {
+      rc.damping,        rc.pressure,       rc.secant_stiffness, sc.shear_force_1,  sc.shear_force_2,
+      sc.pressure_force, sc.damping_force,  sc.normal_force,     sc.pressure,       sc.shear_stress_1,
+      sc.shear_stress_2, sc.effective_area, sc.dynamic_sinkage,  sc.static_sinkage, rc.last_pressure_power.value()};
+  std::vector<std::uint64_t> bits(std::size(values));
+  std::memcpy(bits.data(), values, sizeof values);
+  return bits;
+}
+
+TEST(BlockOfPoints, GetsTheLoadsThatEachOfThemGetsAlone) {
+  qvref::soil scaled = slipping_loam();
+  scaled.scale_factor_1 = 1.7;
+  qvref::soil hard = slipping_loam();
+  hard.type = "CONCRETE";
+  for (const qvref::soil& soil : {loam(), slipping_loam(), scaled, hard}) {
+    for (const int count : {1, 7, 8, 63, 64, 65, 200}) {
+      std::vector<loaded_point> together = points_of_all_kinds(count), alone = together;
+      const qvsoilrdf::CRoad road = soil_road(soil);
+      const qvsoilinteraction::soil_law law(road, law_width(k_plate));
+      const qvsoilinteraction::contact_patch patch{k_plate.shape, k_plate.a, k_plate.w, k_plate.nx, k_plate.ny};
+      std::vector<Croad_contact*> road_contacts;
+      std::vector<Csoil_contact*> soil_contacts;
+      for (loaded_point& point : together) {
+        road_contacts.push_back(&point.rc);
+        soil_contacts.push_back(&point.sc);
+      }
+      for (int call = 0; call < 2; ++call) {  // the second one remembers powers
+        qvsoilinteraction::set_loads(law, patch, road_contacts.data(), soil_contacts.data(), count);
+        for (std::size_t i = 0; i < alone.size(); ++i) {
+          load(soil, k_plate, alone[i]);
+          ASSERT_EQ(loads_of(together[i]), loads_of(alone[i])) << "point " << i << " of " << count;
+        }
+      }
+    }
   }
 }
 
