@@ -159,7 +159,8 @@ QV_WIDE_VECTORS void point_rows::find_normal_loads() {
     const double depth = m_depth[i];
     m_secant[i] = get_secant_stiffness(law.stiffness, m_power[i]);
     const double bekker = get_bekker_normal_pressure(m_secant[i], depth);
-    const double pressure = (depth == 0.0) | no_width ? 0.0 : bekker;
+    const bool none = (depth == 0.0) | no_width;
+    const double pressure = none ? 0.0 : bekker;
     m_road_pressure[i] = pressure;
     m_pressure[i] = -pressure > 0.0 ? -pressure : 0.0;
     const double damping = damping_coefficient(law.damping_scale, m_damping_power[i], depth, b.zb);
