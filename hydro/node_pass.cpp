@@ -167,6 +167,12 @@ private:
   double m_highest = 0.0, m_lowest = 0.0;  ///< of the elevations so far, and of the 0 of corners that do not count
 };
 
+/// The marks, and whether the node is of another kind (wet, dry or off the table) than it was.
+QV_IN_LOOPS unsigned char with_change(int marks, int last) {
+  const bool other_kind = ((marks ^ last) & (k_wet | k_off_table)) != 0;
+  return static_cast<unsigned char>(other_kind ? marks | k_changed : marks);
+}
+
 /// In pairs, as these numbers are read.
 QV_IN_LOOPS void store(double x, double y, double z, double elevation, node_place& place) {
   put(two_lanes{x, y}, place.position);
@@ -196,15 +202,15 @@ void node_pass::find_surface() {
     node_place& place = places[i];
     if (x < 0.0 || x >= last) {
       store(x, position.y[i], z, 0.0, place);
-      marks[i] = static_cast<unsigned char>(k_off_table | (x < first ? k_before : 0) | (x > last ? k_behind : 0));
+      marks[i] = with_change(k_off_table | (x < first ? k_before : 0) | (x > last ? k_behind : 0), marks[i]);
       continue;
     }
     node_intervals& found = intervals[i];
-    int column = found.wave_col, mark = found.on_wave_col ? 0 : k_other_rows;
+    int column = found.wave_col, mark = found.on_wave_col ? 0 : k_changed;
     if (!increasing || !(axis[column] <= x && x < axis[column + 1])) {
       column = wave_x.find(x, column);
       if (column >= 0) found.wave_col = column;
-      mark = k_other_rows | (x < first ? k_before : 0) | (x > last ? k_behind : 0);
+      mark = k_changed | (x < first ? k_before : 0) | (x > last ? k_behind : 0);
     }
     found.on_wave_col = column >= 0;
     double elevation = 0.0;
@@ -218,7 +224,7 @@ void node_pass::find_surface() {
     }
     store(x, position.y[i], z, elevation, place);
     const bool dry = elevation < z;
-    marks[i] = static_cast<unsigned char>(mark | (dry ? 0 : k_wet));
+    marks[i] = with_change(mark | (dry ? 0 : k_wet), marks[i]);
     m_wet.index[wet] = i;
     wet += !dry;
   }
@@ -254,7 +260,7 @@ void node_pass::find_water() {
       m_wet.water.x[w] = current_at(m_element.current1, x, y, found.current1_row, found.on_current1_row);
       m_wet.water.y[w] = current_at(m_element.current2, x, y, found.current2_row, found.on_current2_row);
       found.on_both_currents = found.on_current1_row && found.on_current2_row;
-      marks[i] |= k_other_rows;
+      marks[i] |= k_changed;
     }
   }
 }

@@ -24,23 +24,16 @@ void keep_intervals(const Chydro_force_sub& sub, Cpatch& patch) {
 }  // namespace
 
 patch_sums add_up_patches(const Chydro_force& element, const motion& m, bool finite_levers, Chydro_force_sub& sub) {
-  static_assert((k_wet | k_off_table) == 3);
   const coefficients k(element, sub);
   drag_block drags(sub, k, m.A6, finite_levers);
   column_block columns(sub, m, k);
-  // The compiler takes a byte that is stored for one of whatever else stands in memory: pointers of their own.
   const unsigned char* const marks = sub.marks.data();
-  unsigned char* const seen = sub.seen.data();
   const patch_corners* const corners = sub.corners.data();
   const int patches = sub.patch_count;
   for (int i = 0; i < patches; ++i) {
     const int* node = corners[i].node;
     const unsigned a = marks[node[0]], b = marks[node[1]], c = marks[node[2]];
-    const unsigned now = (a & 3U) | (b & 3U) << 2 | (c & 3U) << 4;
-    if (((a | b | c) & k_other_rows) || now != seen[i]) {
-      keep_intervals(sub, sub.patches[static_cast<std::size_t>(i)]);
-      seen[i] = static_cast<unsigned char>(now);
-    }
+    if ((a | b | c) & k_changed) keep_intervals(sub, sub.patches[static_cast<std::size_t>(i)]);
     int reached = 0;
     if (a & k_wet) {
       reached = b & k_wet ? c & k_wet ? 3 : 2 : 1;

@@ -73,15 +73,15 @@ struct node_intervals {
 /// it is above the surface.
 enum node_mark : unsigned char {
   k_wet = 1,
-  k_off_table = 2,   ///< beyond an end of the wave table: ends its patch's corners, and its elevation counts as 0
-  k_other_rows = 4,  ///< this call found other intervals than the last one, or none
-  k_before = 8,      ///< before the first position of the wave table
-  k_behind = 16,     ///< behind its last position
-  k_high = 32,       ///< above the water level of every patch
-  k_deep = 64        ///< not above the water level of any patch
+  k_off_table = 2,  ///< beyond an end of the wave table: ends its patch's corners, and its elevation counts as 0
+  k_changed = 4,    ///< not wet, dry or off the table as at the last call, or not in the same intervals
+  k_before = 8,     ///< before the first position of the wave table
+  k_behind = 16,    ///< behind its last position
+  k_high = 32,      ///< above the water level of every patch
+  k_deep = 64       ///< not above the water level of any patch
 };
 
-constexpr unsigned char k_nothing_seen = 255;  ///< in Chydro_force_sub::seen: no call has been there
+constexpr unsigned char k_never_marked = 255;  ///< in Chydro_force_sub::marks: no call has been there
 
 /// One patch mesh of a hydro force element.
 struct Chydro_force_sub {
@@ -105,8 +105,6 @@ struct Chydro_force_sub {
   std::vector<unsigned char> marks;  ///< node_mark
   std::vector<patch_corners> corners;
   std::vector<patch_plane> planes;
-  std::vector<unsigned char>
-      seen;  ///< what of its corners' marks decided which intervals a patch keeps, at the last call
 
   // Kept: part of the documented record, read by no computation.
   std::vector<patch_outline> outlines;  ///< one for each patch

@@ -51,7 +51,7 @@ void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& c
   sub.places.assign(count + 1, node_place());
   sub.flows.assign(count + 1, node_flow());
   sub.intervals.assign(count + 1, node_intervals());
-  sub.marks.assign(count + 1, 0);
+  sub.marks.assign(count + 1, k_never_marked);
   for (auto* row : {&sub.node_x, &sub.node_y, &sub.node_z}) row->assign(whole_vectors(sub.node_count + 1), 0.0);
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: every node that exists has all the others
   for (std::size_t i = 0; i < count; ++i) {
@@ -129,7 +129,6 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
   sub.outlines.assign(static_cast<std::size_t>(count) + 1, patch_outline());
   sub.corners.assign(static_cast<std::size_t>(count), patch_corners());
   sub.planes.assign(static_cast<std::size_t>(count), patch_plane());
-  sub.seen.assign(static_cast<std::size_t>(count), k_nothing_seen);
   sub.patch_count = count;
   for (int i = 0; i < count; ++i) {
     const auto at = static_cast<std::size_t>(i);
