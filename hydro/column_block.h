@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "hydro/drag.h"
 #include "hydro/motion.h"
 
@@ -37,8 +39,8 @@ public:
 
   /// Takes a patch.
   /// @param node     its three corners
-  /// @param reached  how many of its corners, from the first on, are wet. The elevations of these and of the next one
-  ///                 make its water level.
+  /// @param reached  how many of them, from the first on, are wet. The elevations of these and of the next one make the
+  ///                 water level of the patch.
   void add(int patch, const int* node, int reached);
   /// Takes a patch of which it is known that no corner is above its level.
   void add_whole(int patch, const int* node, int reached) {
@@ -55,10 +57,12 @@ private:
   struct columns {
     int count = 0;
     int patch[k_patches];
-    int node[3][k_patches];           ///< corners; of a cut patch the one apart from the others first
-    std::int64_t reached[k_patches];  ///< as wide as the doubles beside it, see drag_block
-    row q[3][3], elevation[3];        ///< of the corners, water frame
-    row normal[3];                    ///< body marker frame
+    int node[3][k_patches];  ///< corners; of a cut patch the one apart from the others first
+    // As wide as the doubles beside it. GCC 12 may step through rows of two widths by one register counted from address
+    // 0, takes that for a null pointer in a later pass, and then leaves out calls of the function that fills a row.
+    std::int64_t reached[k_patches];
+    row q[3][3], elevation[3];  ///< of the corners, water frame
+    row normal[3];              ///< body marker frame
     row level;
     row volume, moment[3], buoyancy[3];  ///< volume and moment without sign at first
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "common/kernels/powers.h"
 #include "hydro/lanes.h"

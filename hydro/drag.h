@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "hydro/lanes.h"
 #include "hydro/records.h"
 

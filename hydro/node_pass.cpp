@@ -64,6 +64,7 @@ struct wet_block {
   }
 };
 
+/// The loops below do the same operations in the same order as the kernels of one vector.
 /// @param x, y, z  the nodes of the block, body marker frame; readable up to the end of the last vector
 QV_WIDE_VECTORS void find_positions(const motion& m, const double* x, const double* y, const double* z, node_block& b) {
   const double *R = m.R, *d = m.d;
@@ -173,7 +174,7 @@ QV_IN_LOOPS unsigned char with_change(int marks, int last) {
   return static_cast<unsigned char>(other_kind ? marks | k_changed : marks);
 }
 
-/// In pairs, as these numbers are read.
+/// Stores pairs, because pairs are read: a processor hands a number on to a load only if one store holds all of it.
 QV_IN_LOOPS void store(double x, double y, double z, double elevation, node_place& place) {
   put(two_lanes{x, y}, place.position);
   put(two_lanes{z, elevation}, place.position + 2);
@@ -214,6 +215,7 @@ void node_pass::find_surface() {
     }
     found.on_wave_col = column >= 0;
     double elevation = 0.0;
+    m_nodes.share[i] = 0.0;
     if (column >= 0) {
       const double a = (axis[column + 1] - x) / (axis[column + 1] - axis[column]), b = 1.0 - a;
       m_nodes.share[i] = a;
