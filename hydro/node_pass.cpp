@@ -135,7 +135,7 @@ public:
 
   /// @return whether every lever is a finite number
   bool run() {
-    const std::size_t nodes = m_mesh.nodes.size();
+    const auto nodes = static_cast<std::size_t>(m_mesh.nodes_in_use);
     for (m_first = 0; m_first < nodes; m_first += k_block) {
       m_nodes.count = static_cast<int>(std::min<std::size_t>(k_block, nodes - m_first));
       find_positions(m_, m_mesh.node_x.data() + m_first, m_mesh.node_y.data() + m_first, m_mesh.node_z.data() + m_first,
@@ -294,8 +294,8 @@ void node_pass::mark_heights() {
   if (m_no_numbers || !std::isfinite(highest - lowest)) return;
   const node_place* const places = m_mesh.places.data();
   unsigned char* const marks = m_mesh.marks.data();
-  const std::size_t nodes = m_mesh.nodes.size();
-  for (std::size_t i = 0; i < nodes; ++i) {
+  const int nodes = m_mesh.nodes_in_use;
+  for (int i = 0; i < nodes; ++i) {
     const double z = places[i].position[2];
     const int mark = (z > highest) * k_high | (z <= lowest) * k_deep;
     marks[i] = static_cast<unsigned char>(marks[i] | mark);

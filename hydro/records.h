@@ -98,6 +98,7 @@ struct Chydro_force_sub {
   int initialized = 0;                  ///< 1 from the first call on, whatever came of it
 
   // What evaluations work on: one for each node, spare included, and one for each patch.
+  int nodes_in_use = 0;  ///< as many as are worked out: up to the last one that a patch names, at least one
   std::vector<double> node_x, node_y, node_z;  ///< of nodes, once more: rows, padded to whole vectors
   std::vector<node_place> places;
   std::vector<node_flow> flows;

@@ -54,6 +54,7 @@ void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& c
   sub.marks.assign(count + 1, k_never_marked);
   for (auto* row : {&sub.node_x, &sub.node_y, &sub.node_z}) row->assign(whole_vectors(sub.node_count + 1), 0.0);
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: every node that exists has all the others
+  sub.nodes_in_use = 1;
   for (std::size_t i = 0; i < count; ++i) {
     const double* at = par + QV_HULL_LENGTH + QV_HULL_NODE_LENGTH * i;
     sub.nodes[i] = {at[0], at[1], at[2]};
@@ -142,6 +143,7 @@ void read_patches(Chydro_force_sub& sub, const double* par, int force_id, const 
     if (length <= 0.0) qv::fault(degenerate_text(sub, patch, i + 1, length, force_id), channel.ierr, channel.msg);
     int flag = 0;
     qv::normalization_vec(patch.normal, flag);
+    sub.nodes_in_use = std::max(sub.nodes_in_use, *std::max_element(patch.node_ids, patch.node_ids + 3) + 1);
     sub.patches[at] = patch;
     sub.outlines[at] = outline;
     std::copy_n(patch.node_ids, 3, sub.corners[at].node);
