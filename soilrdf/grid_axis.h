@@ -53,9 +53,8 @@ struct grid_axis {
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end) + 1};
   }
 
-  /// The cells whose closed bounds hold a coordinate: one, two at a shared border, by rounding perhaps none.
-  range holding(double x) const {
-    range cells = reached(x, x);
+  /// Those of `cells` whose closed bounds hold a coordinate: one, two at a shared border, by rounding perhaps none.
+  range holding(double x, range cells) const {
     while (cells.first < cells.end && hi(cells.first) < x) ++cells.first;
     while (cells.first < cells.end && lo(cells.end - 1) > x) --cells.end;
     return cells;

@@ -81,6 +81,13 @@ struct triangle {
       : K(road.corner(element, 0)), L(road.corner(element, 1)), M(road.corner(element, 2)) {}
 };
 
+/// The cells of a node.
+struct node_cells {
+  std::int32_t number = 0;  ///< of the node, from 1
+  range columns, rows;      ///< of the whole grid: cells that hold the node or are near to it
+  std::uint64_t cells;      ///< of the tile: those whose closed bounds hold the node
+};
+
 }  // namespace
 
 class tile_maker {
@@ -119,22 +126,36 @@ private:
   /// Adds the footprints of the elements of one home, from the given element on.
   void add_footprints(std::int32_t number) {
     for (; number != 0; number = m_grid.m_next[static_cast<std::size_t>(number - 1)]) {
-      const std::uint64_t cells = find_cells(triangle(m_road, m_road.elements[static_cast<std::size_t>(number - 1)]));
+      const std::uint64_t cells = find_cells(m_road.elements[static_cast<std::size_t>(number - 1)]);
       if (cells != 0) m_grid.m_footprints[static_cast<std::size_t>(m_count++)] = {number, cells};
     }
   }
 
-  std::uint64_t find_cells(const triangle& t) const {
-    const range columns =
-        in_tile(m_along_x.reached(lowest(t.K.x, t.L.x, t.M.x), highest(t.K.x, t.L.x, t.M.x)), m_column);
-    if (columns.first >= columns.end) return 0;
-    const range rows = in_tile(m_along_y.reached(lowest(t.K.y, t.L.y, t.M.y), highest(t.K.y, t.L.y, t.M.y)), m_row);
-    if (rows.first >= rows.end) return 0;
+  std::uint64_t find_cells(const corner_numbers& element) {
+    range columns = {std::numeric_limits<std::int32_t>::max(), 0}, rows = columns;
     std::uint64_t cells = 0;
-    for (const CNode* node : {&t.K, &t.L, &t.M}) {
-      cells |= bits(in_tile(m_along_x.holding(node->x), m_column), in_tile(m_along_y.holding(node->y), m_row));
+    for (const std::int32_t number : element.node) {
+      const node_cells& own = cells_of(number);
+      columns = {std::min(columns.first, own.columns.first), std::max(columns.end, own.columns.end)};
+      rows = {std::min(rows.first, own.rows.first), std::max(rows.end, own.rows.end)};
+      cells |= own.cells;
     }
-    return cells | crossed(t, bits(columns, rows) & ~cells);
+    const std::uint64_t box = bits(in_tile(columns, m_column), in_tile(rows, m_row));
+    return box == 0 ? 0 : cells | crossed(triangle(m_road, element), box & ~cells);
+  }
+
+  /// The cells of a node, which the six or so triangles around it ask for.
+  const node_cells& cells_of(std::int32_t number) {
+    constexpr std::uint32_t k_golden = 2654435769U;  // multiplicative hash: 2^32 over the golden ratio
+    node_cells& own = m_nodes[(static_cast<std::uint32_t>(number) * k_golden) >> (32 - k_node_bits)];
+    if (own.number == number) return own;  // otherwise another node has had this place, or none
+    const CNode& node = m_road.nodes[static_cast<std::size_t>(number - 1)];
+    own.number = number;
+    own.columns = m_along_x.reached(node.x, node.x);
+    own.rows = m_along_y.reached(node.y, node.y);
+    own.cells = bits(in_tile(m_along_x.holding(node.x, own.columns), m_column),
+                     in_tile(m_along_y.holding(node.y, own.rows), m_row));
+    return own;
   }
 
   /// The cells among `rest` that an edge of the triangle crosses. Precondition: no cell of `rest` holds a corner.
@@ -223,6 +244,8 @@ private:
   const std::int32_t m_row;
   const grid_axis m_along_x;
   const grid_axis m_along_y;
+  static constexpr int k_node_bits = 7;
+  node_cells m_nodes[1 << k_node_bits];      ///< by hash of the number
   std::int32_t m_count = 0;                  ///< of the footprints
   std::uint32_t m_list[cell_grid::k_cells];  ///< where the list of a cell stands
   std::uint32_t m_end[cell_grid::k_cells];   ///< where its next entry goes
