@@ -56,9 +56,9 @@ function fillHeader() {
 
   const s = run.settings;
   addTable('settings', 'Run', [['Model', run.model], ['Library', run['library']], ['Command', run.command],
-    ['Overrides', run.overrides.join('\n')], ['Files', run.files.filter((f) => !f.startsWith('frames/')).join(', ')]]);
+    ['Overrides', run.overrides.join('\n')], ['Files', run.files.join(', ')]]);
   addTable('settings', 'Integration', [['Integrator', s.integrator], ['Accuracy', s.accuracy], ['Step', s.step], ['Largest step', s.max_step],
-    ['End time', withUnit(s.end_time, units.time)], ['Output step', withUnit(s.output_step, units.time)], ['Frame step', withUnit(s.frame_step, units.time)]]);
+    ['End time', withUnit(s.end_time, units.time)], ['Output step', withUnit(s.output_step, units.time)], ['Frame step', withUnit(s.frame_step, units.time)], ['Results', s.results.join(', ')]]);
   addTable('settings', 'Model', [['Gravity', s.gravity.map((g) => number(g)).join(', ') + ` ${units.length}/${units.time}²`],
     ['Units', Object.values(s.units).join(', ').toLowerCase()]]);
   addTable('settings', 'Versions', Object.entries(run.versions));

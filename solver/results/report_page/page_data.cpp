@@ -41,6 +41,15 @@ Json shape_json(const Shape& shape) {
   return nullptr;
 }
 
+/// The run's record but for the names of the frames' files, of which there are hundreds.
+Json shown_record(const Model& model, const RunRecord& record) {
+  RunRecord shown = record;
+  auto& files = shown.summary.files;
+  const auto is_frame = [](const std::string& name) { return name.rfind("frames/", 0) == 0; };
+  files.erase(std::remove_if(files.begin(), files.end(), is_frame), files.end());
+  return Json::parse(run_summary_text(model, shown));
+}
+
 int body_of(const Model& model, int marker) {
   return marker == k_none ? k_ground : model.markers[static_cast<size_t>(marker)].body;
 }
@@ -243,7 +252,7 @@ void add_page_data(TextPieces& text, const Model& model, const Recording& record
   PageParts page;
   const Vec3 origin = choose_origin(recording);
   page.json["warnings"] = finding_texts(record.warnings);
-  page.json["run"] = Json::parse(run_summary_text(model, record));
+  page.json["run"] = shown_record(model, record);
   page.json["origin"] = origin;
   page.json["notes"] = Json::array();
   add_model(page, model);
