@@ -12,6 +12,10 @@ OutputFile::OutputFile(std::string path)
   if (!m_file) fail();
 }
 
+void OutputFile::write_through() {
+  if (std::setvbuf(m_file.get(), nullptr, _IONBF, 0) != 0) fail();
+}
+
 void OutputFile::write(std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), m_file.get()) != text.size()) fail();
 }
@@ -38,6 +42,7 @@ void OutputFile::fail() const { throw std::runtime_error("cannot write " + m_pat
 
 void write_new_file(const std::string& path, std::string_view text) {
   OutputFile file(path);
+  file.write_through();
   file.write(text);
   file.close();
 }

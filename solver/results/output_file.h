@@ -16,6 +16,8 @@ public:
   OutputFile() = default;
   explicit OutputFile(std::string path);
 
+  /// What is written from now on goes to the system at once, without a copy. Called before the first text.
+  void write_through();
   void write(std::string_view text);
   void flush();
   long position() const;
