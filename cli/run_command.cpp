@@ -124,6 +124,7 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request, qvsl
   options.interrupted = &interrupted;
   options.strict = request.strict;
   options.force = request.force;
+  options.threads = request.threads;
   options.on_progress = [&](const qvslv::Progress& progress) { progress_line.show(progress); };
   options.on_message = [&](const std::string& message) {
     progress_line.clear();
@@ -162,6 +163,11 @@ void add_run_command(CLI::App& app, Action& action, const std::string& typed) {
           "model when not given")
       ->type_name("KINDS");
   add_made_option(command, request->made);
+  command
+      ->add_option("--threads", request->threads,
+                   "Most threads to compute elements on that share no data; results are the same for any number")
+      ->check(CLI::Range(1, 256))
+      ->capture_default_str();
   command->add_flag("--strict", request->strict, "Take every warning for an error");
   command->add_flag("--force", request->force, "Take the results folder from a run that still goes on");
   command->add_flag("-q,--quiet", request->quiet, "Print warnings and faults only");

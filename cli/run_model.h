@@ -17,6 +17,7 @@ struct RunRequest {
   bool quiet = false, strict = false, force = false;
   std::vector<std::string> overrides;
   std::optional<std::string> results;  ///< kinds of results, instead of those that the model asks for
+  int threads = 1;
 };
 
 /// Tells what looks wrong in a model, makes its files, runs it and tells how that went. Returns the exit code.

@@ -99,7 +99,8 @@ public:
     try {
       const Plugin plugin(m_options.plugin_path);
       note_inputs(plugin);
-      Engine engine(m_model, plugin, m_time, [this](const std::string& text) { warn("subroutine", text); });
+      Engine engine(
+          m_model, plugin, m_time, [this](const std::string& text) { warn("subroutine", text); }, m_options.threads);
       integrate(engine);
     } catch (const std::exception& error) {  // for example a fault in the set-up or a full disk
       finish(RunOutcome::failed, plain_reason(error));

@@ -29,6 +29,7 @@ struct RunOptions {
   Findings warnings;                                   ///< what looked wrong before the run; the user knows
   bool force = false;                                  ///< take the folder from a run that still goes on
   bool strict = false;                                 ///< a warning during the run ends it
+  int threads = 1;                                     ///< most threads that elements are called on
   RecordingLimits recording;                           ///< memory for the page's replay and plots
   std::function<void(const Progress&)> on_progress;    ///< called after every accepted step, if set
   std::function<void(const std::string&)> on_message;  ///< gets one line for the user (warning, fault), if set

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <utility>
 
+#include "solver/engine/independent_calls.h"
+
 namespace qvslv {
 
 namespace {
@@ -21,14 +23,18 @@ size_t result_length(const Element& element) {
 }  // namespace
 
 ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, const ModelReadings& readings, LoadTable& loads,
-                           Fault& fault, TimeSpent& time, Report report)
+                           Fault& fault, TimeSpent& time, Report report, int threads)
     : m_model(model),
       m_readings(readings),
       m_loads(loads),
       m_fault(fault),
       m_time(time),
       m_report(std::move(report)),
-      m_index(model) {
+      m_index(model),
+      m_position(model.elements.size(), 0),
+      m_of_thread(divide_calls(model, threads)),
+      m_order(model.elements.size()),
+      m_workers(static_cast<int>(m_of_thread.size())) {
   for (const Element& element : model.elements) {
     try {
       m_bound.push_back({plugin.find(element.subroutine), element.par, std::vector<double>(result_length(element)),
@@ -37,23 +43,83 @@ ElementCalls::ElementCalls(const Model& model, const Plugin& plugin, const Model
       throw PluginError("element " + element.name + ": " + error.what());
     }
   }
+  for (size_t i = 0; i < size(); ++i) {
+    if (!is_evaluated(i)) continue;
+    m_position[i] = m_evaluated.size();
+    m_evaluated.push_back(i);
+  }
 }
 
-void ElementCalls::call(size_t element, CallKind kind, const SimTK::State& state, bool measured) {
+void ElementCalls::set_up(const SimTK::State& state) {
+  for (size_t i = 0; i < size(); ++i)
+    if (!call_and_settle(i, {CallKind::set_up, state})) return;
+}
+
+void ElementCalls::evaluate(const SimTK::State& state) {
+  const TimeSpent::During here(m_time, Work::subroutines);
+  call_evaluated(CallKind::evaluation, state, m_time.samples_next(TimeSpent::Pass::evaluation));
+  if (!m_fault.raised()) m_loads.take_new();
+}
+
+void ElementCalls::after_step(const SimTK::State& state) {
+  const TimeSpent::During here(m_time, Work::subroutines);
+  const bool measured = m_time.samples_next(TimeSpent::Pass::after_step);
+  call_evaluated(CallKind::converged_step, state, measured);
+  for (size_t i = 0; i < size(); ++i)
+    if (!is_evaluated(i) && !call_and_settle(i, {CallKind::converged_step, state, measured})) return;
+}
+
+void ElementCalls::call_evaluated(CallKind kind, const SimTK::State& state, bool measured) {
+  if (m_workers.count() > 1) return call_on_threads({kind, state, measured, &m_order});
+  for (const size_t element : m_evaluated)
+    if (!call_and_settle(element, {kind, state, measured})) return;
+}
+
+void ElementCalls::call_on_threads(Pass pass) {
   if (m_fault.raised()) return;
-  ElementHost& host = *m_bound[element].host;
-  const Ticks begin = measured ? ticks_now() : 0;
-  enter(element, kind, state, measured);
-  if (measured) m_time.add_sample(element, ticks_now() - begin, host.request_time());
-  host.settle(m_fault, m_report);
+  m_order.begin();
+  m_workers.run([&](int thread) {
+    for (const size_t element : m_of_thread[static_cast<size_t>(thread)]) {
+      call(element, pass);
+      m_order.set_done(m_position[element]);
+    }
+  });
+  for (const size_t element : m_evaluated)
+    if (!settle(element, pass)) return;
 }
 
-void ElementCalls::enter(size_t element, CallKind kind, const SimTK::State& state, bool measured) {
+/// Returns false once a fault was raised, also if that was before.
+bool ElementCalls::call_and_settle(size_t element, const Pass& pass) {
+  if (m_fault.raised()) return false;
+  call(element, pass);
+  return settle(element, pass);
+}
+
+/// Hands on what a call left. Returns false if a fault was raised.
+bool ElementCalls::settle(size_t element, const Pass& pass) {
+  const Bound& bound = m_bound[element];
+  if (pass.measured) m_time.add_sample(element, bound.took, bound.host->request_time());
+  bound.host->settle(m_fault, m_report);
+  return !m_fault.raised();
+}
+
+void ElementCalls::call(size_t element, const Pass& pass) {
+  const bool evaluation = pass.kind == CallKind::evaluation;
+  const Ticks begin = pass.measured ? ticks_now() : 0;
+  enter(element,
+        {pass.state, pass.measured, evaluation ? m_loads.forces_before(element) : 0, evaluation ? pass.order : nullptr,
+         m_position[element]},
+        pass.kind);
+  if (evaluation && is_force(element)) m_loads.set_new(element, find_load(element));
+  if (pass.measured) m_bound[element].took = ticks_now() - begin;
+}
+
+void ElementCalls::enter(size_t element, const ElementHost::Circumstances& now, CallKind kind) {
   Bound& bound = m_bound[element];
   std::fill(bound.result.begin(), bound.result.end(), 0.0);
-  const ElementHost::Call under_way(*bound.host, state, measured);
+  const ElementHost::Call under_way(*bound.host, now);
   try {
-    bound.subroutine(static_cast<ServiceHost*>(bound.host.get()), state.getTime(), bound.par.data(),
+    bound.subroutine(static_cast<ServiceHost*>(bound.host.get()), now.state.getTime(), bound.par.data(),
                      static_cast<int>(bound.par.size()), 0, static_cast<int>(kind), bound.result.data());
   } catch (...) {
     bound.host->raise(RunOutcome::failed,
@@ -69,31 +135,6 @@ void ElementCalls::check_force(size_t element) {
     bound.host->raise(RunOutcome::failed,
                       fmt::format("result {} ({}) is {}, no finite number", k, k_entry_names[k], bound.result[k]));
     return;
-  }
-}
-
-void ElementCalls::set_up(const SimTK::State& state) {
-  for (size_t i = 0; i < size(); ++i) call(i, CallKind::set_up, state, false);
-}
-
-void ElementCalls::evaluate(const SimTK::State& state) {
-  const TimeSpent::During here(m_time, Work::subroutines);
-  const bool measured = m_time.samples_next(TimeSpent::Pass::evaluation);
-  for (size_t i = 0; i < size(); ++i) {
-    if (!is_evaluated(i)) continue;
-    call(i, CallKind::evaluation, state, measured);
-    if (m_fault.raised()) return;
-    if (is_force(i)) m_loads.of_element(i) = find_load(i);
-  }
-}
-
-void ElementCalls::after_step(const SimTK::State& state) {
-  const TimeSpent::During here(m_time, Work::subroutines);
-  const bool measured = m_time.samples_next(TimeSpent::Pass::after_step);
-  for (const bool evaluated : {true, false}) {
-    for (size_t i = 0; i < size(); ++i) {
-      if (is_evaluated(i) == evaluated) call(i, CallKind::converged_step, state, measured);
-    }
   }
 }
 

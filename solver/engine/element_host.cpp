@@ -50,7 +50,7 @@ bool ElementHost::refuse(const char* service, const char* why, const Values&... 
 
 template <class Answer>
 bool ElementHost::timed(Answer&& answer) {
-  if (!m_measured) return answer();
+  if (m_now == nullptr || !m_now->measured) return answer();
   const Ticks begin = ticks_now();
   const bool answered = answer();
   m_request_time += ticks_now() - begin;
@@ -109,7 +109,7 @@ bool ElementHost::relation(const char* name, MarkerRelation kind, const int* ids
 /// The first id is that of a force or of a marker. Both are numbered together, so an id cannot mean both.
 bool ElementHost::force(const int* ids, int nids, double* values) {
   Request request;
-  const AppliedLoad* load = nids > 0 ? m_loads.find(ids[0]) : nullptr;
+  const AppliedLoad* load = nids > 0 ? m_loads.find(ids[0], seen_loads()) : nullptr;
   if (load == nullptr) {
     if (!read_ids("TFORCE", ids, nids, 3, request)) return false;
   } else {
@@ -118,7 +118,8 @@ bool ElementHost::force(const int* ids, int nids, double* values) {
     if (!read_ids("TFORCE", with_own_marker, nids, 3, request)) return false;
   }
   const std::optional<int> reference = request.with_reference ? std::optional<int>(request.reference) : std::nullopt;
-  const SimTK::Vec3 in_ground = load != nullptr ? load->force : m_loads.force_at(request.measured, reference);
+  const SimTK::Vec3 in_ground =
+      load != nullptr ? load->force : m_loads.force_at(request.measured, reference, seen_loads());
   put(~m_readings.markers().of(request.axes).axes * in_ground, values);
   return true;
 }
@@ -161,7 +162,7 @@ bool ElementHost::variable_value(const int* ids, int nids, double& value) {
   }
   const int equation = m_index.equations.find(ids[0]);
   if (equation == k_none) return refuse("VARVAL", "no variable or equation has the id {}", ids[0]);
-  value = m_readings.equations().value(*m_state, static_cast<size_t>(equation), 0);
+  value = m_readings.equations().value(m_now->state, static_cast<size_t>(equation), 0);
   return true;
 }
 
@@ -169,14 +170,14 @@ bool ElementHost::equation_value(const char* name, int derivative, const int* id
   if (!check_count(name, nids, 1)) return false;
   const int equation = m_index.equations.find(ids[0]);
   if (equation == k_none) return refuse(name, "no equation has the id {}", ids[0]);
-  value = m_readings.equations().value(*m_state, static_cast<size_t>(equation), derivative);
+  value = m_readings.equations().value(m_now->state, static_cast<size_t>(equation), derivative);
   return true;
 }
 
 /// A load without a reaction marker counts as reacting on the ground, so FM(m, ground) sums every load at m.
 bool ElementHost::force_magnitude(const int* ids, int nids, double& value) {
   if (!check_count("FM", nids, 2)) return false;
-  const AppliedLoad* load = m_loads.find(ids[0]);
+  const AppliedLoad* load = m_loads.find(ids[0], seen_loads());
   if (load != nullptr) {
     value = load->force.norm();
     return true;
@@ -184,13 +185,21 @@ bool ElementHost::force_magnitude(const int* ids, int nids, double& value) {
   Request request;
   if (!read_ids("FM", ids, nids, 2, request)) return false;
   const bool all = !request.with_reference || ids[1] == m_model.ground_id;
-  value = m_loads.force_at(request.measured, all ? std::nullopt : std::optional<int>(request.reference)).norm();
+  value = m_loads.force_at(request.measured, all ? std::nullopt : std::optional<int>(request.reference), seen_loads())
+              .norm();
   return true;
+}
+
+/// Number of force elements whose new loads a request sees: of those called before this one, which are waited for.
+size_t ElementHost::seen_loads() const {
+  if (m_now == nullptr) return 0;
+  if (m_now->order != nullptr) m_now->order->await_all_before(m_now->position);
+  return m_now->seen_loads;
 }
 
 /// Always false between calls: there is no state to answer from.
 bool ElementHost::check_count(const char* name, int nids, int most) {
-  if (m_state == nullptr) return false;
+  if (m_now == nullptr) return false;
   if (nids >= 1 && nids <= most) return true;
   if (most == 1) return refuse(name, "takes one id, not {}", nids);
   return refuse(name, "takes 1 to {} ids, not {}", most, nids);
@@ -270,8 +279,8 @@ void ElementHost::throw_error(const char* title, int count, char** messages) {
 }
 
 std::string ElementHost::place() const {
-  if (m_state == nullptr) return "";
-  return fmt::format("element {} at time {}: ", m_element.name, m_state->getTime());
+  if (m_now == nullptr) return "";
+  return fmt::format("element {} at time {}: ", m_element.name, m_now->state.getTime());
 }
 
 }  // namespace qvslv

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/engine/call_order.h"
 #include "solver/engine/load_table.h"
 #include "solver/engine/readings.h"
 #include "solver/engine/service_host.h"
@@ -27,15 +28,20 @@ public:
 
   /// A call of the element at the state that the readings were last refreshed with. Services answer as long as this
   /// lives.
+  struct Circumstances {
+    const SimTK::State& state;
+    bool measured = false;             ///< the time that sysary and sysfnc take is summed up
+    size_t seen_loads = 0;             ///< number of force elements whose new loads are seen
+    const CallOrder* order = nullptr;  ///< if calls run side by side: to wait for these loads
+    size_t position = 0;               ///< of the call in that order
+  };
   class Call {
   public:
-    /// @param measured  the time that sysary and sysfnc take is summed up
-    Call(ElementHost& host, const SimTK::State& state, bool measured) : m_host(host) {
-      host.m_state = &state;
-      host.m_measured = measured;
+    Call(ElementHost& host, const Circumstances& now) : m_host(host) {
+      host.m_now = &now;
       host.m_request_time = 0;
     }
-    ~Call() { m_host.m_state = nullptr; }
+    ~Call() { m_host.m_now = nullptr; }
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
@@ -86,6 +92,7 @@ private:
   bool equation_value(const char* name, int derivative, const int* ids, int nids, double& value);
   bool force_magnitude(const int* ids, int nids, double& value);
   bool read_ids(const char* name, const int* ids, int nids, int most, Request& request);
+  size_t seen_loads() const;
   bool check_count(const char* name, int nids, int most);
   template <class... Values>
   bool refuse(const char* service, const char* why, const Values&... values);
@@ -96,8 +103,7 @@ private:
   const LoadTable& m_loads;
   const Model& m_model;
   const Element& m_element;
-  const SimTK::State* m_state = nullptr;  ///< of the call that is under way; null between calls
-  bool m_measured = false;
+  const Circumstances* m_now = nullptr;  ///< of the call that is under way; null between calls
   Ticks m_request_time = 0;
   Fault m_fault;
   std::vector<std::string> m_told;  ///< warnings and refused requests since the last `settle`

@@ -19,13 +19,13 @@ constexpr int k_most_smallest_steps = 200;
 
 }  // namespace
 
-Engine::Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report)
+Engine::Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report, int threads)
     : m_model(model),
       m_time(time),
       m_multibody(model, m_fault),
       m_readings(m_multibody, m_fault),
       m_loads(model),
-      m_calls(model, plugin, m_readings, m_loads, m_fault, time, std::move(report)),
+      m_calls(model, plugin, m_readings, m_loads, m_fault, time, std::move(report), threads),
       m_forces(new EngineForces(m_multibody, m_readings, m_calls, m_loads, m_fault, time)) {
   SimTK::Force::Custom(m_multibody.forces(), m_forces);
 }

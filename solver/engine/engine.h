@@ -28,8 +28,9 @@ namespace qvslv {
 class Engine {
 public:
   /// @param report  is told about requests of subroutines that could not be answered; may be empty
+  /// @param threads  most threads to call elements on; the results are the same for any number
   /// Throws MultibodyError, ModelError or PluginError. Model, plug-in and time must outlive this object.
-  Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report);
+  Engine(const Model& model, const Plugin& plugin, TimeSpent& time, ElementCalls::Report report, int threads = 1);
   ~Engine();
 
   /// Makes the state at time 0, calls the elements for their set-up, and evaluates the derivatives of the equations.

@@ -19,14 +19,15 @@ LoadTable::LoadTable(const Model& model) : m_slots_at_marker(model.markers.size(
     m_slot_of_element.push_back(m_loads.size());
     if (element.kind == ElementKind::force) add(element.id, element.marker, element.reaction);
   }
+  m_new = m_loads;
   m_first_applied = m_loads.size();
   for (const AppliedForce& force : model.forces) add(force.id, force.marker, force.reaction);
 }
 
-SimTK::Vec3 LoadTable::force_at(int marker, std::optional<int> reference) const {
+SimTK::Vec3 LoadTable::force_at(int marker, std::optional<int> reference, size_t seen_new) const {
   SimTK::Vec3 sum(0);
   for (const size_t slot : m_slots_at_marker[static_cast<size_t>(marker)]) {
-    const AppliedLoad& load = m_loads[slot];
+    const AppliedLoad& load = this->load(slot, seen_new);
     const int other_end = load.marker == marker ? load.reaction : load.marker;
     if (reference && other_end != *reference) continue;
     if (load.marker == marker) sum += load.force;

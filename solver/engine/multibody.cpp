@@ -41,7 +41,7 @@ SimTK::Body::Rigid rigid_body(const Body& body) {
 
 Multibody::Multibody(const Model& model, Fault& fault) : m_model(model), m_matter(m_system), m_forces(m_system) {
   check_model(model);
-  // User subroutines keep their state in globals, so always the same thread must call them.
+  // The forces of the model are a single one; ElementCalls shares its work out among threads, not Simbody.
   m_forces.setNumberOfThreads(1);
   m_matter.setShowDefaultGeometry(false);
   m_bodies.resize(model.bodies.size());

@@ -21,6 +21,12 @@ PLUGIN_EXPORT void qvhydro_force(void* handle, double time, double* par, int npa
   solver_test_hook(handle, time, par, npar, difflag, iflag, result);
 }
 
+/// The same under the name of a subroutine that shares no data: its elements may be called on several threads.
+PLUGIN_EXPORT void qvsoil_mtl_velocity(void* handle, double time, double* par, int npar, int difflag, int iflag,
+                                       double* result) {
+  solver_test_hook(handle, time, par, npar, difflag, iflag, result);
+}
+
 /// Spring and damper between the origins of two markers, unstretched length 0:
 /// par = marker, reference marker, ground marker, stiffness, damping; result = force on the marker in ground axes.
 PLUGIN_EXPORT void spring_damper(void* handle, double, double* par, int, int, int, double* result) {
