@@ -130,6 +130,8 @@ int run_model_file(const qvslv::ModelFile& file, const RunRequest& request, qvsl
     progress_line.clear();
     print(stderr, "%s\n", message.c_str());
   };
+  for (const qvslv::InputFile& input : file.inputs)  // the engine's library is still being loaded
+    if (input.role == "road") options.roads.read_ahead(input.path);
   catch_interrupt();
   const qvslv::RunSummary summary = engine.doors().run_model(file, options);
   progress_line.clear();

@@ -74,7 +74,7 @@ std::string simbody_version() {
 /// One run from its folder to its summary.
 class Run {
 public:
-  Run(const Model& model, const RunOptions& options) : m_model(model), m_options(options), m_began(Clock::now()) {
+  Run(const Model& model, RunOptions& options) : m_model(model), m_options(options), m_began(Clock::now()) {
     m_record.plugin_path = options.plugin_path;
     m_record.command = options.command;
     m_record.overrides = options.overrides;
@@ -141,7 +141,8 @@ private:
     if (engine.fault().raised()) return finish(engine.fault().outcome(), engine.fault().message());
     if (m_refused) return;
     m_recorder = std::make_unique<Recorder>(
-        engine, *m_folder, [this](const std::string& text) { warn("no-picture", text); }, m_options.recording);
+        engine, *m_folder, [this](const std::string& text) { warn("no-picture", text); }, m_options.recording,
+        std::move(m_options.roads));
     try {
       m_recorder->record(engine);
       Watch watch(engine, m_recorder->recording(), m_options.warnings);
@@ -282,7 +283,7 @@ private:
   }
 
   const Model& m_model;
-  const RunOptions& m_options;
+  RunOptions& m_options;
   Clock::time_point m_began;
   TimeSpent m_time;
   std::optional<ResultsFolder> m_folder;
@@ -295,7 +296,7 @@ private:
 
 }  // namespace
 
-RunSummary run_model(const Model& model, const RunOptions& options) { return Run(model, options).run(); }
+RunSummary run_model(const Model& model, RunOptions options) { return Run(model, options).run(); }
 
 RunSummary run_model(const ModelFile& file, RunOptions options) {
   options.model_text = file.text;

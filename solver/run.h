@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/data_files/road_mesh.h"
 #include "solver/model/model.h"
 #include "solver/model/outcome.h"
 #include "solver/model_file/contents.h"
@@ -31,6 +32,7 @@ struct RunOptions {
   bool strict = false;                                 ///< a warning during the run ends it
   int threads = 1;                                     ///< most threads that elements are called on
   RecordingLimits recording;                           ///< memory for the page's replay and plots
+  RoadMeshes roads;                                    ///< of the model, where they were read already
   std::function<void(const Progress&)> on_progress;    ///< called after every accepted step, if set
   std::function<void(const std::string&)> on_message;  ///< gets one line for the user (warning, fault), if set
   /// Checked after every step: a signal's number ends the run.
@@ -39,7 +41,7 @@ struct RunOptions {
 };
 
 /// Runs a checked model to its end. Throws nothing: every fault is in the summary.
-RunSummary run_model(const Model& model, const RunOptions& options);
+RunSummary run_model(const Model& model, RunOptions options);
 
 /// The same for a model that was read from a file: its text, inputs and warnings go into the record.
 RunSummary run_model(const ModelFile& file, RunOptions options);

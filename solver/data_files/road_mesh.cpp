@@ -2,6 +2,7 @@
 
 #include <array>
 #include <fstream>
+#include <utility>
 #include <vector>
 
 #include "solver/model/c_locale.h"
@@ -90,6 +91,18 @@ std::optional<TriangleMesh> read_road_mesh(const std::string& path) {
   }
   drop_bad_triangles(mesh);
   if (mesh.triangles.empty()) return std::nullopt;
+  return mesh;
+}
+
+void RoadMeshes::read_ahead(const std::string& path) {
+  if (m_meshes.count(path) == 0) m_meshes.emplace(path, read_road_mesh(path));
+}
+
+std::optional<TriangleMesh> RoadMeshes::take(const std::string& path) {
+  const auto found = m_meshes.find(path);
+  if (found == m_meshes.end()) return read_road_mesh(path);
+  std::optional<TriangleMesh> mesh = std::move(found->second);
+  m_meshes.erase(found);
   return mesh;
 }
 

@@ -41,13 +41,13 @@ RoadPlan plan_of(const Element& element, const TriangleMesh& mesh) {
 
 /// Notes where all roads of the model lie, each once, and, if there will be pictures, adds them to the terrain in
 /// ground axes at the poses of their markers.
-void place_roads(Recording& recording, const Engine& engine, bool pictures, const Report& report) {
+void place_roads(Recording& recording, const Engine& engine, RoadMeshes& roads, bool pictures, const Report& report) {
   const Model& model = engine.multibody().model();
   std::set<std::pair<int, int>> seen;
   for (const Element& element : model.elements) {
     if (element.road_string == 0 || !seen.emplace(element.road_string, element.road_marker).second) continue;
     const NamedFile file = named_file(model, element.road_string);
-    const auto mesh = read_road_mesh(file.path);
+    const auto mesh = roads.take(file.path);
     if (!mesh) {
       if (report) report("element " + element.name + ": no picture of the road " + file.name + ": it cannot be read");
       continue;
@@ -101,7 +101,8 @@ size_t bytes_of(const Frame& frame) {
 
 }  // namespace
 
-Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report, const RecordingLimits& limits)
+Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& report, const RecordingLimits& limits,
+                   RoadMeshes roads)
     : m_kinds(engine.multibody().model().simulation.results),
       m_frame_step(find_frame_step(engine.multibody().model().simulation)),
       m_end_time(engine.multibody().model().simulation.end_time),
@@ -113,7 +114,7 @@ Recorder::Recorder(const Engine& engine, ResultsFolder& folder, const Report& re
   const bool pictures = m_kinds.frames || m_kinds.page;
   m_recording.model = &model;
   const Report& tell = pictures ? report : Report{};
-  place_roads(m_recording, engine, pictures, tell);
+  place_roads(m_recording, engine, roads, pictures, tell);
   place_hulls(m_recording, tell);
   m_recording.columns = headers_of(m_columns);
   if (m_kinds.table) {

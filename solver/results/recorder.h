@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/data_files/road_mesh.h"
 #include "solver/engine/engine.h"
 #include "solver/results/columns.h"
 #include "solver/results/contact_axes.h"
@@ -24,8 +25,9 @@ public:
   /// Opens the files and places the roads. The engine is at its start.
   /// @param folder  must outlive this object
   /// @param report  called with a text if a road, a hull or a water cannot be drawn; may be empty
+  /// @param roads   what was read of the roads already
   Recorder(const Engine& engine, ResultsFolder& folder, const std::function<void(const std::string&)>& report,
-           const RecordingLimits& limits = {});
+           const RecordingLimits& limits = {}, RoadMeshes roads = {});
 
   /// Adds a row, and a frame if one is due. The engine is at an output time.
   void record(const Engine& engine);

@@ -102,6 +102,21 @@ TEST(RoadMesh, IsNothingForFilesWithoutOne) {
   }
 }
 
+TEST(RoadMeshes, HandOverOnceWhatWasReadAheadAndReadTheRest) {
+  const std::string path =
+      road_file("NUMBER_OF_NODES = 3\n1 0 0 0\n2 1 0 0\n3 0 1 0\n\nNUMBER_OF_ELEMENTS = 1\n1 2 3 0\n");
+  RoadMeshes roads;
+  EXPECT_TRUE(roads.take(path).has_value()) << "not read ahead";
+  roads.read_ahead(path);
+  roads.read_ahead("/nowhere/road.rdf");
+  std::filesystem::remove(path);
+  const auto mesh = roads.take(path);
+  ASSERT_TRUE(mesh.has_value());
+  EXPECT_EQ(mesh->triangles.size(), 1u);
+  EXPECT_FALSE(roads.take(path).has_value()) << "it is gone, and its file too";
+  EXPECT_FALSE(roads.take("/nowhere/road.rdf").has_value());
+}
+
 // --- hulls and water -----------------------------------------------------------------------------------------------
 
 /// A ball on a body and the sea it floats in; both frames stand askew.
