@@ -1,7 +1,6 @@
 #include "soilinteraction/contact_records.h"
 
-#include <cmath>
-
+#include "common/kernels/angles.h"
 #include "qvbrisk/constants.h"
 
 namespace qvsoilinteraction {
@@ -60,7 +59,7 @@ void Croad_contact::Calculation_Si_prime(int i, int j, int shape, double a, doub
     set(Si_prime, i * dx - 0.5 * a, j * dy - 0.5 * w, 0.0);
   } else {
     const double angle = i * (TPI / nx);
-    set(Si_prime, std::cos(angle) * a, j * dy - 0.5 * w, std::sin(angle) * a);
+    set(Si_prime, qv::cosine(angle) * a, j * dy - 0.5 * w, qv::sine(angle) * a);
   }
   qv::vectl(Si_prime, Si_prime_tilde);
 }

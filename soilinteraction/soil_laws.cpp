@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "common/call/messages.h"
+#include "common/kernels/angles.h"
 
 namespace qvsoilinteraction {
 namespace {
@@ -238,7 +239,7 @@ soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
       wong(road.wong),
       hard(road.soil_type == "CONCRETE"),
       stiffness(bekker.kc / width + bekker.kphi),
-      tan_phi(std::tan(wong.friction_angle)),
+      tan_phi(qv::tangent(wong.friction_angle)),
       hump(wong.sensitivity / k_hump_scale - 1.0) {
   const double a1 = qv::power(1.0 / bekker.s, bekker.n + 1.0);
   const double a2 = qv::power(1.0 / bekker.s, bekker.n + 2.0);

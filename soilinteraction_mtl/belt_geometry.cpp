@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/kernels/angles.h"
 #include "common/kernels/kernels.h"
 #include "common/kernels/vectors.h"
 #include "qvbrisk/constants.h"
@@ -22,7 +23,7 @@ double distance(const double* from, const double* to) {
 
 /// frame = level Q: (u, a, w) turned about a by theta, so that u runs along the tangent of circles of different radii.
 void turn_into_tangent(double theta, const double* level, double* frame) {
-  const double c = std::cos(theta), s = std::sin(theta);
+  const double c = qv::cosine(theta), s = qv::sine(theta);
   const double Q[9] = {c, 0.0, -s, 0.0, 1.0, 0.0, s, 0.0, c};  // column by column
   qv::matmat(level, Q, frame);
 }
@@ -68,7 +69,7 @@ void replace_tangent_point(int nNode, track_records& track, const double* radii)
     CSoilInteractionMTL& start = track[i][1];
     const double R = radii[i];
     const double half_wrap = HPI - std::acos(0.5 * distance(end.points + 3, start.points) / R);
-    const double to_corner = R / std::cos(half_wrap) * std::sin(half_wrap);
+    const double to_corner = R / qv::cosine(half_wrap) * qv::sine(half_wrap);
     for (int c = 0; c < 3; ++c) {
       end.points[3 + c] = end.points[3 + c] + to_corner * end.frame[c];
       start.points[c] = end.points[3 + c];

@@ -1,7 +1,7 @@
 #include "tests/reference/hydro_reference.h"
 
 #include "qvbrisk/services.h"
-#include "tests/reference/powers.h"
+#include "tests/reference/functions.h"
 
 namespace qvref {
 namespace {

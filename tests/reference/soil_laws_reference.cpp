@@ -1,6 +1,6 @@
 #include "tests/reference/soil_laws_reference.h"
 
-#include "tests/reference/powers.h"
+#include "tests/reference/functions.h"
 
 namespace qvref {
 
@@ -11,7 +11,7 @@ v3 grid_point(const body& body, int i, int j) {
     return {i * dx - 0.5 * body.a, j * dy - 0.5 * body.w, 0.0};
   }
   const double angle = i * (6.283185307179586 / body.nx);
-  return {std::cos(angle) * body.a, j * dy - 0.5 * body.w, std::sin(angle) * body.a};
+  return {cosine(angle) * body.a, j * dy - 0.5 * body.w, sine(angle) * body.a};
 }
 
 double effective_area(const body& body, double area_ratio) {
@@ -43,7 +43,7 @@ double bekker_pressure(const soil& soil, double width, double static_sinkage) {
 
 double wong_shear(const soil& soil, double j, double v, double pressure) {
   const double S = soil.sensitivity, K = soil.max_shear_disp;
-  const double tau_max = S == 0.0 ? 0.0 : (std::tan(soil.friction_angle) * pressure + soil.cohesion) / S;
+  const double tau_max = S == 0.0 ? 0.0 : (tangent(soil.friction_angle) * pressure + soil.cohesion) / S;
   const double r = K == 0.0 ? 0.0 : std::fabs(j) / K;
   return -sign(v) * tau_max * ((S / 0.6321205588285577 - 1.0) * exponential(1.0 - r) + 1.0) * (1.0 - exponential(-r));
 }

@@ -1,3 +1,4 @@
+#include "tests/reference/functions.h"
 #include "tests/reference/track_reference.h"
 
 namespace qvref {
@@ -17,7 +18,7 @@ void lay_tangent(const v3& c1, double r1, const v3& c2, double r2, const v3& axl
   if (r1 != r2) {
     if (r1 > r2) theta = -theta;
     // Nine numbers in this order, read column by column.
-    const m33 Q = {std::cos(theta), 0.0, -std::sin(theta), 0.0, 1.0, 0.0, std::sin(theta), 0.0, std::cos(theta)};
+    const m33 Q = {cosine(theta), 0.0, -sine(theta), 0.0, 1.0, 0.0, sine(theta), 0.0, cosine(theta)};
     const m33 turned = from_columns(u, axle, w) * Q;
     span.along = column(turned, 0);
     span.axle = column(turned, 1);
@@ -36,7 +37,7 @@ void cut_corners(std::vector<std::array<belt_record, 2>>& track, std::vector<dou
     const v3 chord = S.P0 - E.P1;
     const double c = std::sqrt(dot(chord, chord)), R = radii[i];
     const double beta = 1.5707963267948966 - std::acos(0.5 * c / R);
-    const double t = (R / std::cos(beta)) * std::sin(beta);
+    const double t = (R / cosine(beta)) * sine(beta);
     E.P1 = E.P1 + t * E.along;
     S.P0 = E.P1;
   }
