@@ -170,15 +170,15 @@ void apply(const Loop& loop, const Special& special, const double* from, double*
   }
 }
 
-const power_version& widest_version() {
-  const power_version* widest = all_power_versions().begin();
+const power_version& find_version_in_use() {
+  const power_version* last = all_power_versions().begin();
   for (const power_version& version : all_power_versions())
-    if (version.runs_here) widest = &version;
-  return *widest;
+    if (version.runs_here && version.pays) last = &version;
+  return *last;
 }
 
 const power_version& version_in_use() {
-  static const power_version& version = widest_version();
+  static const power_version& version = find_version_in_use();
   return version;
 }
 
@@ -198,12 +198,12 @@ power_versions all_power_versions() {
 #if defined(__x86_64__)
   __builtin_cpu_init();
   static const power_version versions[] = {
-      {"128 bits", true, powers_128, exponentials_128},
-      {"256 bits", __builtin_cpu_supports("avx2") != 0, powers_256, exponentials_256},
-      {"512 bits", __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0, powers_512,
+      {"128 bits", true, true, powers_128, exponentials_128},
+      {"256 bits", __builtin_cpu_supports("avx2") != 0, true, powers_256, exponentials_256},
+      {"512 bits", __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0, false, powers_512,
        exponentials_512}};
 #else
-  static const power_version versions[] = {{"128 bits", true, powers_128, exponentials_128}};
+  static const power_version versions[] = {{"128 bits", true, true, powers_128, exponentials_128}};
 #endif
   return {versions, std::size(versions)};
 }

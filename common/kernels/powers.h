@@ -24,7 +24,8 @@ void exponentials(const double* x, double* values, int count);
 /// `powers` and `exponentials` as compiled for one width of vectors.
 struct power_version {
   const char* name;
-  bool runs_here;
+  bool runs_here;  ///< on this processor
+  bool pays;       ///< not 512 bits: processors slow down for them, and whole calls take 2 to 12 % longer than with 256
   std::uint64_t (*power_loop)(const double* bases, double exponent, double* values, std::uint64_t* holds, int count);
   std::uint64_t (*exponential_loop)(const double* x, double* values, std::uint64_t* holds, int count);
 
@@ -32,7 +33,7 @@ struct power_version {
   void exponentials(const double* x, double* values, int count) const;
 };
 
-/// All versions, `count` of them, from narrow to wide: the last that runs here is the one in use.
+/// All versions, `count` of them, from narrow to wide: the last that runs here and pays is the one in use.
 struct power_versions {
   const power_version* first;
   std::size_t count;

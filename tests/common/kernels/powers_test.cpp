@@ -283,13 +283,13 @@ TEST(RowsOfPowers, OfAnyLengthMayReplaceTheirBasesAndTouchNothingElse) {
   }
 }
 
-TEST(RowsOfPowers, AreThoseOfTheWidestVersionThatRunsHere) {
+TEST(RowsOfPowers, AreThoseOfTheWidestVersionThatRunsHereAndPays) {
   Numbers any;
   std::vector<double> in(100), out(100), expected(100);
   for (double& x : in) x = any.spread(1e-12, 1e6);
   const qv::power_version* widest = nullptr;
   for (const qv::power_version& version : qv::all_power_versions())
-    if (version.runs_here) widest = &version;
+    if (version.runs_here && version.pays) widest = &version;
   ASSERT_NE(widest, nullptr);
   qv::powers(in.data(), 0.7, out.data(), 100);
   widest->powers(in.data(), 0.7, expected.data(), 100);
