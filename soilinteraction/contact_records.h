@@ -31,10 +31,10 @@ private:
   double m_value = 1.0;
 };
 
-/// Geometry and history of one grid point. What every evaluation of a point in contact needs comes first, in three
-/// cache lines. The rest is the documented record: set-up and converged steps fill it, evaluations between them do not,
-/// but for what they name below. Lengths, forces and times are in the model's units. For the points of a track, read
-/// "marker R" for "ground reference marker" and for "ground axes".
+/// Geometry and history of one grid point. What evaluations read and converged steps write comes first, in four cache
+/// lines. The rest is the documented record of the point: a set-up call (iflag 1, also of an element that stands) fills
+/// it, other calls leave it as it is and work on rows (contact_search.h). Lengths, forces and times are in the model's
+/// units. For the points of a track, read "marker R" for "ground reference marker" and for "ground axes".
 class alignas(64) Croad_contact {
 public:
   // History. It changes after a converged step only.
@@ -48,16 +48,19 @@ public:
   double update_time;                 ///< kept: nothing writes it, it stays 0, and a track reads it
   double concrete_friction;           ///< shear force over normal force on a hard road [-]: 0 for a body, 1 for a track
 
-  // Of every evaluation in contact.
-  double slip_velocity[2];               ///< velocity against the road along each tangent [length/time]
-  double shear_disp[2];                  ///< shear displacement along each tangent [length]
-  double sinkage;                        ///< signed height over the surface, negative below [length]
-  double area_ratio;                     ///< factor on the point's share of the contact area [-]
-  double normal_velocity;                ///< velocity against the road along the normal [length/time]
-  double damping;                        ///< damping coefficient of the pressure [force time/length^3]
-  double pressure;                       ///< pressure of Bekker's law, negative in compression [force/length^2]
-  remembered_power last_pressure_power;  ///< power of the dynamic sinkage law; changes with last_pressure only
+  // A track sets these two at every evaluation in contact, since a point keeps the slip of its last contact.
+  double slip_velocity[2];  ///< velocity against the road along each tangent [length/time]
+  double shear_disp[2];     ///< shear displacement along each tangent [length]
 
+  remembered_power last_pressure_power;  ///< power of the dynamic sinkage law; changes with last_pressure only
+  double last_static_sinkage;            ///< history: static sinkage [length]
+  double max_sinkage;                    ///< history: largest depth in contact so far [length]
+
+  double sinkage;               ///< signed height over the surface, negative below; 0 out of contact [length]
+  double area_ratio;            ///< factor on the point's share of the contact area [-]
+  double normal_velocity;       ///< velocity against the road along the normal [length/time]
+  double damping;               ///< damping coefficient of the pressure [force time/length^3]
+  double pressure;              ///< pressure of Bekker's law, negative in compression [force/length^2]
   double Si_prime[3];           ///< place on the body, in its marker's axes; set at set-up
   double lever[3];              ///< from the body marker to the point, ground axes [length]
   double position[3];           ///< from the ground reference marker to the point, ground axes [length]
@@ -68,14 +71,12 @@ public:
   std::int32_t facet_number;    ///< number of the triangle under the point, from 1; 0: there is none
   double facet_normal[3];       ///< the triangle's normal, road axes; zero: there is no triangle
   double facet_point[3];        ///< the point projected onto the triangle's plane, road axes [length]
-  double max_sinkage;           ///< history: largest depth in contact so far [length]
 
   // Kept: no computation reads these fields. They belong to the documented record, and those with a meaning are filled.
-  double Si_prime_tilde[9];    ///< tilde matrix of Si_prime
-  double facet_d;              ///< plane constant of the triangle of a single search; NaN: there was no triangle
-  double secant_stiffness;     ///< pressure over sinkage, positive [force/length^3]
-  double last_static_sinkage;  ///< history: static sinkage [length]
-  double spare;                ///< 0.001
+  double Si_prime_tilde[9];  ///< tilde matrix of Si_prime
+  double facet_d;            ///< plane constant of the triangle of a single search; NaN: there was no triangle
+  double secant_stiffness;   ///< pressure over sinkage, positive [force/length^3]
+  double spare;              ///< 0.001
 
   Croad_contact() { Initialize(); }
 
@@ -92,8 +93,8 @@ public:
   void clear_history();
 };
 
-/// Loads of one grid point. As in Croad_contact, what every evaluation in contact needs comes first; force, moment and
-/// what follows them are filled at set-up and after converged steps.
+/// Loads of one grid point. Evaluations in contact set the three normal forces, which may be needed again (set_loads);
+/// the rest is the documented record, which set-up calls fill.
 class alignas(64) Csoil_contact {
 public:
   double pressure_force;   ///< pressure times area
@@ -119,27 +120,6 @@ public:
 
   void Initialize();
 };
-
-/// Moves a point's history on after a converged step.
-inline void advance_history(bool in_contact, const Csoil_contact& sc, Croad_contact& rc) {
-  if (!in_contact) {
-    if (rc.contact_state != 0.0) rc.clear_history();  // a point that had no contact has no history
-    return;
-  }
-  rc.last_pressure = sc.pressure;
-  qv::assgvec(rc.shear_disp, 2, rc.last_shear_disp);
-  rc.last_static_sinkage = sc.static_sinkage;
-  const double depth = std::fabs(rc.sinkage);
-  if (depth > rc.max_sinkage) rc.max_sinkage = depth;
-  if (rc.contact_state == 0.0) {
-    rc.contact_state = 1.0;
-    qv::assgvec(rc.relative_position, 3, rc.first_contact_position);
-    qv::assgvec(rc.tangent_1, 3, rc.first_contact_tangent_1);
-    qv::assgvec(rc.tangent_2, 3, rc.first_contact_tangent_2);
-  } else if (rc.contact_state == 1.0) {
-    rc.contact_state = 2.0;
-  }
-}
 
 /// Prefetches what the evaluation of a point reads of its history.
 inline void prefetch_history(const Croad_contact& rc) {

@@ -66,32 +66,32 @@ void find_facets(void* handle, const CRoad& road, const contact_block& block, co
 /// Gives each point the frame over its triangle and what its sinkage is computed from. Drops the points over a triangle
 /// without a normal.
 void gather_places(const contact_block& block, const std::int32_t* numbers, frame_maker& frames, contact_rows& rows) {
-  const contact_frame* found[k_block] = {};
+  const contact_frame* found[k_block];
   frames.find_frames(numbers, rows.count, found);
   int kept = 0;
   for (int i = 0; i < rows.count; ++i) {
     const contact_frame& frame = *found[i];
-    const std::int32_t index = rows.index[i];
-    rows.index[kept] = index;
+    rows.index[kept] = rows.index[i];
     rows.frames[kept] = &frame;
-    copy_vector(block.at.p, index, rows.p, kept);
-    copy_vector(block.at.relative, index, rows.relative, kept);
     put(frame.facet_normal, rows.facet_normal, kept);
     put(frame.corner, rows.corner, kept);
     put(frame.normal, rows.normal, kept);
     kept += frame.flat ? 1 : 0;
   }
   rows.count = kept;
+  rows.p = &of_rows(block.at.p, block.count, rows, rows.copied_p);
+  rows.relative = &of_rows(block.at.relative, block.count, rows, rows.copied_relative);
 }
 
 /// Sets the projections onto the triangles' planes, as `project` does, and the signed heights over these planes.
 QV_WIDE_VECTORS void measure_sinkages(const kinematics& k, contact_rows& rows) {
   vectors on_plane;
+  const vectors &p = *rows.p, &relative = *rows.relative;
   for (int i = 0; i < rows.count; ++i) {
     const double nx = rows.facet_normal.x[i], ny = rows.facet_normal.y[i], nz = rows.facet_normal.z[i];
-    const double wx = rows.p.x[i] - rows.corner.x[i];
-    const double wy = rows.p.y[i] - rows.corner.y[i];
-    const double wz = rows.p.z[i] - rows.corner.z[i];
+    const double wx = p.x[i] - rows.corner.x[i];
+    const double wy = p.y[i] - rows.corner.y[i];
+    const double wz = p.z[i] - rows.corner.z[i];
     const double height = nx * wx + ny * wy + nz * wz;
     rows.facet_point.x[i] = rows.corner.x[i] + (wx - height * nx);
     rows.facet_point.y[i] = rows.corner.y[i] + (wy - height * ny);
@@ -99,32 +99,44 @@ QV_WIDE_VECTORS void measure_sinkages(const kinematics& k, contact_rows& rows) {
   }
   rotate(k.A5, rows.facet_point, on_plane, rows.count);
   for (int i = 0; i < rows.count; ++i) {
-    rows.sinkage[i] = rows.normal.x[i] * (rows.relative.x[i] - on_plane.x[i]) +
-                      rows.normal.y[i] * (rows.relative.y[i] - on_plane.y[i]) +
-                      rows.normal.z[i] * (rows.relative.z[i] - on_plane.z[i]);
+    rows.motion.sinkage[i] = rows.normal.x[i] * (relative.x[i] - on_plane.x[i]) +
+                             rows.normal.y[i] * (relative.y[i] - on_plane.y[i]) +
+                             rows.normal.z[i] * (relative.z[i] - on_plane.z[i]);
   }
+}
+
+/// Moves the points at `places`, `count` of them in ascending order, to the front of the rows.
+void keep(const std::int32_t* places, int count, contact_rows& rows) {
+  for (int c = 0; c < count; ++c) {
+    const std::int32_t i = places[c];
+    rows.index[c] = rows.index[i];
+    rows.frames[c] = rows.frames[i];
+    rows.motion.sinkage[c] = rows.motion.sinkage[i];
+    copy_vector(*rows.p, i, rows.copied_p, c);
+    copy_vector(*rows.relative, i, rows.copied_relative, c);
+    copy_vector(rows.facet_point, i, rows.facet_point, c);
+    copy_vector(rows.normal, i, rows.normal, c);
+  }
+  rows.count = count;
+  rows.p = &rows.copied_p;
+  rows.relative = &rows.copied_relative;
 }
 
 /// Drops the points that are not in contact, and gives the others the rest of their frames.
 void keep_sunk_points(contact_rows& rows) {
+  std::int32_t places[k_block];
   int kept = 0;
   for (int i = 0; i < rows.count; ++i) {
-    if (rows.sinkage[i] >= 0.0) continue;  // a NaN is in contact, so that it shows in the result
-    if (kept != i) {
-      rows.index[kept] = rows.index[i];
-      rows.frames[kept] = rows.frames[i];
-      rows.sinkage[kept] = rows.sinkage[i];
-      copy_vector(rows.p, i, rows.p, kept);
-      copy_vector(rows.relative, i, rows.relative, kept);
-      copy_vector(rows.facet_point, i, rows.facet_point, kept);
-      copy_vector(rows.normal, i, rows.normal, kept);
-    }
-    put(rows.frames[kept]->tangent_1, rows.tangent_1, kept);
-    put(rows.frames[kept]->tangent_2, rows.tangent_2, kept);
-    rows.area_ratio[kept] = rows.frames[kept]->plate_ratio;
-    ++kept;
+    places[kept] = i;
+    kept += rows.motion.sinkage[i] >= 0.0 ? 0 : 1;  // a NaN is in contact, so that it shows in the result
   }
-  rows.count = kept;
+  if (kept != rows.count) keep(places, kept, rows);
+  for (int c = 0; c < kept; ++c) {
+    const contact_frame& frame = *rows.frames[c];
+    put(frame.tangent_1, rows.tangent_1, c);
+    put(frame.tangent_2, rows.tangent_2, c);
+    rows.motion.area_ratio[c] = frame.plate_ratio;
+  }
 }
 
 /// Sets the area ratio of points on a wheel: the cosine between the road's normal and the direction from the point to
@@ -132,14 +144,14 @@ void keep_sunk_points(contact_rows& rows) {
 QV_WIDE_VECTORS void set_wheel_ratios(const kinematics& k, contact_rows& rows) {
   vectors to_center;
   for (int i = 0; i < rows.count; ++i) {
-    to_center.x[i] = k.d15[0] - rows.p.x[i];
+    to_center.x[i] = k.d15[0] - rows.p->x[i];
     to_center.y[i] = 0.0;
-    to_center.z[i] = k.d15[2] - rows.p.z[i];
+    to_center.z[i] = k.d15[2] - rows.p->z[i];
   }
   normalise(to_center, rows.count);
   for (int i = 0; i < rows.count; ++i) {
-    rows.area_ratio[i] = std::fabs(rows.normal.x[i] * to_center.x[i] + rows.normal.y[i] * to_center.y[i] +
-                                   rows.normal.z[i] * to_center.z[i]);
+    rows.motion.area_ratio[i] = std::fabs(rows.normal.x[i] * to_center.x[i] + rows.normal.y[i] * to_center.y[i] +
+                                          rows.normal.z[i] * to_center.z[i]);
   }
 }
 
@@ -152,11 +164,11 @@ QV_WIDE_VECTORS void set_velocities(const kinematics& k, const vectors& on_body,
     const double by = by_rotation.y[i] + k.V1[1] - k.V5[1];
     const double bz = by_rotation.z[i] + k.V1[2] - k.V5[2];
     // Kept: the normal velocity is taken from the road's material point, the slip from its base marker.
-    rows.normal_velocity[i] = rows.normal.x[i] * (bx - of_road.x[i]) + rows.normal.y[i] * (by - of_road.y[i]) +
-                              rows.normal.z[i] * (bz - of_road.z[i]);
-    rows.slip_velocity[0][i] =
+    rows.motion.normal_velocity[i] = rows.normal.x[i] * (bx - of_road.x[i]) + rows.normal.y[i] * (by - of_road.y[i]) +
+                                     rows.normal.z[i] * (bz - of_road.z[i]);
+    rows.motion.slip_velocity[0][i] =
         at_rest_below_threshold(rows.tangent_1.x[i] * bx + rows.tangent_1.y[i] * by + rows.tangent_1.z[i] * bz);
-    rows.slip_velocity[1][i] =
+    rows.motion.slip_velocity[1][i] =
         at_rest_below_threshold(rows.tangent_2.x[i] * bx + rows.tangent_2.y[i] * by + rows.tangent_2.z[i] * bz);
   }
 }
@@ -164,13 +176,13 @@ QV_WIDE_VECTORS void set_velocities(const kinematics& k, const vectors& on_body,
 /// Sets the travel of point c since touch-down, along the tangents that it had then.
 void set_shear_displacement(const Croad_contact& rc, int c, contact_rows& rows) {
   if (rc.contact_state == 0.0) {
-    rows.shear_disp[0][c] = rows.shear_disp[1][c] = 0.0;
+    rows.motion.shear_disp[0][c] = rows.motion.shear_disp[1][c] = 0.0;
     return;
   }
   const double* from = rc.first_contact_position;
-  const double g[3] = {rows.relative.x[c] - from[0], rows.relative.y[c] - from[1], rows.relative.z[c] - from[2]};
-  qv::vectrvec(rc.first_contact_tangent_1, g, rows.shear_disp[0][c]);
-  qv::vectrvec(rc.first_contact_tangent_2, g, rows.shear_disp[1][c]);
+  const double g[3] = {rows.relative->x[c] - from[0], rows.relative->y[c] - from[1], rows.relative->z[c] - from[2]};
+  qv::vectrvec(rc.first_contact_tangent_1, g, rows.motion.shear_disp[0][c]);
+  qv::vectrvec(rc.first_contact_tangent_2, g, rows.motion.shear_disp[1][c]);
 }
 
 }  // namespace
@@ -215,20 +227,36 @@ void get_contact_info(void* handle, const CRoad& road, int shape, const kinemati
   find_contacts(handle, road, k, frames, block.contact, rows, channel);
   if (shape != k_plate) set_wheel_ratios(k, rows);
   vectors on_body;
-  for (int c = 0; c < rows.count; ++c) copy_vector(block.on_body, rows.index[c], on_body, c);
-  set_velocities(k, on_body, rows);
+  set_velocities(k, of_rows(block.on_body, block.contact.count, rows, on_body), rows);
   for (int c = 0; c < rows.count; ++c) set_shear_displacement(*block.contact.points[rows.index[c]], c, rows);
 }
 
 void store_contact(const contact_rows& rows, int c, Croad_contact& rc) {
   const contact_frame& frame = *rows.frames[c];
   rc.facet_number = frame.number;
+  store_motion(rows.motion, c, rc);
   qv::assgvec(frame.facet_normal, 3, rc.facet_normal);
   take(rows.facet_point, c, rc.facet_point);
   take(rows.normal, c, rc.normal);
   take(rows.tangent_1, c, rc.tangent_1);
   take(rows.tangent_2, c, rc.tangent_2);
-  take(rows.relative, c, rc.relative_position);
+  take(*rows.relative, c, rc.relative_position);
+}
+
+void advance_history(const contact_rows& rows, const load_rows& loads, int c, Croad_contact& rc) {
+  rc.last_pressure = loads.pressure[c];
+  for (int t = 0; t < 2; ++t) rc.last_shear_disp[t] = rows.motion.shear_disp[t][c];
+  rc.last_static_sinkage = loads.static_sinkage[c];
+  const double depth = std::fabs(rows.motion.sinkage[c]);
+  if (depth > rc.max_sinkage) rc.max_sinkage = depth;
+  if (rc.contact_state == 0.0) {
+    rc.contact_state = 1.0;
+    take(*rows.relative, c, rc.first_contact_position);
+    take(rows.tangent_1, c, rc.first_contact_tangent_1);
+    take(rows.tangent_2, c, rc.first_contact_tangent_2);
+  } else if (rc.contact_state == 1.0) {
+    rc.contact_state = 2.0;
+  }
 }
 
 }  // namespace qvsoilinteraction

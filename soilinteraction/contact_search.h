@@ -10,6 +10,7 @@
 #include "soilinteraction/contact_records.h"
 #include "soilinteraction/facet_search.h"
 #include "soilinteraction/kinematics.h"
+#include "soilinteraction/soil_laws.h"
 
 /// Contact of a body's grid points with the road: the triangle under a point, the contact frame over it, sinkage, slip
 /// and shear displacement.
@@ -57,17 +58,21 @@ struct contact_rows {
   int count = 0;
   std::int32_t index[k_block];  ///< the points' places in their block
   const contact_frame* frames[k_block];
-  vectors p;         ///< the point from the road base marker, road axes [length]
-  vectors relative;  ///< the same, ground axes
+  const vectors* p;                   ///< the point from the road base marker, road axes [length]
+  const vectors* relative;            ///< the same, ground axes
+  vectors copied_p, copied_relative;  ///< what these point to, unless all points of the block are in contact
   vectors facet_normal, corner;
   vectors facet_point;  ///< the point projected onto the triangle's plane, road axes [length]
   vectors normal, tangent_1, tangent_2;
-  double sinkage[k_block];
-  double area_ratio[k_block];
-  double normal_velocity[k_block];
-  double slip_velocity[2][k_block];
-  double shear_disp[2][k_block];
+  motion_rows motion;
 };
+
+/// Vectors of the points in contact: those of their block if all its points are in contact, else copies in `copied`.
+inline const vectors& of_rows(const vectors& of_block, int block_count, const contact_rows& rows, vectors& copied) {
+  if (rows.count == block_count) return of_block;
+  for (int c = 0; c < rows.count; ++c) qv::copy_vector(of_block, rows.index[c], copied, c);
+  return copied;
+}
 
 /// The grid points of a body in a block, and where they are.
 struct body_block {
@@ -91,19 +96,16 @@ void place_points(const qvsoilrdf::CRoad& road, const kinematics& k, body_block&
 void get_contact_info(void* handle, const qvsoilrdf::CRoad& road, int shape, const kinematics& k, frame_maker& frames,
                       const body_block& block, contact_rows& rows, const qv::fault_channel& channel);
 
-/// Stores what the laws read of point c of the rows in its record.
-inline void store_motion(const contact_rows& rows, int c, Croad_contact& rc) {
-  rc.sinkage = rows.sinkage[c];
-  rc.area_ratio = rows.area_ratio[c];
-  rc.normal_velocity = rows.normal_velocity[c];
-  for (int t = 0; t < 2; ++t) {
-    rc.slip_velocity[t] = rows.slip_velocity[t][c];
-    rc.shear_disp[t] = rows.shear_disp[t][c];
-  }
-}
-
-/// Stores where point c of the rows is, and the contact frame there, in its record.
+/// Stores where point c of the rows is, how it moves, and the contact frame there, in its record.
 void store_contact(const contact_rows& rows, int c, Croad_contact& rc);
+
+/// Moves the history of point c of the rows on, after a converged step.
+void advance_history(const contact_rows& rows, const load_rows& loads, int c, Croad_contact& rc);
+
+/// The same of a point out of contact.
+inline void end_history(Croad_contact& rc) {
+  if (rc.contact_state != 0.0) rc.clear_history();  // a point that had no contact has no history
+}
 
 // The steps that the track shares, in the order in which they are called. Of the body marker's motion they read only
 // the axes A1.
@@ -149,7 +151,7 @@ inline void keep_near(const qvsoilrdf::CRoad& road, int i, contact_block& block)
 void drop_points_above(const qvsoilrdf::CRoad& road, contact_block& block);
 
 /// Finds the triangles under the near points, the contact frames over them and the sinkages, and makes rows of the
-/// points in contact. Of these it sets what stands before `area_ratio`, which becomes that of a plate.
+/// points in contact. Of these it sets places, frames and sinkages, and the area ratios of a plate.
 void find_contacts(void* handle, const qvsoilrdf::CRoad& road, const kinematics& k, frame_maker& frames,
                    const contact_block& block, contact_rows& rows, const qv::fault_channel& channel);
 

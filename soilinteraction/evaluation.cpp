@@ -11,42 +11,32 @@ namespace {
 
 using qvsoilrdf::CRoad;
 
-/// Loads of the points in contact of a block, side by side.
-struct load_rows {
-  vectors local;   ///< force along tangent 1, tangent 2 and normal
+/// Forces of the points in contact of a block, side by side.
+struct force_rows {
   vectors force;   ///< ground axes
   vectors moment;  ///< about the body marker, ground axes
-  double area[k_block];
-  double dynamic_sinkage[k_block];
-
-  void take(const Csoil_contact& sc, int c) {
-    local.x[c] = sc.shear_force_1;
-    local.y[c] = sc.shear_force_2;
-    local.z[c] = sc.normal_force;
-    area[c] = sc.effective_area;
-    dynamic_sinkage[c] = sc.dynamic_sinkage;
-  }
 };
 
 /// Force, moment and area, as they stand at the head of the result array.
 struct totals {
   double values[QV_SOIL_RESULT_LENGTH] = {};
 
-  void add(const load_rows& loads, int c) {
+  void add(const force_rows& loads, double area, int c) {
     values[QV_SOIL_RESULT_FORCE] += loads.force.x[c];
     values[QV_SOIL_RESULT_FORCE + 1] += loads.force.y[c];
     values[QV_SOIL_RESULT_FORCE + 2] += loads.force.z[c];
     values[QV_SOIL_RESULT_MOMENT] += loads.moment.x[c];
     values[QV_SOIL_RESULT_MOMENT + 1] += loads.moment.y[c];
     values[QV_SOIL_RESULT_MOMENT + 2] += loads.moment.z[c];
-    values[QV_SOIL_RESULT_AREA] += loads.area[c];
+    values[QV_SOIL_RESULT_AREA] += area;
   }
 };
 
 /// Turns the local forces into forces and moments in ground axes, as genenralized_contact_force does for a record.
-QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, const vectors& lever, load_rows& loads) {
+QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, const vectors& lever, const load_rows& local,
+                                 force_rows& loads) {
   for (int i = 0; i < rows.count; ++i) {
-    const double F1 = loads.local.x[i], F2 = loads.local.y[i], Fn = loads.local.z[i];
+    const double F1 = local.shear_force[0][i], F2 = local.shear_force[1][i], Fn = local.normal_force[i];
     const double fx = rows.tangent_1.x[i] * F1 + rows.tangent_2.x[i] * F2 + rows.normal.x[i] * Fn;
     const double fy = rows.tangent_1.y[i] * F1 + rows.tangent_2.y[i] * F2 + rows.normal.y[i] * Fn;
     const double fz = rows.tangent_1.z[i] * F1 + rows.tangent_2.z[i] * F2 + rows.normal.z[i] * Fn;
@@ -138,31 +128,27 @@ private:
     const bool refused = m_law.bekker.b == 0.0 && rows.count > 0;
     const int end = refused ? rows.index[0] : block.count;
     if (refused) rows.count = 0;
-    load_points(w, rows);
+    set_loads(w, rows);
     write_positions(w, end);
     write_contacts(rows);
-    if (m_iflag == 1 || m_iflag == 2) store_records(w, rows, end);
-    if (refused) get_soil_force(m_law, m_p.patch, &block.points[end], &w.soil[end], 1, m_channel);
+    if (m_iflag == 1) store_records(w, rows, end);
+    if (m_iflag == 2) advance_histories(w, rows, end);
+    if (refused) refuse_no_width(m_law, *block.points[end], m_channel);
     m_point += static_cast<std::ptrdiff_t>(QV_SOIL_POINT_LENGTH) * block.count;
     block.count = block.near_count = 0;
   }
 
   /// Sets the loads of the points in contact.
-  void load_points(const work& w, const contact_rows& rows) {
+  void set_loads(const work& w, const contact_rows& rows) {
     Croad_contact* road_contacts[k_block];
     Csoil_contact* soil_contacts[k_block];
     for (int c = 0; c < rows.count; ++c) {
       road_contacts[c] = w.block.contact.points[rows.index[c]];
       soil_contacts[c] = w.soil[rows.index[c]];
-      store_motion(rows, c, *road_contacts[c]);
     }
-    get_soil_force(m_law, m_p.patch, road_contacts, soil_contacts, rows.count, m_channel);
+    qvsoilinteraction::set_loads(m_law, m_p.patch, rows.motion, road_contacts, soil_contacts, rows.count, m_loads);
     vectors lever;
-    for (int c = 0; c < rows.count; ++c) {
-      m_loads.take(*soil_contacts[c], c);
-      copy_vector(w.block.lever, rows.index[c], lever, c);
-    }
-    turn_forces(rows, lever, m_loads);
+    turn_forces(rows, of_rows(w.block.lever, w.block.contact.count, rows, lever), m_loads, m_forces);
   }
 
   /// Fills the positions of the first `end` points of the block, which are written out of contact too.
@@ -176,30 +162,43 @@ private:
     totals sum;
     qv::assgvec(m_result, QV_SOIL_RESULT_LENGTH, sum.values);
     for (int c = 0; c < rows.count; ++c) {
-      sum.add(m_loads, c);
+      sum.add(m_forces, m_loads.effective_area[c], c);
       double* point = m_point + static_cast<std::ptrdiff_t>(QV_SOIL_POINT_LENGTH) * rows.index[c];
-      take(m_loads.local, c, point + QV_SOIL_POINT_LOCAL_FORCE);
-      point[QV_SOIL_POINT_SINKAGE] = rows.sinkage[c];
+      point[QV_SOIL_POINT_LOCAL_FORCE] = m_loads.shear_force[0][c];
+      point[QV_SOIL_POINT_LOCAL_FORCE + 1] = m_loads.shear_force[1][c];
+      point[QV_SOIL_POINT_LOCAL_FORCE + 2] = m_loads.normal_force[c];
+      point[QV_SOIL_POINT_SINKAGE] = rows.motion.sinkage[c];
       point[QV_SOIL_POINT_DYNAMIC_SINKAGE] = m_loads.dynamic_sinkage[c];
     }
     qv::assgvec(sum.values, QV_SOIL_RESULT_LENGTH, m_result);
   }
 
-  /// Fills the records of the first `end` points, and moves their history on after a converged step.
+  /// Fills the records of the first `end` points.
   void store_records(const work& w, const contact_rows& rows, int end) const {
-    for (int b = 0, c = 0; b < end; ++b) {
+    for (int b = 0; b < end; ++b) {
       Croad_contact& rc = *w.block.contact.points[b];
-      Csoil_contact& sc = *w.soil[b];
       take(w.block.lever, b, rc.lever);
       take(w.block.position, b, rc.position);
-      const bool in_contact = c < rows.count && rows.index[c] == b;
-      if (in_contact) {
-        store_contact(rows, c++, rc);
-        genenralized_contact_force(rc, sc);
+      rc.sinkage = 0.0;
+    }
+    for (int c = 0; c < rows.count; ++c) {
+      Croad_contact& rc = *w.block.contact.points[rows.index[c]];
+      Csoil_contact& sc = *w.soil[rows.index[c]];
+      store_contact(rows, c, rc);
+      store_loads(m_law, m_loads, c, rc, sc);
+      genenralized_contact_force(rc, sc);
+    }
+  }
+
+  /// Moves the history of the first `end` points on, after a converged step.
+  void advance_histories(const work& w, const contact_rows& rows, int end) const {
+    for (int b = 0, c = 0; b < end; ++b) {
+      Croad_contact& rc = *w.block.contact.points[b];
+      if (c < rows.count && rows.index[c] == b) {
+        advance_history(rows, m_loads, c++, rc);
       } else {
-        rc.sinkage = 0.0;
+        end_history(rc);
       }
-      if (m_iflag == 2) advance_history(in_contact, sc, rc);
     }
   }
 
@@ -216,6 +215,7 @@ private:
   work m_work[2];
   contact_rows m_rows;
   load_rows m_loads;
+  force_rows m_forces;
 };
 
 }  // namespace

@@ -13,79 +13,62 @@ using qv::k_block;
 
 constexpr double k_hump_scale = 0.6321205588285577;  // 1 - 1/e
 
-/// Points in contact, side by side for loops that are vectorised. What the loops need of the laws is copied to local
-/// constants: the compiler can then assume that writes to rows do not change it.
+/// One block of points on its way to its loads. What the loops need of the laws is copied to local constants: the
+/// compiler can then assume that writes to rows do not change it.
 class point_rows {
 public:
-  point_rows(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
-             Csoil_contact* const* soil_contacts, int count)
-      : m_law(law), m_patch(patch), m_rc(road_contacts), m_sc(soil_contacts), m_count(count) {}
+  point_rows(const soil_law& law, const contact_patch& patch, const motion_rows& motion,
+             Croad_contact* const* road_contacts, Csoil_contact* const* soil_contacts, int count, load_rows& loads)
+      : m_law(law),
+        m_patch(patch),
+        m_motion(motion),
+        m_rc(road_contacts),
+        m_sc(soil_contacts),
+        m_count(count),
+        m_loads(loads) {}
 
   void set_loads() {
-    fetch();
     find_areas();
     find_pressure_powers();
     find_shear_powers();
     find_sinkages();
     find_depth_powers();
     find_normal_loads();
+    keep_last_forces();
     find_shear_stresses();
-    store();
+    find_shear_forces();
   }
 
 private:
   using row = double[k_block];
 
-  void fetch();
   void find_areas();
   void find_pressure_powers();
   void find_shear_powers();
   void find_sinkages();
   void find_depth_powers();
   void find_normal_loads();
+  void keep_last_forces();
   void find_shear_stresses();
-  void store() const;
+  void find_shear_forces();
 
   const soil_law& m_law;
   const contact_patch& m_patch;
+  const motion_rows& m_motion;
   Croad_contact* const* m_rc;
   Csoil_contact* const* m_sc;
   int m_count;
+  load_rows& m_loads;
 
-  // As fetched.
-  row m_area_ratio, m_sinkage, m_last_pressure, m_normal_velocity;
-  row m_shear_disp[2], m_slip_velocity[2];
-
-  row m_area;
   row m_pressure_power, m_shear_power;  ///< of the dynamic sinkage law
-  row m_dynamic_sinkage, m_static_sinkage;
-  row m_depth;                    ///< |static sinkage|
-  row m_power, m_damping_power;   ///< depth^(n - 1), (depth s)^(n - 1); 1 at depth 0, where nothing needs them
-  row m_secant, m_road_pressure;  ///< of Bekker's law, the pressure negative in compression
-  row m_pressure;                 ///< on the body: positive in compression, or 0
-  row m_damping;                  ///< coefficient
-  row m_pressure_force, m_damping_force, m_normal_force;
-  row m_strength;  ///< of the soil over its sensitivity
-  row m_shear_stress[2];
+  row m_depth;                          ///< |static sinkage|
+  row m_power, m_damping_power;         ///< depth^(n - 1), (depth s)^(n - 1); 1 at depth 0, where nothing needs them
+  row m_strength;                       ///< of the soil over its sensitivity
 };
-
-void point_rows::fetch() {
-  for (int i = 0; i < m_count; ++i) {
-    const Croad_contact& rc = *m_rc[i];
-    m_area_ratio[i] = rc.area_ratio;
-    m_sinkage[i] = rc.sinkage;
-    m_last_pressure[i] = rc.last_pressure;
-    m_normal_velocity[i] = rc.normal_velocity;
-    for (int along = 0; along < 2; ++along) {
-      m_shear_disp[along][i] = rc.shear_disp[along];
-      m_slip_velocity[along][i] = rc.slip_velocity[along];
-    }
-  }
-}
 
 QV_WIDE_VECTORS void point_rows::find_areas() {
   const contact_patch patch = m_patch;
-  for (int i = 0; i < m_count; ++i) m_area[i] = get_effective_area(patch, m_area_ratio[i]);
+  for (int i = 0; i < m_count; ++i) m_loads.effective_area[i] = get_effective_area(patch, m_motion.area_ratio[i]);
 }
 
 /// (last pressure / critical pressure)^e1 of each point, computed only for those whose pressure has changed.
@@ -94,7 +77,7 @@ QV_WIDE_VECTORS void point_rows::find_pressure_powers() {
   if (critical == 0.0) return;
   row bases, powers;
   int place[k_block], changed = 0;
-  for (int i = 0; i < m_count; ++i) bases[i] = m_last_pressure[i] / critical;
+  for (int i = 0; i < m_count; ++i) bases[i] = m_rc[i]->last_pressure / critical;
   for (int i = 0; i < m_count; ++i) {
     const remembered_power& known = m_rc[i]->last_pressure_power;
     m_pressure_power[i] = known.value();
@@ -116,7 +99,8 @@ QV_WIDE_VECTORS void point_rows::find_shear_powers() {
   row squares, bases;
   std::uint64_t sheared = 0;  // 1 if any point is
   for (int i = 0; i < m_count; ++i) {
-    const double g = m_shear_disp[1][i] * m_shear_disp[1][i] + m_shear_disp[0][i] * m_shear_disp[0][i];
+    const double g =
+        m_motion.shear_disp[1][i] * m_motion.shear_disp[1][i] + m_motion.shear_disp[0][i] * m_motion.shear_disp[0][i];
     squares[i] = g;
     bases[i] = g > 0.0 ? g : 1.0;
     sheared |= g > 0.0 ? std::uint64_t{1} : std::uint64_t{0};
@@ -128,14 +112,14 @@ QV_WIDE_VECTORS void point_rows::find_shear_powers() {
 QV_WIDE_VECTORS void point_rows::find_sinkages() {
   const double c = m_law.dynamic.coefficient_ds;
   if (m_law.dynamic.critical_pressure == 0.0) {
-    std::fill_n(m_dynamic_sinkage, m_count, 0.0);
+    std::fill_n(m_loads.dynamic_sinkage, m_count, 0.0);
   } else {
     for (int i = 0; i < m_count; ++i)
-      m_dynamic_sinkage[i] = get_dynamic_sinkage(c, m_pressure_power[i], m_shear_power[i]);
+      m_loads.dynamic_sinkage[i] = get_dynamic_sinkage(c, m_pressure_power[i], m_shear_power[i]);
   }
   for (int i = 0; i < m_count; ++i) {
-    m_static_sinkage[i] = get_static_sinkage(m_dynamic_sinkage[i], m_sinkage[i]);
-    m_depth[i] = std::fabs(m_static_sinkage[i]);
+    m_loads.static_sinkage[i] = get_static_sinkage(m_loads.dynamic_sinkage[i], m_motion.sinkage[i]);
+    m_depth[i] = std::fabs(m_loads.static_sinkage[i]);
   }
 }
 
@@ -156,23 +140,41 @@ QV_WIDE_VECTORS void point_rows::find_normal_loads() {
   const soil_law law = m_law;
   const bekker_parameters& b = law.bekker;
   const bool no_width = b.b == 0.0;
+  load_rows& to = m_loads;
   for (int i = 0; i < m_count; ++i) {
     const double depth = m_depth[i];
-    m_secant[i] = get_secant_stiffness(law.stiffness, m_power[i]);
-    const double bekker = get_bekker_normal_pressure(m_secant[i], depth);
+    to.secant_stiffness[i] = get_secant_stiffness(law.stiffness, m_power[i]);
+    const double bekker = get_bekker_normal_pressure(to.secant_stiffness[i], depth);
     const bool none = (depth == 0.0) | no_width;
     const double pressure = none ? 0.0 : bekker;
-    m_road_pressure[i] = pressure;
-    m_pressure[i] = -pressure > 0.0 ? -pressure : 0.0;
+    to.road_pressure[i] = pressure;
+    to.pressure[i] = -pressure > 0.0 ? -pressure : 0.0;
     const double damping = damping_coefficient(law.damping_scale, m_damping_power[i], depth, b.zb);
-    m_damping[i] = m_pressure[i] > 0.0 ? damping : 0.0;
+    to.damping[i] = to.pressure[i] > 0.0 ? damping : 0.0;
   }
   for (int i = 0; i < m_count; ++i) {
-    m_strength[i] = shear_strength(law, m_pressure[i]);
-    m_pressure_force[i] = m_area[i] * m_pressure[i];
-    m_damping_force[i] = get_damping_force(m_normal_velocity[i], b.s, b.t, m_area[i], m_damping[i]);
-    const double force = m_damping_force[i] + m_pressure_force[i];
-    m_normal_force[i] = force > 0.0 ? force : 0.0;
+    m_strength[i] = shear_strength(law, to.pressure[i]);
+    to.pressure_force[i] = to.effective_area[i] * to.pressure[i];
+    to.damping_force[i] = get_damping_force(m_motion.normal_velocity[i], b.s, b.t, to.effective_area[i], to.damping[i]);
+    const double force = to.damping_force[i] + to.pressure_force[i];
+    to.normal_force[i] = force > 0.0 ? force : 0.0;
+  }
+}
+
+/// Kept: without a pressure the three normal forces are not cleared (test: StaleNormalForce).
+void point_rows::keep_last_forces() {
+  load_rows& to = m_loads;
+  for (int i = 0; i < m_count; ++i) {
+    Csoil_contact& sc = *m_sc[i];
+    if (to.pressure[i] > 0.0) {
+      sc.pressure_force = to.pressure_force[i];
+      sc.damping_force = to.damping_force[i];
+      sc.normal_force = to.normal_force[i];
+    } else {
+      to.pressure_force[i] = sc.pressure_force;
+      to.damping_force[i] = sc.damping_force;
+      to.normal_force[i] = sc.normal_force;
+    }
   }
 }
 
@@ -182,7 +184,7 @@ QV_WIDE_VECTORS void point_rows::find_shear_stresses() {
   const double K = m_law.wong.max_shear_disp, hump = m_law.hump;
   const int n = m_count;
   for (int along = 0; along < 2; ++along) {
-    const row& j = m_shear_disp[along];
+    const row& j = m_motion.shear_disp[along];
     double* falling = arguments + 2 * along * n;
     double* rest = falling + n;
     for (int i = 0; i < n; ++i) {
@@ -193,39 +195,32 @@ QV_WIDE_VECTORS void point_rows::find_shear_stresses() {
   }
   qv::exponentials(arguments, exponentials, 4 * n);
   for (int along = 0; along < 2; ++along) {
-    const row& v = m_slip_velocity[along];
-    row& stress = m_shear_stress[along];
+    const row& v = m_motion.slip_velocity[along];
+    row& stress = m_loads.shear_stress[along];
     const double* falling = exponentials + 2 * along * n;
     const double* rest = falling + n;
     for (int i = 0; i < n; ++i) stress[i] = get_wong_shear_pressure(hump, m_strength[i], falling[i], rest[i], v[i]);
   }
 }
 
-void point_rows::store() const {
-  const bool no_width = m_law.bekker.b == 0.0;
+QV_WIDE_VECTORS void point_rows::find_shear_forces() {
+  load_rows& to = m_loads;
+  for (int along = 0; along < 2; ++along) {
+    for (int i = 0; i < m_count; ++i) to.shear_force[along][i] = to.shear_stress[along][i] * to.effective_area[i];
+  }
+  if (!m_law.hard) return;
   for (int i = 0; i < m_count; ++i) {
-    Croad_contact& rc = *m_rc[i];
-    Csoil_contact& sc = *m_sc[i];
-    sc.effective_area = m_area[i];
-    sc.dynamic_sinkage = m_dynamic_sinkage[i];
-    sc.static_sinkage = m_static_sinkage[i];
-    if (!(m_depth[i] == 0.0 || no_width)) rc.secant_stiffness = m_secant[i];
-    rc.pressure = m_road_pressure[i];
-    rc.damping = m_damping[i];
-    sc.pressure = m_pressure[i];
-    if (m_pressure[i] > 0.0) {  // kept: the three normal forces are not cleared (test: StaleNormalForce)
-      sc.pressure_force = m_pressure_force[i];
-      sc.damping_force = m_damping_force[i];
-      sc.normal_force = m_normal_force[i];
-    }
-    sc.shear_stress_1 = m_shear_stress[0][i];
-    sc.shear_stress_2 = m_shear_stress[1][i];
-    if (m_law.hard) {
-      sc.shear_force_1 = sc.shear_force_2 = sc.normal_force * rc.concrete_friction;
-    } else {
-      sc.shear_force_1 = sc.shear_stress_1 * sc.effective_area;
-      sc.shear_force_2 = sc.shear_stress_2 * sc.effective_area;
-    }
+    to.shear_force[0][i] = to.shear_force[1][i] = to.normal_force[i] * m_rc[i]->concrete_friction;
+  }
+}
+
+void fetch_motion(const Croad_contact& rc, int i, motion_rows& motion) {
+  motion.sinkage[i] = rc.sinkage;
+  motion.area_ratio[i] = rc.area_ratio;
+  motion.normal_velocity[i] = rc.normal_velocity;
+  for (int along = 0; along < 2; ++along) {
+    motion.slip_velocity[along][i] = rc.slip_velocity[along];
+    motion.shear_disp[along][i] = rc.shear_disp[along];
   }
 }
 
@@ -246,21 +241,59 @@ soil_law::soil_law(const qvsoilrdf::CRoad& road, double width)
   damping_scale = (bekker.kphi * a2 + bekker.kc * a1 / (bekker.b * bekker.s)) * bekker.zeta;
 }
 
+void set_loads(const soil_law& law, const contact_patch& patch, const motion_rows& motion,
+               Croad_contact* const* road_contacts, Csoil_contact* const* soil_contacts, int count, load_rows& loads) {
+  point_rows(law, patch, motion, road_contacts, soil_contacts, count, loads).set_loads();
+}
+
+void store_motion(const motion_rows& motion, int i, Croad_contact& rc) {
+  rc.sinkage = motion.sinkage[i];
+  rc.area_ratio = motion.area_ratio[i];
+  rc.normal_velocity = motion.normal_velocity[i];
+  for (int along = 0; along < 2; ++along) {
+    rc.slip_velocity[along] = motion.slip_velocity[along][i];
+    rc.shear_disp[along] = motion.shear_disp[along][i];
+  }
+}
+
+void store_loads(const soil_law& law, const load_rows& loads, int i, Croad_contact& rc, Csoil_contact& sc) {
+  sc.effective_area = loads.effective_area[i];
+  sc.dynamic_sinkage = loads.dynamic_sinkage[i];
+  sc.static_sinkage = loads.static_sinkage[i];
+  if (loads.static_sinkage[i] != 0.0 && law.bekker.b != 0.0) rc.secant_stiffness = loads.secant_stiffness[i];
+  rc.pressure = loads.road_pressure[i];
+  rc.damping = loads.damping[i];
+  sc.pressure = loads.pressure[i];
+  sc.pressure_force = loads.pressure_force[i];
+  sc.damping_force = loads.damping_force[i];
+  sc.normal_force = loads.normal_force[i];
+  sc.shear_stress_1 = loads.shear_stress[0][i];
+  sc.shear_stress_2 = loads.shear_stress[1][i];
+  sc.shear_force_1 = loads.shear_force[0][i];
+  sc.shear_force_2 = loads.shear_force[1][i];
+}
+
 void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                Csoil_contact* const* soil_contacts, int count) {
   for (int done = 0; done < count; done += k_block) {
-    point_rows rows(law, patch, road_contacts + done, soil_contacts + done, std::min(count - done, k_block));
-    rows.set_loads();
+    const int some = std::min(count - done, k_block);
+    motion_rows motion;
+    load_rows loads;
+    for (int i = 0; i < some; ++i) fetch_motion(*road_contacts[done + i], i, motion);
+    set_loads(law, patch, motion, road_contacts + done, soil_contacts + done, some, loads);
+    for (int i = 0; i < some; ++i) store_loads(law, loads, i, *road_contacts[done + i], *soil_contacts[done + i]);
   }
+}
+
+void refuse_no_width(const soil_law& law, Croad_contact& rc, const qv::fault_channel& channel) {
+  if (law.bekker.b != 0.0) return;
+  rc.damping = 0.0;
+  qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", channel.ierr, channel.msg);
 }
 
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                     Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel) {
-  if (count > 0 && law.bekker.b == 0.0) {
-    road_contacts[0]->damping = 0.0;
-    qv::first_fault("SOILINTERACTION ERROR : THE WIDTH OF BODY SHOULD BE GREATER THAN ZERO.", channel.ierr,
-                    channel.msg);
-  }
+  if (count > 0) refuse_no_width(law, *road_contacts[0], channel);
   set_loads(law, patch, road_contacts, soil_contacts, count);
 }
 

@@ -128,7 +128,28 @@ inline double get_wong_shear_pressure(const soil_law& law, double strength, doub
   return get_wong_shear_pressure(law.hump, strength, qv::exponential(1.0 - r), qv::exponential(-r), v);
 }
 
-/// Loads of `count` points in contact: area A, sinkages, pressure p, damping, shear.
+/// How the points in contact of a block lie and move, side by side. The fields are those of Croad_contact.
+struct motion_rows {
+  double sinkage[qv::k_block];
+  double area_ratio[qv::k_block];
+  double normal_velocity[qv::k_block];
+  double slip_velocity[2][qv::k_block];
+  double shear_disp[2][qv::k_block];
+};
+
+/// Loads of these points. The fields are those of Csoil_contact, and of Croad_contact where it says so.
+struct load_rows {
+  double effective_area[qv::k_block];
+  double dynamic_sinkage[qv::k_block], static_sinkage[qv::k_block];
+  double secant_stiffness[qv::k_block];  ///< Croad_contact; without a meaning at depth 0
+  double road_pressure[qv::k_block];     ///< `pressure` of Croad_contact: negative in compression
+  double damping[qv::k_block];           ///< Croad_contact
+  double pressure[qv::k_block];
+  double pressure_force[qv::k_block], damping_force[qv::k_block], normal_force[qv::k_block];
+  double shear_stress[2][qv::k_block], shear_force[2][qv::k_block];
+};
+
+/// Loads of `count` points in contact (at most k_block): area A, sinkages, pressure p, damping, shear.
 ///
 ///   pressure force = A p
 ///   damping force  = -sign(v) |v s / t| A D s^2        v: normal velocity, z: depth of the static sinkage
@@ -136,14 +157,27 @@ inline double get_wong_shear_pressure(const soil_law& law, double strength, doub
 ///   normal force   = max(0, pressure force + damping force)
 ///   shear force    = tau A along each tangent; on a hard road the normal force times `concrete_friction`
 ///
-/// Each step is done for a block of points before the next, in rows, with the powers and exponentials of all of them in
-/// vectors. A point's loads have the same bits whatever points are with it.
-/// Kept: if the pressure is 0, the pressure, damping and normal force of the point's last evaluation remain.
+/// Each step is done for all points before the next, with their powers and exponentials in vectors. A point's loads
+/// have the same bits whatever points are with it. Of the records the history is read, and the normal forces are
+/// written. Kept: if the pressure is 0, the pressure, damping and normal force of the point's last evaluation remain.
 /// Over a width of exactly 0 there is no pressure.
+void set_loads(const soil_law& law, const contact_patch& patch, const motion_rows& motion,
+               Croad_contact* const* road_contacts, Csoil_contact* const* soil_contacts, int count, load_rows& loads);
+
+/// Stores how point i lies and moves in its record.
+void store_motion(const motion_rows& motion, int i, Croad_contact& rc);
+
+/// Stores the loads of point i in its records.
+void store_loads(const soil_law& law, const load_rows& loads, int i, Croad_contact& rc, Csoil_contact& sc);
+
+/// set_loads of points whose records say how they lie and move, any number of them; the records get the loads.
 void set_loads(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                Csoil_contact* const* soil_contacts, int count);
 
-/// set_loads for a plate or wheel: a width of exactly 0 is a fault if any point is in contact.
+/// Refuses a plate or wheel with a width of exactly 0, whose first point in contact this is.
+void refuse_no_width(const soil_law& law, Croad_contact& rc, const qv::fault_channel& channel);
+
+/// set_loads of records of a plate or wheel: a width of exactly 0 is a fault if any point is in contact.
 void get_soil_force(const soil_law& law, const contact_patch& patch, Croad_contact* const* road_contacts,
                     Csoil_contact* const* soil_contacts, int count, const qv::fault_channel& channel);
 

@@ -114,7 +114,7 @@ void CSoilInteractionMTL::Calculation_Node_Position(double b, const double* pI, 
   for (int j = 0; j < nLong; ++j) {
     for (int k = 0; k < nLat; ++k) {
       records[at.count] = &road_contacts[static_cast<std::size_t>(j)][static_cast<std::size_t>(k)];
-      at.add(grid, j, k);
+      at.add(grid, j, k, 1);
       if (at.count == k_block) flush();
     }
   }

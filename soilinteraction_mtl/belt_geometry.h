@@ -50,10 +50,13 @@ struct belt_block {
   double along[qv::k_block], across[qv::k_block];
   qv::vectors position, lever_marker, lever_node;  ///< as in Croad_contact_mtl
 
-  /// Adds point (j, k) of the grid.
-  void add(const grid_spacing& grid, int j, int k) {
-    along[count] = j * grid.dx;
-    across[count++] = k * grid.dy - grid.half;
+  /// Adds `points` points of row j of the grid, from (j, k) on. Precondition: there is room for them.
+  void add(const grid_spacing& grid, int j, int k, int points) {
+    for (int i = 0; i < points; ++i) {
+      along[count + i] = j * grid.dx;
+      across[count + i] = (k + i) * grid.dy - grid.half;
+    }
+    count += points;
   }
   /// Copies position and levers of point i to its record.
   void store(int i, Croad_contact_mtl& rc) const {

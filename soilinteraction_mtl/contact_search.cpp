@@ -19,11 +19,6 @@ QV_WIDE_VECTORS void find_places(const CRoad& road, const qvsoilinteraction::kin
   find_road_places(road, k, position, block.count, block.at);
 }
 
-/// Levers of the points in contact, side by side.
-struct levers {
-  vectors marker, node;  ///< as in Croad_contact_mtl
-};
-
 /// Sets area ratios and normal velocities. The belt point turns with the node, the ground point under it with the road.
 QV_WIDE_VECTORS void set_normal_velocities(const track_motion& motion, const span_motion& span, const vectors& lever,
                                            contact_rows& rows) {
@@ -36,10 +31,10 @@ QV_WIDE_VECTORS void set_normal_velocities(const track_motion& motion, const spa
   const double road[3] = {motion.k.V5[0], motion.k.V5[1], motion.k.V5[2]};
   for (int i = 0; i < rows.count; ++i) {
     const double x = rows.normal.x[i], y = rows.normal.y[i], z = rows.normal.z[i];
-    rows.area_ratio[i] = std::fabs(x * n[0] + y * n[1] + z * n[2]);
-    rows.normal_velocity[i] = x * (by_node.x[i] + node[0] - road[0] - by_road.x[i]) +
-                              y * (by_node.y[i] + node[1] - road[1] - by_road.y[i]) +
-                              z * (by_node.z[i] + node[2] - road[2] - by_road.z[i]);
+    rows.motion.area_ratio[i] = std::fabs(x * n[0] + y * n[1] + z * n[2]);
+    rows.motion.normal_velocity[i] = x * (by_node.x[i] + node[0] - road[0] - by_road.x[i]) +
+                                     y * (by_node.y[i] + node[1] - road[1] - by_road.y[i]) +
+                                     z * (by_node.z[i] + node[2] - road[2] - by_road.z[i]);
   }
 }
 
@@ -62,25 +57,26 @@ QV_WIDE_VECTORS void set_slips(const track_motion& motion, const vectors& lever,
   vectors in_marker, carried, ground;
   rotate(motion.A1t, lever, in_marker, rows.count);
   velocities_in_marker(motion.A1t, motion.k.AW1, in_marker, motion.k.V1, rows.count, carried);
-  velocities_in_marker(motion.A1t, motion.k.AW5, rows.p, motion.k.V5, rows.count, ground);
+  velocities_in_marker(motion.A1t, motion.k.AW5, *rows.p, motion.k.V5, rows.count, ground);
   const double belt_speed = motion.belt_speed;
   for (int i = 0; i < rows.count; ++i) {
-    rows.slip_velocity[0][i] = qvsoilinteraction::at_rest_below_threshold(carried.x[i] - (ground.x[i] + belt_speed));
-    rows.slip_velocity[1][i] = qvsoilinteraction::at_rest_below_threshold(carried.y[i] - ground.y[i]);
+    rows.motion.slip_velocity[0][i] =
+        qvsoilinteraction::at_rest_below_threshold(carried.x[i] - (ground.x[i] + belt_speed));
+    rows.motion.slip_velocity[1][i] = qvsoilinteraction::at_rest_below_threshold(carried.y[i] - ground.y[i]);
   }
 }
 
 /// Sets the shear displacement of point c. A point without a history keeps the slip of its last contact.
-void set_shear_displacement(double belt_speed, const qvsoilinteraction::Croad_contact& rc, int c, contact_rows& rows) {
+void set_shear_displacement(double belt_speed, qvsoilinteraction::Croad_contact& rc, int c, contact_rows& rows) {
   const bool without_history = static_cast<int>(rc.contact_state) == 0;
   // Kept: nothing writes update_time, so it is 0 and dt is minus the time of the last converged step.
   const double dt = rc.update_time - rc.last_update_time;
   for (int t = 0; t < 2; ++t) {
-    double& slip = rows.slip_velocity[t][c];
+    double& slip = rows.motion.slip_velocity[t][c];
     const double way = slip * dt;
     const double whole = belt_speed != 0.0 ? way + rc.last_shear_disp[t] : way;
-    rows.shear_disp[t][c] = without_history ? 0.0 : whole;
-    slip = without_history ? rc.slip_velocity[t] : slip;
+    rows.motion.shear_disp[t][c] = rc.shear_disp[t] = without_history ? 0.0 : whole;
+    slip = rc.slip_velocity[t] = without_history ? rc.slip_velocity[t] : slip;
   }
 }
 
@@ -88,13 +84,9 @@ void measure(void* handle, const CRoad& road, const track_motion& motion, const 
              qvsoilinteraction::frame_maker& frames, const belt_block& at, const contact_block& block,
              contact_rows& rows, const qv::fault_channel& channel) {
   find_contacts(handle, road, motion.k, frames, block, rows, channel);
-  levers of_points;
-  for (int c = 0; c < rows.count; ++c) {
-    copy_vector(at.lever_marker, rows.index[c], of_points.marker, c);
-    copy_vector(at.lever_node, rows.index[c], of_points.node, c);
-  }
-  set_normal_velocities(motion, span, of_points.node, rows);
-  set_slips(motion, of_points.marker, rows);
+  vectors lever;
+  set_normal_velocities(motion, span, of_rows(at.lever_node, block.count, rows, lever), rows);
+  set_slips(motion, of_rows(at.lever_marker, block.count, rows, lever), rows);
   for (int c = 0; c < rows.count; ++c) {
     set_shear_displacement(motion.belt_speed, *block.points[rows.index[c]], c, rows);
   }

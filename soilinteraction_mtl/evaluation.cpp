@@ -15,6 +15,7 @@ using qvsoilinteraction::contact_block;
 using qvsoilinteraction::contact_rows;
 using qvsoilinteraction::Croad_contact;
 using qvsoilinteraction::Csoil_contact;
+using qvsoilinteraction::load_rows;
 using qvsoilrdf::CRoad;
 
 void clear_loads(Csoil_contact_mtl& sc, Csoil_contact_mtl& sc2) {
@@ -58,33 +59,23 @@ struct point_block {
   int shared_with_before = 0;  ///< so many of its first points already have results, of the span before
 };
 
-/// Loads of the points in contact of a block, side by side; axes of marker R.
-struct load_rows {
-  vectors local;  ///< force along tangent 1, tangent 2 and normal
+/// Forces of the points in contact of a block and how the nodes share them, side by side; axes of marker R.
+struct force_rows {
   vectors force;
   vectors shear;      ///< shear shares of both nodes
   vectors start_end;  ///< normal shares of the node where the span starts and, but for the first span, of the other one
   vectors end;        ///< normal share of the node where the span ends
   double start_weight[k_block], end_weight[k_block];
-  double area[k_block];
-  double dynamic_sinkage[k_block];
-
-  void take(const Csoil_contact& sc, int c) {
-    local.x[c] = sc.shear_force_1;
-    local.y[c] = sc.shear_force_2;
-    local.z[c] = sc.normal_force;
-    area[c] = sc.effective_area;
-    dynamic_sinkage[c] = sc.dynamic_sinkage;
-  }
 };
 
 /// Turns the local forces of all points along one axis of marker R, and splits them to the nodes, as
 /// genenralized_contact_force_mtl does for the records of one point.
 /// @param t1, t2, n  components of the tangents and the normal along the axis
 QV_IN_LOOPS void turn_along_axis(const double* t1, const double* t2, const double* n, bool first_span, int count,
-                                 const load_rows& loads, double* force, double* shear, double* start_end, double* end) {
+                                 const load_rows& local, const force_rows& loads, double* force, double* shear,
+                                 double* start_end, double* end) {
   for (int i = 0; i < count; ++i) {
-    const double F1 = loads.local.x[i], F2 = loads.local.y[i], Fn = loads.local.z[i];
+    const double F1 = local.shear_force[0][i], F2 = local.shear_force[1][i], Fn = local.normal_force[i];
     const double ws = loads.start_weight[i], we = loads.end_weight[i];
     force[i] = t1[i] * F1 + t2[i] * F2 + n[i] * Fn;
     shear[i] = t1[i] * (we * F1) + t1[i] * (ws * F1);
@@ -95,14 +86,14 @@ QV_IN_LOOPS void turn_along_axis(const double* t1, const double* t2, const doubl
   }
 }
 
-QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, bool first_span, load_rows& loads) {
+QV_WIDE_VECTORS void turn_forces(const contact_rows& rows, bool first_span, const load_rows& local, force_rows& loads) {
   const vectors &t1 = rows.tangent_1, &t2 = rows.tangent_2, &n = rows.normal;
-  turn_along_axis(t1.x, t2.x, n.x, first_span, rows.count, loads, loads.force.x, loads.shear.x, loads.start_end.x,
-                  loads.end.x);
-  turn_along_axis(t1.y, t2.y, n.y, first_span, rows.count, loads, loads.force.y, loads.shear.y, loads.start_end.y,
-                  loads.end.y);
-  turn_along_axis(t1.z, t2.z, n.z, first_span, rows.count, loads, loads.force.z, loads.shear.z, loads.start_end.z,
-                  loads.end.z);
+  turn_along_axis(t1.x, t2.x, n.x, first_span, rows.count, local, loads, loads.force.x, loads.shear.x,
+                  loads.start_end.x, loads.end.x);
+  turn_along_axis(t1.y, t2.y, n.y, first_span, rows.count, local, loads, loads.force.y, loads.shear.y,
+                  loads.start_end.y, loads.end.y);
+  turn_along_axis(t1.z, t2.z, n.z, first_span, rows.count, local, loads, loads.force.z, loads.shear.z,
+                  loads.start_end.z, loads.end.z);
 }
 
 /// The sums while the points of one block are added, one after the other. Local copies: the compiler can then keep them
@@ -121,13 +112,15 @@ public:
     std::copy_n(sums.normal[m_node + 1].begin(), 3, m_end);
   }
 
-  void add(const load_rows& loads, int c) {
-    add(loads.local, c, m_local);
+  void add(const load_rows& local, const force_rows& loads, int c) {
+    m_local[0] += local.shear_force[0][c];
+    m_local[1] += local.shear_force[1][c];
+    m_local[2] += local.normal_force[c];
     add(loads.force, c, m_contact + QV_TRACK_SUM_RESULT_FORCE);
     add(loads.shear, c, m_shear);
     add(loads.start_end, c, m_start);
     add(loads.end, c, m_end);
-    m_contact[QV_TRACK_SUM_RESULT_AREA] += loads.area[c];
+    m_contact[QV_TRACK_SUM_RESULT_AREA] += local.effective_area[c];
   }
 
   void store(double* result, const track_sums& sums) const {
@@ -186,8 +179,8 @@ public:
         const row_pointers rows(span, static_cast<std::size_t>(j));
         const double weights[2] = {node_weight(span.start->side, j, start.nLong),
                                    node_weight(span.end->side, j, start.nLong)};
-        for (int k = 0; k < columns; ++k) {
-          add_point(*next, rows, j, k, weights);
+        for (int k = 0; k < columns;) {
+          k += add_points(*next, rows, j, k, weights);
           if (next->contact.count < k_block) continue;
           shared = std::max(shared - k_block, 0);
           advance(now, next);
@@ -225,15 +218,22 @@ private:
     block.shared_with_before = shared;
   }
 
-  void add_point(point_block& block, const row_pointers& rows, int j, int k, const double (&weights)[2]) {
-    const int at = block.contact.count++;
-    block.contact.points[at] = rows.points + k;
-    block.start[at] = rows.start + k;
-    block.end[at] = rows.end + k;
-    block.start_weight[at] = weights[0];
-    block.end_weight[at] = weights[1];
-    block.belt.add(block.span->grid, j, k);
-    m_values += QV_TRACK_POINT_LENGTH;
+  /// Adds the points of row j from column k on, as many as there is room for.
+  /// @return  how many
+  int add_points(point_block& block, const row_pointers& rows, int j, int k, const double (&weights)[2]) {
+    const int at = block.contact.count;
+    const int count = std::min(k_block - at, block.span->start->nLat - k);
+    for (int i = 0; i < count; ++i) {
+      block.contact.points[at + i] = rows.points + k + i;
+      block.start[at + i] = rows.start + k + i;
+      block.end[at + i] = rows.end + k + i;
+    }
+    std::fill_n(block.start_weight + at, count, weights[0]);
+    std::fill_n(block.end_weight + at, count, weights[1]);
+    block.belt.add(block.span->grid, j, k, count);
+    block.contact.count += count;
+    m_values += static_cast<std::ptrdiff_t>(QV_TRACK_POINT_LENGTH) * count;
+    return count;
   }
 
   /// Places the next block, which prefetches its triangles, and finishes the one before in the meantime.
@@ -253,10 +253,11 @@ private:
     get_contact_info_mtl(m_handle, m_road, m_state.motion, block.span->motion, m_frames, block.belt, contact, rows,
                          m_channel);
     set_loads(block, rows);
-    turn_forces(rows, block.span->number == 0, m_loads);
+    turn_forces(rows, block.span->number == 0, m_loads, m_forces);
     write_positions(block);
     write_contacts(block, rows);
-    if (m_iflag == 1 || m_iflag == 2) store_records(block, rows);
+    if (m_iflag == 1) store_records(block, rows);
+    if (m_iflag == 2) advance_histories(block, rows);
     contact.count = contact.near_count = block.belt.count = 0;
   }
 
@@ -267,14 +268,10 @@ private:
     for (int c = 0; c < rows.count; ++c) {
       road_contacts[c] = block.contact.points[rows.index[c]];
       soil_contacts[c] = block.start[rows.index[c]];
-      store_motion(rows, c, *road_contacts[c]);
+      m_forces.start_weight[c] = block.start_weight[rows.index[c]];
+      m_forces.end_weight[c] = block.end_weight[rows.index[c]];
     }
-    get_soil_force_mtl(m_law, m_patch, road_contacts, soil_contacts, rows.count, m_channel);
-    for (int c = 0; c < rows.count; ++c) {
-      m_loads.take(*soil_contacts[c], c);
-      m_loads.start_weight[c] = block.start_weight[rows.index[c]];
-      m_loads.end_weight[c] = block.end_weight[rows.index[c]];
-    }
+    get_soil_force_mtl(m_law, m_patch, rows.motion, road_contacts, soil_contacts, rows.count, m_loads, m_channel);
   }
 
   static double* values_of(const point_block& block, int b) {
@@ -292,38 +289,50 @@ private:
   void write_contacts(const point_block& block, const contact_rows& rows) {
     block_sums sum(m_result, m_sums, block.span->number, m_p.nodes);
     for (int c = 0; c < rows.count; ++c) {
-      sum.add(m_loads, c);
+      sum.add(m_loads, m_forces, c);
       double* values = values_of(block, rows.index[c]);
       double force[3];
-      take(m_loads.force, c, force);
+      take(m_forces.force, c, force);
       double* written = values + QV_TRACK_POINT_FORCE;
       const bool shared = rows.index[c] < block.shared_with_before;
       for (int x = 0; x < 3; ++x) written[x] = shared ? written[x] + force[x] : force[x];
-      // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
-      m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] += m_loads.area[c];
-      values[QV_TRACK_POINT_SINKAGE] = rows.sinkage[c];
+      values[QV_TRACK_POINT_SINKAGE] = rows.motion.sinkage[c];
       values[QV_TRACK_POINT_DYNAMIC_SINKAGE] = m_loads.dynamic_sinkage[c];
     }
     sum.store(m_result, m_sums);
+    // Kept: the area is added to the first point's force along x, not to the entry before it, which stays 0.
+    double first_x = m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE];
+    for (int c = 0; c < rows.count; ++c) first_x += m_loads.effective_area[c];
+    m_result[QV_TRACK_RESULT_LENGTH + QV_TRACK_POINT_FORCE] = first_x;
   }
 
-  /// Fills the records of the points, and moves their history on after a converged step.
+  /// Fills the records of the points.
   void store_records(const point_block& block, const contact_rows& rows) const {
-    for (int b = 0, c = 0; b < block.contact.count; ++b) {
+    for (int b = 0; b < block.contact.count; ++b) {
       auto& rc = static_cast<Croad_contact_mtl&>(*block.contact.points[b]);
-      Csoil_contact_mtl &sc = *block.start[b], &sc2 = *block.end[b];
       block.belt.store(b, rc);
-      const bool in_contact = c < rows.count && rows.index[c] == b;
-      if (in_contact) {
-        store_contact(rows, c++, rc);
-        genenralized_contact_force_mtl(rc, sc, sc2);
-      } else {
-        rc.sinkage = 0.0;
-        clear_loads(sc, sc2);
-      }
-      if (m_iflag != 2) continue;
+      rc.sinkage = 0.0;
+      clear_loads(*block.start[b], *block.end[b]);
+    }
+    for (int c = 0; c < rows.count; ++c) {
+      const std::int32_t b = rows.index[c];
+      auto& rc = static_cast<Croad_contact_mtl&>(*block.contact.points[b]);
+      store_contact(rows, c, rc);
+      store_loads(m_law, m_loads, c, rc, *block.start[b]);
+      genenralized_contact_force_mtl(rc, *block.start[b], *block.end[b]);
+    }
+  }
+
+  /// Moves the history of the points on, after a converged step.
+  void advance_histories(const point_block& block, const contact_rows& rows) const {
+    for (int b = 0, c = 0; b < block.contact.count; ++b) {
+      Croad_contact& rc = *block.contact.points[b];
       rc.last_update_time = m_time;
-      advance_history(in_contact, sc, rc);
+      if (c < rows.count && rows.index[c] == b) {
+        advance_history(rows, m_loads, c++, rc);
+      } else {
+        end_history(rc);
+      }
     }
   }
 
@@ -344,6 +353,7 @@ private:
   point_block m_blocks[2];
   contact_rows m_rows;
   load_rows m_loads;
+  force_rows m_forces;
 };
 
 }  // namespace

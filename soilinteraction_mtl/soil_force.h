@@ -54,6 +54,12 @@ void get_soil_force_mtl(const soil_law& law, const contact_patch& span,
                         qvsoilinteraction::Csoil_contact* const* soil_contacts, int count,
                         const qv::fault_channel& channel);
 
+/// The same of points in rows (set_loads).
+void get_soil_force_mtl(const soil_law& law, const contact_patch& span, const qvsoilinteraction::motion_rows& motion,
+                        qvsoilinteraction::Croad_contact* const* road_contacts,
+                        qvsoilinteraction::Csoil_contact* const* soil_contacts, int count,
+                        qvsoilinteraction::load_rows& loads, const qv::fault_channel& channel);
+
 /// Tangents and normal of a contact. Local copies: the compiler can then assume that writes to the load records do not
 /// change them, and need not reload.
 struct contact_axes {

@@ -194,7 +194,7 @@ TEST(BeltNormalVelocity, IsThatOfTheNodeAndItsTurningAgainstTheRoadAndItsTurning
   h.scene.node(0).axes = rotation({0, 1, 0}, 0.7);
   h.scene.road().velocity = {0.0, 0.0, 0.125};
   h.scene.road().angular_velocity = {0.0, 1.0, 0.0};
-  h.scene.call(0);
+  h.scene.call(1);       // which fills the record
   const double x = 0.5;  // of the record's point, from the node and from the road's marker
   EXPECT_NEAR(h.record().normal_velocity, -0.5 - 2.0 * x - (0.125 - 1.0 * x), 1e-14);
 }
