@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -13,14 +14,21 @@ namespace {
 
 constexpr const char* k_blanks = " \t\n\v\f\r";
 
+bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+bool is_of_number(char c) { return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E'; }
+
 }  // namespace
 
 TableTokens::TableTokens(const std::string& text) : m_text(text), m_stream(text) {
   m_stream.imbue(std::locale::classic());
 }
 
-std::size_t TableTokens::position() {
-  return static_cast<std::size_t>(m_stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
+/// Where the next token that is no blank begins; the size of the text if there is none.
+std::size_t TableTokens::next() const {
+  std::size_t at = m_at;
+  while (at < m_text.size() && is_blank(m_text[at])) ++at;
+  return at;
 }
 
 int TableTokens::line_of(std::size_t position) const {
@@ -28,7 +36,34 @@ int TableTokens::line_of(std::size_t position) const {
   return 1 + static_cast<int>(std::count(m_text.begin(), end, '\n'));
 }
 
-int TableTokens::line() { return line_of(position()); }
+int TableTokens::line() const { return line_of(m_at); }
+
+/// Lets the stream read what has no short way.
+template <class Token>
+bool TableTokens::read_by_stream(Token& value) {
+  Token read{};
+  m_stream.seekg(static_cast<std::streamoff>(m_at));
+  m_stream >> read;
+  if (!settle(m_at)) return false;
+  m_at = static_cast<std::size_t>(m_stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
+  value = read;
+  return true;
+}
+
+/// Reads a number that stands plainly between blanks or before a comma: there the stream, which takes twenty times as
+/// long, comes to the same end and the same bits. False if it stands otherwise, or is too large or too small.
+bool TableTokens::read_plain(double& value) {
+  const std::size_t first = next();
+  std::size_t end = first;
+  while (end < m_text.size() && is_of_number(m_text[end])) ++end;
+  if (end == m_text.size() || !(m_text[end] == ',' || is_blank(m_text[end]))) return false;
+  double read = 0;
+  const auto [stop, error] = std::from_chars(m_text.data() + first, m_text.data() + end, read);
+  if (error != std::errc() || stop != m_text.data() + end) return false;
+  value = read;
+  m_at = end;
+  return true;
+}
 
 /// Ends an attempt to read that began at the byte `began`: true if it went well, else notes where it failed.
 bool TableTokens::settle(std::size_t began) {
@@ -43,32 +78,19 @@ bool TableTokens::settle(std::size_t began) {
   return false;
 }
 
-bool TableTokens::integer(int& value) {
-  if (m_stopped) return false;
-  const std::size_t began = position();
-  int read = 0;
-  m_stream >> read;
-  if (!settle(began)) return false;
-  value = read;
-  return true;
-}
+bool TableTokens::integer(int& value) { return !m_stopped && read_by_stream(value); }
 
-bool TableTokens::real(double& value) {
-  if (m_stopped) return false;
-  const std::size_t began = position();
-  double read = 0;
-  m_stream >> read;
-  if (!settle(began)) return false;
-  value = read;
-  return true;
-}
+bool TableTokens::real(double& value) { return !m_stopped && (read_plain(value) || read_by_stream(value)); }
 
 bool TableTokens::separator() {
   if (m_stopped) return false;
-  const std::size_t began = position();
   char read = 0;
-  m_stream >> read;
-  if (!settle(began)) return false;
+  if (const std::size_t at = next(); at < m_text.size()) {
+    read = m_text[at];
+    m_at = at + 1;
+  } else if (!read_by_stream(read)) {
+    return false;
+  }
   if (m_odd_line == 0 && (std::isalnum(static_cast<unsigned char>(read)) != 0 || std::strchr("+-.", read) != nullptr)) {
     m_odd_separator = read;
     m_odd_line = line();

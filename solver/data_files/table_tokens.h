@@ -30,15 +30,20 @@ public:
   char odd_separator() const { return m_odd_separator; }
 
   std::size_t size() const { return m_text.size(); }
-  std::size_t position();  ///< number of bytes up to the end of the last token
-  int line();              ///< line of the last token's end, from 1
+  std::size_t position() const { return m_at; }  ///< number of bytes up to the end of the last token
+  int line() const;                              ///< line of the last token's end, from 1
 
 private:
+  std::size_t next() const;
+  template <class Token>
+  bool read_by_stream(Token& value);
+  bool read_plain(double& value);
   bool settle(std::size_t began);
   int line_of(std::size_t position) const;
 
   const std::string& m_text;
   std::istringstream m_stream;
+  std::size_t m_at = 0;  ///< end of the last token
   bool m_stopped = false;
   int m_stop_line = 0, m_odd_line = 0;
   char m_odd_separator = 0;
