@@ -51,7 +51,7 @@ public:
   const Multibody& multibody() const { return m_multibody; }
   const ElementCalls& elements() const { return m_calls; }
   const LoadTable& loads() const { return m_loads; }  ///< as they are at the present state
-  /// Variables and equations at the present state.
+  /// Markers, variables and equations at the present state.
   const ModelReadings& readings() const { return m_readings; }
 
 private:

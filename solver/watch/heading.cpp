@@ -43,10 +43,10 @@ private:
   /// The angle in degrees between heading and reference, both seen from above the road: a slope is no turn.
   static double find_yaw(const SoilTrack& track, const Engine& engine) {
     constexpr double k_degrees = 57.29577951308232;
-    const Multibody& multibody = engine.multibody();
-    const SimTK::Rotation road = multibody.find_axes(engine.state(), track.road_marker);
+    const MarkerMotions& markers = engine.readings().markers();
+    const SimTK::Rotation& road = markers.of(track.road_marker).axes;
     const auto direction = [&](int marker) {
-      const SimTK::Vec3 x = ~road * SimTK::Vec3(multibody.find_axes(engine.state(), marker).x());
+      const SimTK::Vec3 x = ~road * SimTK::Vec3(markers.of(marker).axes.x());
       return std::atan2(x[1], x[0]);
     };
     const double turn = direction(track.hull) - direction(track.reference);

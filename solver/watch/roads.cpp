@@ -60,8 +60,9 @@ private:
   }
 
   static SimTK::Vec3 place(const Engine& engine, const RoadPlan& road, const CarriedPoint& point) {
-    const Multibody& multibody = engine.multibody();
-    return ~multibody.find_pose(engine.state(), road.marker) * multibody.find_pose(engine.state(), point.marker).p();
+    const MarkerMotions& markers = engine.readings().markers();
+    const MarkerMotion& base = markers.of(road.marker);
+    return ~base.axes * (markers.of(point.marker).position - base.position);
   }
 
   static bool covers(const RoadPlan& road, const SimTK::Vec3& p) {

@@ -63,7 +63,7 @@ private:
   static double power_of(const Touching& touching, const Engine& engine) {
     const AppliedLoad& load = engine.loads().of_element(touching.index);
     if (load.marker == k_none) return 0;
-    const MarkerMotion motion = engine.multibody().find_motion(engine.state(), load.marker);
+    const MarkerMotion& motion = engine.readings().markers().of(load.marker);
     return SimTK::dot(load.force, motion.velocity) + SimTK::dot(load.torque, motion.angular_velocity);
   }
 
