@@ -45,7 +45,8 @@ fs::path copied_command(const fs::path& to) {
   fs::create_directories(to / "bin");
   fs::create_directories(to / "lib");
   fs::copy(command, to / "bin");
-  for (const char* library : {"libqvslv.so", "libqvbrisk.so"}) fs::copy(libraries / library, to / "lib");
+  for (const char* library : {"libqvslv.so", "libqvslv_engine.so", "libqvslv_polygons.so", "libqvbrisk.so"})
+    fs::copy(libraries / library, to / "lib");
   return to / "bin" / command.filename();
 }
 
