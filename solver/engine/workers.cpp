@@ -27,10 +27,17 @@ void wait_a_turn(long turn) {
 }
 
 Workers::Workers(int threads) {
-  for (int k = 1; k < threads; ++k) m_threads.emplace_back([this, k] { work(k); });
+  try {
+    for (int k = 1; k < threads; ++k) m_threads.emplace_back([this, k] { work(k); });
+  } catch (...) {
+    stop();
+    throw;
+  }
 }
 
-Workers::~Workers() {
+Workers::~Workers() { stop(); }
+
+void Workers::stop() {
   {
     const std::lock_guard<std::mutex> alone(m_sleeping);
     m_number.store(k_no_more);

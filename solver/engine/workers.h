@@ -15,6 +15,7 @@ class Workers {
 public:
   using Job = std::function<void(int thread)>;
 
+  /// Throws std::system_error if the system gives no more threads.
   /// @param threads  of which the caller's is one; at least 1
   explicit Workers(int threads);
   ~Workers();
@@ -29,6 +30,7 @@ public:
 
 private:
   void work(int thread);
+  void stop();
   long wait_for_job(long last);
 
   const Job* m_job = nullptr;
