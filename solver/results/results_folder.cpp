@@ -181,10 +181,10 @@ void ResultsFolder::check_held() const {
 void ResultsFolder::check_there(const std::vector<std::string>& names) const {
   check_held();
   for (const std::string& name : names) {
-    std::error_code failure;
-    const fs::path path = fs::path(m_path) / name;
-    if (fs::symlink_status(path, failure).type() != fs::file_type::regular || fs::file_size(path, failure) == 0)
-      throw std::runtime_error("the results are not whole: " + path.string() + " is gone or empty");
+    const std::string path = m_path + "/" + name;
+    struct stat there = {};
+    if (lstat(path.c_str(), &there) != 0 || !S_ISREG(there.st_mode) || there.st_size == 0)
+      throw std::runtime_error("the results are not whole: " + path + " is gone or empty");
   }
 }
 
