@@ -113,9 +113,10 @@ void VtkWriter::write_terrain() {
     append(coordinates, point);
     heights.push_back(static_cast<float>(point[2]));
   }
-  const VtpArray height("height", 1, heights, Packing::small);
-  write_new_file(m_folder.add("frames/terrain.vtp"),
-                 vtp_text(triangle_topology(terrain.points.size(), corners), places(coordinates), {height}));
+  const VtpArray height("height", 1, heights, Packing::fast);
+  write_new_file(
+      m_folder.add("frames/terrain.vtp"),
+      vtp_text(triangle_topology(terrain.points.size(), corners, Packing::fast), places(coordinates), {height}));
 }
 
 VtpTopology VtkWriter::body_topology() const {
@@ -126,7 +127,7 @@ VtpTopology VtkWriter::body_topology() const {
     points += m_shapes[body].points.size();
     owners.resize(corners.size() / 3, static_cast<std::int32_t>(body));
   }
-  VtpTopology topology = triangle_topology(points, corners);
+  VtpTopology topology = triangle_topology(points, corners, Packing::small);
   topology.cell_data.emplace_back("body", 1, owners, Packing::small);
   return topology;
 }
@@ -187,7 +188,7 @@ VtpTopology VtkWriter::hull_topology() const {
     points += hull.mesh.points.size();
     elements.resize(corners.size() / 3, hull.element);
   }
-  VtpTopology topology = triangle_topology(points, corners);
+  VtpTopology topology = triangle_topology(points, corners, Packing::small);
   topology.cell_data.emplace_back("element", 1, elements, Packing::small);
   return topology;
 }
@@ -228,7 +229,7 @@ void VtkWriter::write_water(const Frame& frame) {
   if (columns != m_water_columns) {
     Integers corners;
     append_corners(corners, all.triangles, 0);
-    m_water = triangle_topology(all.points.size(), corners);
+    m_water = triangle_topology(all.points.size(), corners, Packing::small);
     m_water_columns = columns;
   }
   std::vector<double> coordinates;

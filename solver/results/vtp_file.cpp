@@ -100,12 +100,12 @@ void VtpArray::pack(const char* type, const char* name, int components, const vo
   std::memcpy(&m_bytes[0], lengths, k_lengths);
 }
 
-VtpTopology triangle_topology(size_t points, const std::vector<std::int32_t>& corners) {
+VtpTopology triangle_topology(size_t points, const std::vector<std::int32_t>& corners, Packing packing) {
   VtpTopology topology{CellKind::triangles, points, corners.size() / 3, {}, {}, {}, {}};
   std::vector<std::int32_t> offsets(topology.cells);
   for (size_t k = 0; k < offsets.size(); ++k) offsets[k] = static_cast<std::int32_t>(3 * (k + 1));
-  topology.connectivity = {"connectivity", 1, corners, Packing::small};
-  topology.offsets = {"offsets", 1, offsets, Packing::small};
+  topology.connectivity = {"connectivity", 1, corners, packing};
+  topology.offsets = {"offsets", 1, offsets, packing};
   return topology;
 }
 

@@ -8,9 +8,9 @@ namespace qvslv {
 
 /// How the bytes of an array stand in a file. Both are zlib streams, so that every reader of VTK files takes them.
 enum class Packing {
-  fast,  ///< as they are: for what changes from frame to frame. Coordinates hardly shrink, and shrinking costs 20 times
-         ///< the time of writing
-  small  ///< shrunk: for what is packed once
+  fast,  ///< as they are: for what stands in one file. Coordinates hardly shrink, and shrinking costs 20 times the time
+         ///< of writing
+  small  ///< shrunk: for what is packed once and stands in many files
 };
 
 /// An array, packed for a VTK file.
@@ -46,7 +46,8 @@ struct VtpTopology {
 
 /// The topology of triangles between `points` points.
 /// @param corners  three indices per triangle
-VtpTopology triangle_topology(std::size_t points, const std::vector<std::int32_t>& corners);
+/// @param packing  small pays where the topology stands in many files
+VtpTopology triangle_topology(std::size_t points, const std::vector<std::int32_t>& corners, Packing packing);
 /// Points alone, each a cell of its own.
 VtpTopology vertex_topology(std::size_t points);
 

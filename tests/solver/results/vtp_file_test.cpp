@@ -45,7 +45,7 @@ TEST(VtpFile, WhatIsPackedSmallIsSmallWhereItHasAPattern) {
 
 TEST(VtpFile, TrianglesHaveTheirCornersAndEnds) {
   const std::vector<float> places = {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
-  VtpTopology topology = triangle_topology(4, {0, 1, 2, 1, 3, 2});
+  VtpTopology topology = triangle_topology(4, {0, 1, 2, 1, 3, 2}, Packing::small);
   topology.cell_data.emplace_back("fixed", 1, std::vector<std::int32_t>{4, 5}, Packing::small);
   const std::string text = vtp_text(topology, {"Points", 3, places, Packing::fast}, {},
                                     {{"changing", 1, std::vector<double>{0.25, 0.1}, Packing::fast}});
