@@ -68,6 +68,9 @@ bool needs_double(const Recording& recording, const std::vector<TriangleMesh>& s
   return scene.farthest() * k_single > size * k_resolved;
 }
 
+/// The file of a frame's part, in the folder of the run.
+std::string part_file(const char* part, long frame) { return fmt::format("frames/{}_{:06}.vtp", part, frame); }
+
 float length_of(const Vec3& v) { return static_cast<float>(std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2])); }
 
 }  // namespace
@@ -83,8 +86,11 @@ VtkWriter::VtkWriter(const Recording& recording, ResultsFolder& folder)
   for (const Element& element : model.elements) m_has_points = m_has_points || element.points.count > 0;
   m_double_places = needs_double(recording, m_shapes);
   m_bodies = body_topology();
+  m_has_bodies = m_bodies.cells > 0;
   m_hulls = hull_topology();
-  if (m_has_terrain) write_terrain();
+  if (m_has_terrain) {
+    m_thread.post([this, path = m_folder.add("frames/terrain.vtp")] { write_terrain(path); });
+  }
   m_index = OutputFile(m_folder.add("frames.pvd"));
   m_index.write("<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n  <Collection>\n");
   m_index_end = m_index.position();
@@ -92,9 +98,29 @@ VtkWriter::VtkWriter(const Recording& recording, ResultsFolder& folder)
   m_index.flush();
 }
 
+std::vector<const char*> VtkWriter::part_names() const {
+  std::vector<const char*> names;
+  if (m_has_bodies) names.push_back("bodies");
+  if (m_has_points) names.push_back("points");
+  if (!m_recording.hulls.empty()) names.push_back("hulls");
+  if (!m_recording.waters.empty()) names.push_back("water");
+  return names;
+}
+
 void VtkWriter::write(const Frame& frame) {
+  for (const char* part : part_names()) m_folder.add(part_file(part, m_posted));
+  m_thread.post([this, frame] { write_frame(frame); });
+  ++m_posted;
+}
+
+void VtkWriter::close() {
+  m_thread.finish();
+  m_index.close();
+}
+
+void VtkWriter::write_frame(const Frame& frame) {
   m_parts.clear();
-  if (m_bodies.cells > 0) write_bodies(frame);
+  if (m_has_bodies) write_bodies(frame);
   if (m_has_points) write_points(frame);
   if (!m_recording.hulls.empty()) write_hulls(frame);
   if (!m_recording.waters.empty()) write_water(frame);
@@ -103,7 +129,7 @@ void VtkWriter::write(const Frame& frame) {
   ++m_frames;
 }
 
-void VtkWriter::write_terrain() {
+void VtkWriter::write_terrain(const std::string& path) {
   const TriangleMesh& terrain = m_recording.terrain;
   Integers corners;
   append_corners(corners, terrain.triangles, 0);
@@ -115,8 +141,7 @@ void VtkWriter::write_terrain() {
   }
   const VtpArray height("height", 1, heights, Packing::fast);
   write_new_file(
-      m_folder.add("frames/terrain.vtp"),
-      vtp_text(triangle_topology(terrain.points.size(), corners, Packing::fast), places(coordinates), {height}));
+      path, vtp_text(triangle_topology(terrain.points.size(), corners, Packing::fast), places(coordinates), {height}));
 }
 
 VtpTopology VtkWriter::body_topology() const {
@@ -247,8 +272,9 @@ VtpArray VtkWriter::places(const std::vector<double>& coordinates) const {
 
 void VtkWriter::write_part(const char* name, const VtpTopology& topology, const std::vector<double>& coordinates,
                            const std::vector<VtpArray>& point_data, const std::vector<VtpArray>& cell_data) {
-  m_parts.push_back(fmt::format("frames/{}_{:06}.vtp", name, m_frames));
-  write_new_file(m_folder.add(m_parts.back()), vtp_text(topology, places(coordinates), point_data, cell_data));
+  m_parts.push_back(part_file(name, m_frames));
+  write_new_file(m_folder.path() + "/" + m_parts.back(),
+                 vtp_text(topology, places(coordinates), point_data, cell_data));
 }
 
 /// Writes the new entries over the closing tags, and the tags behind them again.

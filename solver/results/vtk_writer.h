@@ -9,6 +9,7 @@
 #include "solver/results/results_folder.h"
 #include "solver/results/vtp_file.h"
 #include "solver/results/water_surface.h"
+#include "solver/results/writer_thread.h"
 
 namespace qvslv {
 
@@ -29,19 +30,24 @@ namespace qvslv {
 /// times of several frames in one file of this format: it counts them 0, 1, 2. What a part's frames have in common is
 /// packed once, for the first of them.
 ///
-/// The index is complete after every frame. Throws std::runtime_error if a file cannot be written.
+/// Frames are worked out and written in a thread of their own, since the system takes as long to make their files as
+/// the bodies to move. The index is complete after every frame that is written. Throws std::runtime_error if a file
+/// cannot be written; of a frame's files a later call tells it.
 class VtkWriter {
 public:
-  /// @param recording  holds model, terrain, hulls and waters already; must outlive this object
+  /// @param recording  holds model, terrain, hulls and waters, which stay as they are; must outlive this object
   /// @param folder     of the run, which must outlive this object too; frames/ is made inside
   VtkWriter(const Recording& recording, ResultsFolder& folder);
 
   void write(const Frame& frame);
-  /// Ends the writing.
-  void close() { m_index.close(); }
+  /// Ends the writing of all frames.
+  void close();
 
 private:
-  void write_terrain();
+  /// Names of the parts that every frame has.
+  std::vector<const char*> part_names() const;
+  void write_frame(const Frame& frame);
+  void write_terrain(const std::string& path);
   void write_bodies(const Frame& frame);
   void write_points(const Frame& frame);
   void write_hulls(const Frame& frame);
@@ -56,17 +62,20 @@ private:
 
   const Recording& m_recording;
   ResultsFolder& m_folder;
+  long m_posted = 0;                   ///< frames
   std::vector<TriangleMesh> m_shapes;  ///< one per body; empty for a body without a shape
   bool m_double_places = false;        ///< whether places need double precision
   bool m_has_terrain;
-  bool m_has_points = false;
+  bool m_has_bodies = false, m_has_points = false;
+  // From here on for the thread alone, once it is at work.
   VtpTopology m_bodies, m_points, m_hulls, m_water;
   std::vector<size_t> m_water_columns;  ///< of each water, as its topology has them
   std::vector<WaterReach> m_reaches;    ///< per water what its hulls have covered so far
   OutputFile m_index;
-  long m_index_end = 0;  ///< position before the closing tags
-  long m_frames = 0;
+  long m_index_end = 0;              ///< position before the closing tags
+  long m_frames = 0;                 ///< that are written
   std::vector<std::string> m_parts;  ///< files of the present frame
+  WriterThread m_thread;             ///< the last member: it ends before the others
 };
 
 }  // namespace qvslv
