@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <charconv>
 #include <string>
 #include <vector>
 
@@ -65,8 +65,8 @@ TEST(DataFile, NumbersComeByTheLineWhereverTheBufferEnds) {
   const qvtest::TemporaryFolder folder;
   std::string content;
   for (int k = 1; k <= 40000; ++k) {
-    content += std::to_string(k) + " " + std::to_string(0.5 * k) + std::string(static_cast<std::size_t>(k % 5), ' ') +
-               (k % 7 == 0 ? " 3 behind\n" : "\n");
+    content += std::to_string(k) + " " + std::to_string(k / 2) + (k % 2 == 0 ? ".0" : ".5") +
+               std::string(static_cast<std::size_t>(k % 5), ' ') + (k % 7 == 0 ? " 3 behind\n" : "\n");
   }
   content += "1\n40002 20001";  // a line with too few numbers, and one without an end
   qv::data_file file;
@@ -83,7 +83,8 @@ TEST(DataFile, NumbersComeByTheLineWhereverTheBufferEnds) {
       ASSERT_TRUE(source.next(line)) << k;
       ASSERT_EQ(line.number, k);
       if (k == 40001) continue;
-      ASSERT_EQ(std::sscanf(std::string(line.begin, line.end).c_str(), "%lf %lf", &numbers[0], &numbers[1]), 2) << k;
+      const char* at = std::from_chars(line.begin, line.end, numbers[0]).ptr;
+      ASSERT_EQ(std::from_chars(at + 1, line.end, numbers[1]).ec, std::errc()) << k;
     }
     ASSERT_EQ(source.number(), k);
     ASSERT_EQ(numbers[0], k);

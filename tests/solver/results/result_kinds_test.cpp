@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -96,8 +97,10 @@ TEST(ResultKinds, NoPictureOfTheRoadIsMissedWhereNoneIsAskedFor) {
 std::vector<double> frame_times(const TestRun& out) {
   const std::string index = read_text(out.folder + "/frames.pvd"), key = "timestep=\"";
   std::vector<double> times;
-  for (size_t at = index.find(key); at != std::string::npos; at = index.find(key, at + 1))
-    times.push_back(std::stod(index.substr(at + key.size())));
+  for (size_t at = index.find(key); at != std::string::npos; at = index.find(key, at + 1)) {
+    const char* number = index.data() + at + key.size();
+    std::from_chars(number, index.data() + index.size(), times.emplace_back());
+  }
   return times;
 }
 
