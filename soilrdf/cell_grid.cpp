@@ -18,6 +18,8 @@ public:
   void build() {
     const std::size_t tile_columns = tiles(m_road.nx);
     m_grid.m_tile_rows = tiles(m_road.ny);
+    // Both are below 2^29. A grid of so many tiles takes more memory than there is, and none is asked for.
+    if (tile_columns * m_grid.m_tile_rows > k_most) throw std::length_error("road grid");
     m_grid.m_homes.resize(tile_columns * m_grid.m_tile_rows);
     m_grid.m_made.resize(m_grid.m_homes.size());
     note_homes();
@@ -26,6 +28,8 @@ public:
   }
 
 private:
+  static constexpr std::uint64_t k_most = std::numeric_limits<std::uint32_t>::max();  ///< tiles, entries of lists
+
   static std::size_t tiles(std::int32_t cells) {
     return (static_cast<std::size_t>(cells) + cell_grid::k_tile - 1) / cell_grid::k_tile;
   }
@@ -64,7 +68,7 @@ private:
   void make_room() {
     const std::size_t cells = m_grid.m_homes.size() * cell_grid::k_cells;
     const std::uint64_t numbers = 1 + m_most_entries + std::min<std::uint64_t>(m_most_entries, cells);
-    if (numbers > std::numeric_limits<std::uint32_t>::max()) throw std::length_error("road grid");
+    if (numbers > k_most) throw std::length_error("road grid");
     m_grid.m_data.resize(cells);
     m_grid.m_numbers.resize(numbers);
     m_grid.m_numbers[0] = 0;
