@@ -12,7 +12,11 @@ constexpr int k_lanes = 4;  ///< doubles in the widest vector that loops over ro
 
 /// The count rounded up to whole vectors. Rows are padded to it, so that no loop over them has a rest that is worked
 /// off one by one.
-constexpr int whole_vectors(int count) { return (count + k_lanes - 1) / k_lanes * k_lanes; }
+template <class Count>
+constexpr Count whole_vectors(Count count) {
+  constexpr auto lanes = static_cast<Count>(k_lanes);
+  return (count + lanes - 1) / lanes * lanes;
+}
 
 /// Tells the compiler that the count is one of whole_vectors.
 inline int in_whole_vectors(int count) {

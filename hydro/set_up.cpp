@@ -52,7 +52,7 @@ void read_nodes(Chydro_force_sub& sub, const double* par, const fault_channel& c
   sub.flows.assign(count + 1, node_flow());
   sub.intervals.assign(count + 1, node_intervals());
   sub.marks.assign(count + 1, k_never_marked);
-  for (auto* row : {&sub.node_x, &sub.node_y, &sub.node_z}) row->assign(whole_vectors(sub.node_count + 1), 0.0);
+  for (auto* row : {&sub.node_x, &sub.node_y, &sub.node_z}) row->assign(whole_vectors(count + 1), 0.0);
   sub.nodes.assign(count + 1, Cnode{0.0, 0.0, 0.0});  // last: every node that exists has all the others
   sub.nodes_in_use = 1;
   for (std::size_t i = 0; i < count; ++i) {
