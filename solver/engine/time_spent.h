@@ -32,7 +32,7 @@ enum class Work {
   engine,       ///< bodies in motion and the integrator
   expressions,  ///< variables, applied forces and right-hand sides of equations
   subroutines,  ///< calls of the elements, with the services that they ask
-  results,      ///< rows, frames, the page
+  results,      ///< rows, the page, and what frames take of the run: they are written by a thread of their own
   watch,        ///< what looks for doubtful results
   count
 };

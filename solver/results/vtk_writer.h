@@ -16,8 +16,7 @@ namespace qvslv {
 /// Writes pictures of a run as VTK XML PolyData for ParaView, all in ground axes:
 ///   frames/terrain.vtp            the roads, in their places at the start; nodes carry `height`
 ///   frames/bodies_000000.vtp ...  all bodies that have a shape; cells carry `body` (index in the model's order);
-///   written
-///                                 if a body has a shape
+///                                 written if a body has a shape
 ///   frames/points_000000.vtp ...  contact points; they carry `sinkage`, `dynamic_sinkage`, `local_force` (shear 1,
 ///                                 shear 2, normal), `force`, `normal_force`, `in_contact` and `element`; written if an
 ///                                 element has points
